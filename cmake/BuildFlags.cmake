@@ -1,0 +1,23 @@
+# Warnings for the project's own targets (link bridge_flags) and sanitizers for everything.
+add_library(bridge_flags INTERFACE)
+target_compile_options(bridge_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Werror -Wshadow=local -Wnon-virtual-dtor -Woverloaded-virtual
+    -Wold-style-cast -Wcast-qual -Wconversion -Wsign-conversion)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    target_compile_options(bridge_flags INTERFACE -Wthread-safety -Wno-unknown-warning-option
+        -Wno-shadow -Wshadow-uncaptured-local)
+endif()
+if(NOT WIN32)
+    target_link_options(bridge_flags INTERFACE -Wl,--no-undefined)
+endif()
+target_include_directories(bridge_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_definitions(bridge_flags INTERFACE $<$<PLATFORM_ID:Windows>:UNICODE _UNICODE>)
+
+if(BRIDGE_SANITIZE)
+    add_compile_options(-fsanitize=${BRIDGE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g)
+    add_link_options(-fsanitize=${BRIDGE_SANITIZE})
+    # Asio orders its reference counts with fences, which GCC says it cannot follow under this sanitizer.
+    if(BRIDGE_SANITIZE MATCHES "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        add_compile_options(-Wno-tsan)
+    endif()
+endif()

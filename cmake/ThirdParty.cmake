@@ -1,0 +1,32 @@
+# Third-party libraries behind targets of our own, so that the rest of the tree does not know
+# where a platform takes them from.
+find_package(Threads REQUIRED)
+
+find_package(Boost 1.81 REQUIRED COMPONENTS thread)
+add_library(bridge_boost INTERFACE)
+target_link_libraries(bridge_boost INTERFACE Boost::headers Threads::Threads)
+target_compile_definitions(bridge_boost INTERFACE
+    BOOST_ALL_NO_LIB BOOST_ASIO_NO_DEPRECATED BOOST_BEAST_USE_STD_STRING_VIEW BOOST_DLL_USE_STD_FS)
+add_library(bridge_boost_thread INTERFACE)
+target_link_libraries(bridge_boost_thread INTERFACE bridge_boost Boost::thread)
+
+# Linked into each library and program that reads JSON; hidden in the libraries.
+add_library(bridge_json STATIC ${CMAKE_CURRENT_LIST_DIR}/BoostJson.cpp)
+target_link_libraries(bridge_json PUBLIC bridge_boost)
+
+add_library(bridge_ffi INTERFACE)
+if(NOT WIN32)
+    find_path(FFI_INCLUDE_DIR ffi.h REQUIRED)
+    find_library(FFI_LIBRARY ffi REQUIRED)
+    target_include_directories(bridge_ffi SYSTEM INTERFACE ${FFI_INCLUDE_DIR})
+    target_link_libraries(bridge_ffi INTERFACE ${FFI_LIBRARY})
+endif()
+
+if(BRIDGE_TESTS OR BRIDGE_BENCHMARKS)
+    block()
+        set(CMAKE_CXX_VISIBILITY_PRESET default)
+        set(CMAKE_VISIBILITY_INLINES_HIDDEN OFF)
+        set(INSTALL_GTEST OFF)
+        add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+    endblock()
+endif()

@@ -1,0 +1,61 @@
+#include "platform/Text.h"
+
+#include <iterator>
+#include <limits>
+#include <new>
+
+#include <boost/nowide/utf/utf.hpp>
+
+namespace {
+
+namespace utf = boost::nowide::utf;
+
+constexpr utf::code_point replacement = 0xFFFD;
+
+template <class Out, class In>
+std::basic_string<Out> convert(std::basic_string_view<In> text) {
+    std::basic_string<Out> converted;
+    converted.reserve(text.size());
+    const In* const end = text.data() + text.size();
+    for (const In* next = text.data(); next != end;) {
+        const In* const start = next;
+        utf::code_point character = utf::utf_traits<In>::decode(next, end);
+        if (character == utf::illegal || character == utf::incomplete) {
+            character = replacement;
+            next = start + 1;
+        }
+        utf::utf_traits<Out>::encode(character, std::back_inserter(converted));
+    }
+    return converted;
+}
+
+}  // namespace
+
+std::string toUtf8(Utf16View text) {
+    return convert<char>(text);
+}
+
+Utf16String toUtf16(std::string_view text) {
+    return convert<OLECHAR>(text);
+}
+
+std::string systemTextToUtf8(std::string_view text) {
+#ifdef _WIN32
+    const auto size = static_cast<int>(text.size());
+    Utf16String wide(text.size(), OLESTR('\0'));
+    const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), size);
+    return toUtf8(Utf16View(wide).substr(0, static_cast<std::size_t>(length)));
+#else
+    return toUtf8(toUtf16(text));
+#endif
+}
+
+BSTR newBstr(std::string_view utf8) {
+    const Utf16String text = toUtf16(utf8);
+    if (text.size() > std::numeric_limits<UINT>::max())
+        throw std::bad_alloc();
+    BSTR copy = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    if (!copy)
+        throw std::bad_alloc();
+    return copy;
+}
