@@ -1,0 +1,25 @@
+#include "host/Threading.h"
+
+#include <utility>
+
+#include "host/WorkerPool.h"
+
+namespace ZrHmiSrv {
+
+Threading::Threading(std::size_t threads) : pool(std::make_unique<WorkerPool>(threads)) {}
+
+// Running callbacks may still call this object, so it must be whole until the last has ended.
+Threading::~Threading() {
+    pool->shut_down();
+}
+
+bool Threading::schedule(std::size_t delay_milliseconds, const Context& context,
+                         TimerCallback callback) {
+    return pool->schedule(delay_milliseconds, context, std::move(callback));
+}
+
+bool Threading::stop(std::size_t milliseconds) {
+    return pool->stop(milliseconds);
+}
+
+}  // namespace ZrHmiSrv
