@@ -1,0 +1,51 @@
+#include "target/proxy/Guid.h"
+
+#include <charconv>
+#include <cstdio>
+
+namespace ZrAtlCom {
+
+namespace {
+
+constexpr std::string_view form = "{00000000-0000-0000-0000-000000000000}";
+
+template <class Field>
+bool readField(std::string_view text, std::size_t offset, Field& field) {
+    const char* begin = text.data() + offset;
+    const char* end = begin + 2 * sizeof(Field);
+    return std::from_chars(begin, end, field, 16).ptr == end;
+}
+
+bool hasForm(std::string_view text) {
+    if (text.size() != form.size())
+        return false;
+    for (std::size_t i = 0; i < form.size(); ++i) {
+        if (form[i] != '0' && form[i] != text[i])
+            return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+std::string guidText(const GUID& guid) {
+    std::string text(form.size(), '\0');
+    const auto& d = guid.Data4;
+    std::snprintf(text.data(), text.size() + 1,
+                  "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
+                  static_cast<unsigned>(guid.Data1), guid.Data2, guid.Data3, d[0], d[1], d[2], d[3],
+                  d[4], d[5], d[6], d[7]);
+    return text;
+}
+
+GUID parseGuid(std::string_view text) {
+    constexpr std::size_t bytesAt[] = {20, 22, 25, 27, 29, 31, 33, 35};
+    GUID guid{};
+    bool valid = hasForm(text) && readField(text, 1, guid.Data1) &&
+                 readField(text, 10, guid.Data2) && readField(text, 15, guid.Data3);
+    for (std::size_t i = 0; valid && i < std::size(bytesAt); ++i)
+        valid = readField(text, bytesAt[i], guid.Data4[i]);
+    return valid ? guid : GUID{};
+}
+
+}  // namespace ZrAtlCom
