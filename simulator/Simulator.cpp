@@ -1,0 +1,54 @@
+#include "simulator/Simulator.h"
+
+#include <utility>
+
+#include "simulator/FnxSimulator.h"
+
+namespace ZrSimulator {
+
+Simulator& Simulator::instance() {
+    static Simulator* const simulator = new Simulator;
+    return *simulator;
+}
+
+void Simulator::load(Plant plant) {
+    Runtimes replaced;
+    for (auto& [netId, definition] : plant.runtimes)
+        replaced.emplace(netId, std::make_shared<Runtime>(std::move(definition)));
+    const Runtimes added = replaced;
+
+    Lock loading(loadMutex);
+    {
+        Lock lock(mutex);
+        runtimes.swap(replaced);
+    }
+    if (plant.localNetId)
+        ZrFnxSimulatorSetLocalNetId(&*plant.localNetId);
+    for (const auto& entry : replaced)
+        entry.second->shutDown();
+    for (const auto& entry : added)
+        entry.second->start();
+}
+
+std::shared_ptr<Runtime> Simulator::find(const FnxNetId& netId) {
+    Lock lock(mutex);
+    const auto found = runtimes.find(netId);
+    return found == runtimes.end() ? nullptr : found->second;
+}
+
+HRESULT Simulator::enterUnbound(Operation operation) {
+    Runtimes all;
+    {
+        Lock lock(mutex);
+        all = runtimes;
+    }
+    HRESULT result = S_OK;
+    for (const auto& entry : all) {
+        const HRESULT hr = entry.second->clientBorder()->enter(operation);
+        if (SUCCEEDED(result))
+            result = hr;
+    }
+    return result;
+}
+
+}  // namespace ZrSimulator

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <vector>
+
+#include "simulator/com/RuntimeObject.h"
+#include "target/proxy/ZrEventLoggerFnxProxy.h"
+
+namespace ZrSimulator {
+
+/// A snapshot: `Interface` is the collection's, `Item` that of its objects.
+template <class Interface, class Item, class Object>
+class Collection final : public RuntimeObject<Interface> {
+public:
+    Collection(std::shared_ptr<Border> border, std::vector<Ref<Object>> objects)
+        : RuntimeObject<Interface>(std::move(border)), objects(std::move(objects)) {}
+
+    HRESULT STDMETHODCALLTYPE get_Item(ULONG index, Item** item) override {
+        return catchToResult([&]() -> HRESULT {
+            if (!item)
+                return E_POINTER;
+            *item = nullptr;
+            if (const HRESULT hr = this->border->enter(Operation::GetItem); FAILED(hr))
+                return hr;
+            return index < objects.size() ? handOut(objects[index], item) : DISP_E_BADINDEX;
+        });
+    }
+    HRESULT STDMETHODCALLTYPE get_Count(ULONG* count) override {
+        return readPlain(count, [&] { return static_cast<ULONG>(objects.size()); });
+    }
+
+private:
+    const std::vector<Ref<Object>> objects;
+};
+
+}  // namespace ZrSimulator
