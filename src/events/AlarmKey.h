@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+#include <boost/container_hash/hash.hpp>
+
+#include "events/ProxyValue.h"
+#include "host/Time.h"
+#include "target/proxy/ComPtr.h"
+#include "target/proxy/ZrEventLoggerFnxProxy.h"
+
+namespace ZrHmiEventLogger {
+
+/// Tells which alarm a proxy alarm stands for, also when another object stands for it after a
+/// reconnection.
+struct AlarmKey {
+    ZrHmiSrv::Timestamp timeRaised;
+    std::optional<std::uint32_t> number;  ///< the instance id, where the logger has one
+    friend bool operator==(const AlarmKey&, const AlarmKey&) = default;
+};
+
+/// The key of a live or logged alarm, read from it. Throws ZrAtlCom::CAtlException.
+template <class Source>
+AlarmKey alarmKeyOf(Source& source) {
+    using ZrEventLoggerFnxProxyLib::IZrEvent;
+    using ZrEventLoggerFnxProxyLib::IZrEventInstance;
+    AlarmKey key{toTimestamp(readValue(source, &IZrEvent::get_TimeRaised)), {}};
+    if (const auto instance = ZrAtlCom::ComPtr<Source>(&source).template query<IZrEventInstance>())
+        key.number = readValue(*instance, &IZrEventInstance::get_InstanceId);
+    return key;
+}
+
+}  // namespace ZrHmiEventLogger
+
+template <>
+struct std::hash<ZrHmiEventLogger::AlarmKey> {
+    std::size_t operator()(const ZrHmiEventLogger::AlarmKey& key) const noexcept {
+        std::size_t seed = std::hash<std::int64_t>()(key.timeRaised.nanoseconds());
+        boost::hash_combine(seed, key.number ? *key.number + 1ULL : 0ULL);
+        return seed;
+    }
+};

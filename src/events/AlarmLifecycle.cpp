@@ -1,0 +1,282 @@
+#include "events/AlarmLifecycle.h"
+
+#include <optional>
+
+#include "events/Conversion.h"
+#include "events/DiagnosticMessage.h"
+#include "events/ProxyValue.h"
+
+using namespace ZrEventLoggerFnxProxyLib;
+using ZrHmiSrv::Alarm;
+using ZrHmiSrv::AlarmConfirmationState;
+using ZrHmiSrv::AlarmState;
+using ZrHmiSrv::Event;
+using ZrHmiSrv::Message;
+using ZrHmiSrv::Text;
+using ZrHmiSrv::Timestamp;
+using ZrHmiSrv::Value;
+
+namespace ZrHmiEventLogger {
+
+namespace {
+
+Alarm alarmOf(const Event& event) {
+    return event.payload().get_alarm();
+}
+
+/// A clear without a time of its own happened now.
+Timestamp orNow(Timestamp time) {
+    return time.isset() ? time : Timestamp::now();
+}
+
+Timestamp timeCleared(IZrAlarm& alarm) {
+    return toTimestamp(readValue(alarm, &IZrAlarm::get_TimeCleared));
+}
+
+/// The key under which an alarm is found again: of the time that was converted, should the alarm
+/// have been raised again since its key was read.
+AlarmKey storeKeyOf(const Alarm& alarm, const AlarmKey& key) {
+    return {alarm.time_raised(), key.number};
+}
+
+EventStore::AlarmPointer pointerTo(IZrAlarm& alarm) {
+    return std::make_shared<ScopedEventPointer<IZrAlarm>>(&alarm);
+}
+
+}  // namespace
+
+/// What clearing and confirming have in common, read from the proxy before anything is changed.
+struct AlarmLifecycle::Change {
+    NotificationKind kind;
+    Text known;
+    Text unknown;
+    AlarmKey key;
+    AlarmConfirmationState confirmationState;
+    Timestamp loggerTime;  ///< of the clear or the confirmation, as the logger has it
+    Timestamp storedTime;  ///< the same as the store takes it over
+    void (*setTime)(Alarm& alarm, Timestamp time);
+};
+
+void AlarmLifecycle::handle(const RecordedCallback& notification, bool quiet) {
+    switch (notification.kind) {
+        case NotificationKind::messageSent:
+            return onMessageSent(*notification.message, quiet);
+        case NotificationKind::alarmRaised:
+            return onAlarmRaised(*notification.alarm, quiet);
+        case NotificationKind::alarmCleared:
+            return onAlarmCleared(*notification.alarm, notification.flag, quiet);
+        case NotificationKind::alarmConfirmed:
+            return onAlarmConfirmed(*notification.alarm, notification.flag, quiet);
+        case NotificationKind::databaseChanged:
+            return;
+    }
+}
+
+void AlarmLifecycle::onMessageSent(IZrMessage& source, bool quiet) {
+    Message message;
+    toHostMessage(message, source, context.domain, context.targetName);
+    if (identities.takeMessage(message))
+        return;
+    bool kept = false;
+    const auto evicted = store.change([&](Container& events) {
+        kept = events.insert(eventOf(message), {}, context.eventLimit) != nullptr;
+    });
+    // The host hears of a message before it hears that the message is forgotten.
+    if (kept)
+        store.forget(evicted);
+    if (!quiet)
+        context.logging.sendMessage(message);
+    if (!kept)
+        store.forget(evicted);
+}
+
+std::optional<Alarm> AlarmLifecycle::findLive(const IZrAlarm& source) {
+    std::optional<Alarm> stored;
+    store.read([&](const Container& events) {
+        if (const auto* entry = events.findByPointer(&source))
+            stored = alarmOf(entry->event());
+    });
+    return stored;
+}
+
+void AlarmLifecycle::convert(Alarm& alarm, IZrAlarm& source, bool keepId) {
+    toHostAlarm(alarm, source, context.domain, context.targetName, context.drawHostId(), keepId);
+}
+
+void AlarmLifecycle::onAlarmRaised(IZrAlarm& source, bool quiet) {
+    const AlarmKey key = alarmKeyOf(source);
+    const auto stored = findLive(source);
+    const bool late = identities.takeAlarm(key, NotificationKind::alarmRaised);
+    if (stored && !(late && isCurrent(*stored, source)))
+        raiseAgain(source, key, *stored, quiet);
+    else if (!stored && !late)
+        raise(source, key, quiet);
+}
+
+/// Whether the alarm stands in the store just as the logger has it.
+bool AlarmLifecycle::isCurrent(const Alarm& stored, IZrAlarm& source) const {
+    Alarm current = stored;
+    toHostAlarm(current, source, context.domain, context.targetName, 0, true);
+    return Value(current) == Value(stored);
+}
+
+void AlarmLifecycle::raise(IZrAlarm& source, const AlarmKey& key, bool quiet) {
+    static const Text name("NEW_ALARM_RAISED");
+    Alarm alarm;
+    convert(alarm, source, false);
+    announce(name, source, alarm, key, quiet);
+}
+
+void AlarmLifecycle::raiseAgain(IZrAlarm& source, const AlarmKey& key, const Alarm& stored,
+                                bool quiet) {
+    static const Text name("ACTIVE_ALARM_RAISED_AGAIN");
+    Alarm alarm = stored;
+    // The id that is drawn here is spent: the alarm keeps the one under which the host knows it.
+    convert(alarm, source, true);
+    announce(name, source, alarm, key, quiet);
+}
+
+void AlarmLifecycle::announce(const Text& name, IZrAlarm& source, const Alarm& alarm,
+                              const AlarmKey& key, bool quiet) {
+    Container::Removed former;
+    auto pointer = pointerTo(source);
+    store.forget(store.change([&](Container& events) {
+        if (auto* entry = events.findByPointer(&source))
+            former = events.erase(*entry);
+        events.insert(eventOf(alarm), {std::move(pointer), storeKeyOf(alarm, key)},
+                      context.eventLimit);
+    }));
+    context.logging.logMessage(
+        diagnosticMessage(name, {context.targetName, alarm.id(), alarm.time_raised()}));
+    if (!quiet)
+        context.logging.raiseAlarm(alarm);
+}
+
+bool AlarmLifecycle::refresh(const RecordedCallback& notification) {
+    IZrAlarm& source = *notification.alarm;
+    const auto stored = findLive(source);
+    if (!stored)
+        return false;
+    const AlarmKey key = alarmKeyOf(source);
+    Alarm alarm = *stored;
+    toHostAlarm(alarm, source, context.domain, context.targetName, 0, true);
+    if (notification.kind == NotificationKind::alarmCleared)
+        alarm.set_time_cleared(orNow(timeCleared(source)));
+    else if (notification.kind == NotificationKind::alarmConfirmed && !alarm.time_cleared().isset())
+        alarm.set_time_cleared(stored->time_cleared());
+
+    Container::Removed former;
+    Container::Released released{};
+    store.forget(store.change([&](Container& events) {
+        auto* entry = events.findByPointer(&source);
+        if (!entry)
+            return;
+        if (entry->key() == alarm.time_raised().nanoseconds()) {
+            former.event = events.replaceEvent(*entry, eventOf(alarm));
+        } else {
+            former = events.erase(*entry);
+            entry = events.insert(eventOf(alarm), {former.pointer, storeKeyOf(alarm, key)},
+                                  context.eventLimit);
+        }
+        if (notification.flag == VARIANT_TRUE)
+            released = events.release(*entry, context.eventLimit);
+    }));
+    return true;
+}
+
+void AlarmLifecycle::onAlarmCleared(IZrAlarm& alarm, VARIANT_BOOL removed, bool quiet) {
+    static const Text known("KNOWN_ALARM_CLEARED");
+    static const Text unknown("UNKNOWN_ALARM_CLEARED");
+    const Timestamp cleared = timeCleared(alarm);
+    const Change change{NotificationKind::alarmCleared,
+                        known,
+                        unknown,
+                        alarmKeyOf(alarm),
+                        mapConfirmationState(readValue(alarm, &IZrAlarm::get_ConfirmationState)),
+                        cleared,
+                        orNow(cleared),
+                        [](Alarm& stored, Timestamp time) {
+                            stored.set_time_cleared(time);
+                            stored.set_alarm_state(AlarmState::standard);
+                        }};
+    onAlarmChanged(change, removed == VARIANT_TRUE, quiet);
+}
+
+void AlarmLifecycle::onAlarmConfirmed(IZrAlarm& alarm, VARIANT_BOOL removed, bool quiet) {
+    static const Text known("KNOWN_ALARM_CONFIRMED");
+    static const Text unknown("UNKNOWN_ALARM_CONFIRMED");
+    const Timestamp confirmed = toTimestamp(readValue(alarm, &IZrAlarm::get_TimeConfirmed));
+    const Change change{NotificationKind::alarmConfirmed,
+                        known,
+                        unknown,
+                        alarmKeyOf(alarm),
+                        mapConfirmationState(readValue(alarm, &IZrAlarm::get_ConfirmationState)),
+                        confirmed,
+                        confirmed,
+                        [](Alarm& stored, Timestamp time) { stored.set_time_confirmed(time); }};
+    onAlarmChanged(change, removed == VARIANT_TRUE, quiet);
+}
+
+void AlarmLifecycle::onAlarmChanged(const Change& change, bool removed, bool quiet) {
+    std::optional<Alarm> alarm;
+    Event former;
+    Container::Released released{};
+    const auto evicted = store.change([&](Container& events) {
+        auto* entry = findKnown(events, change.key);
+        if (!entry)
+            return;
+        alarm = alarmOf(entry->event());
+        alarm->set_confirmation_state(change.confirmationState);
+        change.setTime(*alarm, change.storedTime);
+        Event event = entry->event();
+        event.set_payload(*alarm);
+        former = events.replaceEvent(*entry, std::move(event));
+        if (removed && entry->isLive())
+            released = events.release(*entry, context.eventLimit);
+    });
+    const bool late = identities.takeAlarm(change.key, change.kind);
+    if (!alarm) {
+        if (!late)
+            context.logging.logMessage(diagnosticMessage(
+                change.unknown,
+                {context.targetName, removed, change.key.timeRaised, change.loggerTime}));
+        return;
+    }
+    if (!released.evicted)
+        store.forget(evicted);
+    context.logging.logMessage(diagnosticMessage(
+        change.known,
+        {context.targetName, removed, alarm->id(), alarm->time_raised(), change.storedTime}));
+    if (!quiet)
+        context.logging.updateAlarm(*alarm, removed);
+    if (released.evicted)
+        store.forget(evicted);
+}
+
+AlarmLifecycle::Container::Entry* AlarmLifecycle::findKnown(Container& events,
+                                                            const AlarmKey& key) const {
+    if (auto* entry = events.find(key))
+        return entry;
+    const auto hostId = identities.unsettled(key);
+    if (!hostId)
+        return nullptr;
+    return events.findInGroup(key.timeRaised.nanoseconds(), [&](const Container::Entry& entry) {
+        return alarmOf(entry.event()).id() == *hostId;
+    });
+}
+
+HRESULT AlarmLifecycle::confirm(const Alarm& alarm) {
+    static const Text name("CALL_CONFIRM");
+    try {
+        const auto pinned = store.pin(alarm.id());
+        if (!pinned)
+            return E_FAIL;
+        context.logging.logMessage(diagnosticMessage(name, {context.targetName, alarm.id()}));
+        return store.confirm(alarm.id(), pinned);
+    } catch (...) {
+        reportCurrentException(context.logging, context.targetName);
+        return E_FAIL;
+    }
+}
+
+}  // namespace ZrHmiEventLogger

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <optional>
+
+#include "events/EventContext.h"
+#include "events/EventStore.h"
+#include "events/ImportedIdentities.h"
+#include "events/RecordedCallback.h"
+
+namespace ZrHmiEventLogger {
+
+/// What a target system does with each notification: keeps the store in step, logs, and tells the
+/// host unless `quiet` is set, as it is when an import replays. Handlers are called with the
+/// target's sinkMutex held and throw what the proxy threw, having changed nothing.
+class AlarmLifecycle {
+public:
+    using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
+    using IZrMessage = ZrEventLoggerFnxProxyLib::IZrMessage;
+
+    AlarmLifecycle(const EventContext& context, EventStore& store)
+        : context(context), store(store) {}
+
+    /// Of every kind but databaseChanged, which is the target's own affair.
+    void handle(const RecordedCallback& notification, bool quiet);
+
+    void onMessageSent(IZrMessage& source, bool quiet);
+    void onAlarmRaised(IZrAlarm& source, bool quiet);
+    void onAlarmCleared(IZrAlarm& source, VARIANT_BOOL removed, bool quiet);
+    void onAlarmConfirmed(IZrAlarm& source, VARIANT_BOOL removed, bool quiet);
+
+    /// Brings the stored event of a live alarm up to date, silently: it was taken over by an
+    /// import while this notification was on its way. False when the alarm is not live any more.
+    bool refresh(const RecordedCallback& notification);
+    /// What the last import took over; it holds against late notifications. Under sinkMutex.
+    ImportedIdentities& imported() { return identities; }
+
+    /// An operator's confirmation, on a host thread. Throws nothing.
+    HRESULT confirm(const ZrHmiSrv::Alarm& alarm);
+
+private:
+    using Container = EventStore::Container;
+    struct Change;
+
+    std::optional<ZrHmiSrv::Alarm> findLive(const IZrAlarm& source);
+    void convert(ZrHmiSrv::Alarm& alarm, IZrAlarm& source, bool keepId);
+    void raise(IZrAlarm& source, const AlarmKey& key, bool quiet);
+    void raiseAgain(IZrAlarm& source, const AlarmKey& key, const ZrHmiSrv::Alarm& stored,
+                    bool quiet);
+    /// Stores the alarm in the place of what was stored of it, logs and tells the host.
+    void announce(const ZrHmiSrv::Text& name, IZrAlarm& source, const ZrHmiSrv::Alarm& alarm,
+                  const AlarmKey& key, bool quiet);
+    bool isCurrent(const ZrHmiSrv::Alarm& stored, IZrAlarm& source) const;
+    void onAlarmChanged(const Change& change, bool removed, bool quiet);
+    Container::Entry* findKnown(Container& events, const AlarmKey& key) const;
+
+    const EventContext& context;
+    EventStore& store;
+    ImportedIdentities identities;
+};
+
+}  // namespace ZrHmiEventLogger

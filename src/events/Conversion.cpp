@@ -1,0 +1,133 @@
+#include "events/Conversion.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "events/EventParameters.h"
+#include "events/ProxyValue.h"
+
+using namespace ZrEventLoggerFnxProxyLib;
+using ZrHmiSrv::Alarm;
+using ZrHmiSrv::AlarmConfirmationState;
+using ZrHmiSrv::AlarmState;
+using ZrHmiSrv::Event;
+using ZrHmiSrv::Message;
+using ZrHmiSrv::Severity;
+using ZrHmiSrv::Text;
+using ZrHmiSrv::Timestamp;
+using ZrHmiSrv::Value;
+
+namespace ZrHmiEventLogger {
+
+namespace {
+
+const Text alarmName("ZREVENTLOGGER_ALARM");
+const Text messageName("ZREVENTLOGGER_MESSAGE");
+
+template <class Source>
+void setCommon(Alarm& alarm, Source& source, const Text& domain, const Text& targetName) {
+    alarm.set_name(alarmName);
+    alarm.set_domain(domain);
+    alarm.set_severity(mapSeverity(readValue(source, &IZrEvent::get_Severity)));
+    alarm.set_time_raised(toTimestamp(readValue(source, &IZrEvent::get_TimeRaised)));
+    alarm.set_time_confirmed(toTimestamp(readValue(source, &Source::get_TimeConfirmed)));
+    alarm.set_payload(eventParameters(source, targetName));
+}
+
+template <class Source>
+void setCommon(Message& message, Source& source, const Text& domain, const Text& targetName) {
+    message.set_name(messageName);
+    message.set_domain(domain);
+    message.set_severity(mapSeverity(readValue(source, &IZrEvent::get_Severity)));
+    message.set_time_raised(toTimestamp(readValue(source, &IZrEvent::get_TimeRaised)));
+    message.set_payload(eventParameters(source, targetName));
+}
+
+AlarmConfirmationState loggedConfirmation(IZrLoggedEvent& source, Timestamp confirmed) {
+    if (readValue(source, &IZrLoggedEvent::get_RequiresConfirmation) != VARIANT_TRUE)
+        return AlarmConfirmationState::none;
+    return confirmed.isset() ? AlarmConfirmationState::confirmed : AlarmConfirmationState::lapsed;
+}
+
+Alarm loggedAlarm(IZrLoggedEvent& source, const Text& domain, const Text& targetName,
+                  std::int32_t hostId) {
+    Alarm alarm;
+    alarm.set_id(hostId);
+    setCommon(alarm, source, domain, targetName);
+    alarm.set_time_cleared(toTimestamp(readValue(source, &IZrLoggedEvent::get_TimeCleared)));
+    alarm.set_confirmation_state(loggedConfirmation(source, alarm.time_confirmed()));
+    if (!alarm.time_cleared().isset())
+        alarm.set_alarm_state(AlarmState::invalid);
+    return alarm;
+}
+
+template <class Payload>
+void carry(Event& event, Payload payload) {
+    event.set_name(payload.name());
+    event.set_domain(payload.domain());
+    event.set_time_received(payload.time_raised());
+    event.set_payload(Value(std::move(payload)));
+}
+
+}  // namespace
+
+Severity mapSeverity(std::uint32_t severity) {
+    return severity <= 4 ? static_cast<Severity>(severity) : Severity::info;
+}
+
+AlarmConfirmationState mapConfirmationState(std::uint32_t state) {
+    return state <= 4 ? static_cast<AlarmConfirmationState>(state) : AlarmConfirmationState::none;
+}
+
+Timestamp toTimestamp(FILETIME time) {
+    constexpr std::uint64_t latest = std::numeric_limits<long long>::max();
+    const auto ticks =
+        (std::uint64_t{time.dwHighDateTime} << 32) | std::uint64_t{time.dwLowDateTime};
+    return Timestamp::from_file_time(static_cast<long long>(std::min(ticks, latest)));
+}
+
+void toHostAlarm(Alarm& alarm, IZrAlarm& source, const Text& domain, const Text& targetName,
+                 std::int32_t hostId, bool keepId) {
+    if (!keepId)
+        alarm.set_id(hostId);
+    setCommon(alarm, source, domain, targetName);
+    const Timestamp cleared = toTimestamp(readValue(source, &IZrAlarm::get_TimeCleared));
+    alarm.set_time_cleared(cleared > alarm.time_raised() ? cleared : Timestamp());
+    alarm.set_confirmation_state(
+        mapConfirmationState(readValue(source, &IZrAlarm::get_ConfirmationState)));
+}
+
+void toHostMessage(Message& message, IZrMessage& source, const Text& domain,
+                   const Text& targetName) {
+    setCommon(message, source, domain, targetName);
+}
+
+void toHostEvent(Event& event, IZrLoggedEvent& source, const Text& domain, const Text& targetName,
+                 std::int32_t hostId) {
+    event.set_domain(domain);
+    switch (readValue(source, &IZrLoggedEvent::get_EventType)) {
+        case LoggedEventType::message: {
+            Message message;
+            setCommon(message, source, domain, targetName);
+            carry(event, std::move(message));
+            break;
+        }
+        case LoggedEventType::alarm:
+            carry(event, loggedAlarm(source, domain, targetName, hostId));
+            break;
+    }
+}
+
+Event eventOf(Alarm alarm) {
+    Event event;
+    carry(event, std::move(alarm));
+    return event;
+}
+
+Event eventOf(Message message) {
+    Event event;
+    carry(event, std::move(message));
+    return event;
+}
+
+}  // namespace ZrHmiEventLogger

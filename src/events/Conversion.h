@@ -1,0 +1,37 @@
+/// From the event logger's objects to the host's events. A failing proxy call throws
+/// ZrAtlCom::CAtlException; the half-filled event is then to be discarded. Any thread.
+#pragma once
+
+#include <cstdint>
+
+#include "host/Event.h"
+#include "target/proxy/ZrEventLoggerFnxProxy.h"
+
+namespace ZrHmiEventLogger {
+
+using ZrEventLoggerFnxProxyLib::IZrAlarm;
+using ZrEventLoggerFnxProxyLib::IZrEvent;
+using ZrEventLoggerFnxProxyLib::IZrLoggedEvent;
+using ZrEventLoggerFnxProxyLib::IZrMessage;
+
+/// An unknown severity becomes `info`.
+ZrHmiSrv::Severity mapSeverity(std::uint32_t severity);
+/// An unknown state becomes `none`.
+ZrHmiSrv::AlarmConfirmationState mapConfirmationState(std::uint32_t state);
+
+/// With `keepId` the id that the alarm already has stays.
+void toHostAlarm(ZrHmiSrv::Alarm& alarm, IZrAlarm& source, const ZrHmiSrv::Text& domain,
+                 const ZrHmiSrv::Text& targetName, std::int32_t hostId, bool keepId);
+
+void toHostMessage(ZrHmiSrv::Message& message, IZrMessage& source, const ZrHmiSrv::Text& domain,
+                   const ZrHmiSrv::Text& targetName);
+
+/// The event gets a payload only when the entry is an alarm or a message.
+void toHostEvent(ZrHmiSrv::Event& event, IZrLoggedEvent& source, const ZrHmiSrv::Text& domain,
+                 const ZrHmiSrv::Text& targetName, std::int32_t hostId);
+
+/// The event that carries a live alarm or message, with its name, domain and time.
+ZrHmiSrv::Event eventOf(ZrHmiSrv::Alarm alarm);
+ZrHmiSrv::Event eventOf(ZrHmiSrv::Message message);
+
+}  // namespace ZrHmiEventLogger

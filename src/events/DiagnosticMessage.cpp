@@ -1,0 +1,32 @@
+#include "events/DiagnosticMessage.h"
+
+#include <array>
+#include <cassert>
+
+using ZrHmiSrv::Message;
+using ZrHmiSrv::Severity;
+using ZrHmiSrv::Text;
+using ZrHmiSrv::Timestamp;
+using ZrHmiSrv::Value;
+using ZrHmiSrv::ValueType;
+
+namespace ZrHmiEventLogger {
+
+Message diagnosticMessage(Text name, std::initializer_list<Value> parameters, Severity severity) {
+    static const std::array<Text, 8> keys{"0", "1", "2", "3", "4", "5", "6", "7"};
+    assert(parameters.size() <= keys.size());
+    Value map(ValueType::structure);
+    map.reserve(parameters.size());
+    auto key = keys.begin();
+    for (const Value& parameter : parameters)
+        map.insert(*key++, parameter);
+
+    Message message;
+    message.set_name(std::move(name));
+    message.set_severity(severity);
+    message.set_time_raised(Timestamp::now());
+    message.set_payload(std::move(map));
+    return message;
+}
+
+}  // namespace ZrHmiEventLogger

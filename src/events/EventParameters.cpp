@@ -1,0 +1,152 @@
+#include "events/EventParameters.h"
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "events/ProxyValue.h"
+#include "platform/Text.h"
+#include "target/proxy/CAtlException.h"
+#include "target/proxy/ComPtr.h"
+#include "target/proxy/Guid.h"
+
+using namespace ZrEventLoggerFnxProxyLib;
+using ZrAtlCom::check;
+using ZrAtlCom::ComPtr;
+using ZrAtlCom::guidText;
+using ZrHmiSrv::Binary;
+using ZrHmiSrv::Text;
+using ZrHmiSrv::Value;
+using ZrHmiSrv::ValueType;
+
+namespace ZrHmiEventLogger {
+
+namespace keys {
+const Text targetName("targetName");
+const Text eventClass("eventClass");
+const Text eventId("eventId");
+const Text sourceId("sourceId");
+const Text sourceName("sourceName");
+const Text sourceGuid("sourceGuid");
+const Text jsonAttribute("jsonAttribute");
+const Text numArguments("numArguments");
+const Text types("types");
+const Text data("data");
+}  // namespace keys
+
+namespace {
+
+constexpr std::int64_t maxArgumentBlock = 16 * 1024 * 1024;
+constexpr std::size_t parameterCount = 10;
+
+template <class Object, class Owner>
+Text readText(Object& object, HRESULT (STDMETHODCALLTYPE Owner::*getter)(BSTR*)) {
+    ScopedBstr text;
+    check((object.*getter)(text.put()));
+    return Text(text.utf8());
+}
+
+bool hasSource(IZrEvent& source, SourceAttribute kind) {
+    VARIANT_BOOL has = VARIANT_FALSE;
+    check(source.HasSource(kind, &has));
+    return has == VARIANT_TRUE;
+}
+
+/// What the proxy says of a block is not trusted: both parts must lie within it.
+bool isWellFormed(const ArgumentBlockLayout& layout) {
+    const std::int64_t size = std::int64_t{layout.typesSize} + layout.dataSize;
+    const auto lies = [size](std::int64_t offset, std::int64_t length) {
+        return offset >= 0 && length >= 0 && offset + length <= size;
+    };
+    return layout.count >= 0 && size <= maxArgumentBlock &&
+           lies(layout.typesOffset, layout.typesSize) && lies(layout.dataOffset, layout.dataSize);
+}
+
+ArgumentBlockLayout readLayout(IZrEventArguments& arguments) {
+    ArgumentBlockLayout layout{};
+    check(arguments.GetLayout(&layout));
+    if (!isWellFormed(layout))
+        check(E_INVALIDARG);
+    return layout;
+}
+
+void addBlock(Value& parameters, IZrEventArguments& arguments, const ArgumentBlockLayout& layout) {
+    const auto part = [](LONG value) { return static_cast<std::size_t>(value); };
+    const std::size_t size = part(layout.typesSize) + part(layout.dataSize);
+    if (layout.count == 0 || size == 0)
+        return;
+    std::vector<std::byte> block(size);
+    check(arguments.GetBlock(reinterpret_cast<BYTE*>(block.data()), static_cast<ULONG>(size)));
+    const std::span<const std::byte> bytes(block);
+    parameters.insert(keys::types,
+                      Binary(bytes.subspan(part(layout.typesOffset), part(layout.typesSize))));
+    parameters.insert(keys::data,
+                      Binary(bytes.subspan(part(layout.dataOffset), part(layout.dataSize))));
+}
+
+/// Alarms and messages say how many arguments they have; the block is optional.
+template <class LiveEvent>
+void addArguments(Value& parameters, LiveEvent& source) {
+    const ULONG count = readValue(source, &LiveEvent::get_ArgumentCount);
+    parameters.insert(keys::numArguments, static_cast<double>(count));
+    const auto arguments = ComPtr<LiveEvent>(&source).template query<IZrEventArguments>();
+    if (!arguments)
+        return;
+    const ArgumentBlockLayout layout = readLayout(*arguments);
+    if (static_cast<ULONG>(layout.count) != count)
+        check(E_INVALIDARG);
+    addBlock(parameters, *arguments, layout);
+}
+
+/// A logged event says so only through its argument block.
+void addArguments(Value& parameters, IZrLoggedEvent& source) {
+    const auto arguments = ComPtr<IZrLoggedEvent>(&source).query<IZrEventArguments>();
+    if (!arguments) {
+        parameters.insert(keys::numArguments, 0);
+        return;
+    }
+    const ArgumentBlockLayout layout = readLayout(*arguments);
+    parameters.insert(keys::numArguments, static_cast<double>(layout.count));
+    addBlock(parameters, *arguments, layout);
+}
+
+template <class Source>
+Value parametersOf(Source& source, const Text& targetName) {
+    Value parameters(ValueType::structure);
+    parameters.reserve(parameterCount);
+    parameters.insert(keys::targetName, targetName);
+    parameters.insert(keys::eventClass,
+                      Text(guidText(readValue(source, &IZrEvent::get_EventClass))));
+    parameters.insert(keys::eventId,
+                      static_cast<double>(readValue(source, &IZrEvent::get_EventId)));
+    if (hasSource(source, SourceAttribute::id))
+        parameters.insert(keys::sourceId,
+                          static_cast<double>(readValue(source, &IZrEvent::get_SourceId)));
+    if (hasSource(source, SourceAttribute::name))
+        parameters.insert(keys::sourceName, readText(source, &IZrEvent::get_SourceName));
+    if (hasSource(source, SourceAttribute::guid))
+        parameters.insert(keys::sourceGuid,
+                          Text(guidText(readValue(source, &IZrEvent::get_SourceGuid))));
+    if (const auto json = ComPtr<Source>(&source).template query<IZrJsonAttribute>())
+        parameters.insert(keys::jsonAttribute,
+                          readText(*json, &IZrJsonAttribute::get_JsonAttribute));
+    addArguments(parameters, source);
+    return parameters;
+}
+
+}  // namespace
+
+Value eventParameters(IZrAlarm& source, const Text& targetName) {
+    return parametersOf(source, targetName);
+}
+
+Value eventParameters(IZrMessage& source, const Text& targetName) {
+    return parametersOf(source, targetName);
+}
+
+Value eventParameters(IZrLoggedEvent& source, const Text& targetName) {
+    return parametersOf(source, targetName);
+}
+
+}  // namespace ZrHmiEventLogger

@@ -1,0 +1,97 @@
+#include "events/EventStore.h"
+
+#include "events/DiagnosticMessage.h"
+#include "target/proxy/CAtlException.h"
+
+using ZrHmiSrv::Event;
+
+namespace ZrHmiEventLogger {
+
+namespace {
+
+std::optional<int> hostIdOf(const EventStore::Container::Entry* entry) {
+    return entry ? std::optional(entry->event().payload().get_alarm().id()) : std::nullopt;
+}
+
+}  // namespace
+
+EventStore::EventStore(const EventContext& context) : context(context) {
+    Lock lock(storeMutex);
+    collectEvictions();
+}
+
+void EventStore::collectEvictions() {
+    events->setEvictionCallback(
+        [&into = evicted](std::int64_t, Event event) { into.push_back(std::move(event)); });
+}
+
+void EventStore::publish() {
+    const EventStatistics& counters = events->counters();
+    Lock lock(statisticsMutex);
+    published = counters;
+}
+
+std::shared_ptr<EventStore::Container> EventStore::exchange(std::shared_ptr<Container> rebuilt) {
+    Lock lock(storeMutex);
+    std::swap(events, rebuilt);
+    collectEvictions();
+    publish();
+    return rebuilt;
+}
+
+bool EventStore::removeAlarms() {
+    std::vector<Container::Removed> removed;
+    change([&](Container& container) { removed = container.removeAlarms(); });
+    return !removed.empty();
+}
+
+std::vector<Event> EventStore::eventsOldestFirst() const {
+    std::vector<Event> copy;
+    Lock lock(storeMutex);
+    copy.reserve(events->size());
+    events->visitOldestFirst([&](const Container::Entry& entry) { copy.push_back(entry.event()); });
+    return copy;
+}
+
+std::optional<int> EventStore::findHostId(const IZrAlarm* alarm) const {
+    Lock lock(storeMutex);
+    return hostIdOf(events->findByPointer(alarm));
+}
+
+std::optional<int> EventStore::findHostId(const AlarmKey& key) const {
+    Lock lock(storeMutex);
+    return hostIdOf(events->find(key));
+}
+
+EventStore::AlarmPointer EventStore::pin(int hostId) const {
+    Lock lock(storeMutex);
+    const Container::Entry* entry = events->findById(hostId);
+    return entry ? entry->pointer() : nullptr;
+}
+
+HRESULT EventStore::confirm(int hostId, const AlarmPointer& pinned) {
+    Lock lock(storeMutex);
+    const Container::Entry* entry = events->findById(hostId);
+    if (!entry || entry->pointer()->get() != pinned->get())
+        return E_FAIL;
+    return ZrAtlCom::check(pinned->get()->Confirm());
+}
+
+EventStatistics EventStore::statistics() const {
+    Lock lock(statisticsMutex);
+    return published;
+}
+
+void EventStore::forget(const Evicted& events) const {
+    for (const Event& event : events)
+        forgetEvent(event);
+}
+
+void EventStore::forgetEvent(const Event& event) const {
+    static const ZrHmiSrv::Text name("FORGET_EVENT");
+    context.logging.logMessage(
+        diagnosticMessage(name, {context.targetName, event.time_received()}));
+    context.logging.forgetEvent(event);
+}
+
+}  // namespace ZrHmiEventLogger

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include <boost/container/small_vector.hpp>
+
+#include "events/EventContext.h"
+#include "events/LimitedEventContainer.h"
+#include "events/ScopedEventPointer.h"
+#include "platform/Mutex.h"
+#include "target/proxy/ZrEventLoggerFnxProxy.h"
+
+namespace ZrHmiEventLogger {
+
+/// The events of one target system that stand in the host, and the lock around them. Any thread.
+/// Nothing is reported from inside: what was evicted is handed to the caller.
+class EventStore {
+public:
+    using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
+    using Container = LimitedEventContainer<ScopedEventPointer<IZrAlarm>, IZrAlarm>;
+    using AlarmPointer = std::shared_ptr<ScopedEventPointer<IZrAlarm>>;
+    using Evicted = boost::container::small_vector<ZrHmiSrv::Event, 2>;
+
+    explicit EventStore(const EventContext& context);
+
+    /// Runs `apply` on the events; publishes the counters. Answers what left, oldest
+    /// eviction first.
+    template <class Apply>
+    Evicted change(Apply apply) EXCLUDES(storeMutex) {
+        Lock lock(storeMutex);
+        apply(*events);
+        publish();
+        return std::exchange(evicted, {});
+    }
+
+    template <class Look>
+    void read(Look look) const EXCLUDES(storeMutex) {
+        Lock lock(storeMutex);
+        look(std::as_const(*events));
+    }
+
+    /// The rebuilt events take the place of the old ones, which are handed out so that they are
+    /// destroyed with no lock held.
+    std::shared_ptr<Container> exchange(std::shared_ptr<Container> rebuilt) EXCLUDES(storeMutex);
+    /// Takes out all events that are alarms; false when there are none.
+    bool removeAlarms() EXCLUDES(storeMutex);
+    std::vector<ZrHmiSrv::Event> eventsOldestFirst() const EXCLUDES(storeMutex);
+
+    /// The host id under which a live alarm is stored.
+    std::optional<int> findHostId(const IZrAlarm* alarm) const EXCLUDES(storeMutex);
+    std::optional<int> findHostId(const AlarmKey& key) const EXCLUDES(storeMutex);
+    /// Keeps the live alarm of a host id alive; null when there is none.
+    AlarmPointer pin(int hostId) const EXCLUDES(storeMutex);
+    /// Confirms the pinned alarm unless it was released meanwhile (E_FAIL). The lock is held
+    /// across the call, so that no notification of the confirmation overtakes its result.
+    HRESULT confirm(int hostId, const AlarmPointer& pinned) EXCLUDES(storeMutex);
+
+    /// A copy that is published after every change: waits for no one who holds the store.
+    EventStatistics statistics() const EXCLUDES(statisticsMutex);
+
+    /// Logs what was evicted and tells the host to drop it.
+    void forget(const Evicted& events) const;
+    void forgetEvent(const ZrHmiSrv::Event& event) const;
+
+private:
+    void publish() REQUIRES(storeMutex);
+    void collectEvictions() REQUIRES(storeMutex);
+
+    const EventContext& context;
+    /// Guards the events. Taken after sinkMutex; never held while the host is called.
+    mutable RecursiveMutex storeMutex;
+    std::shared_ptr<Container> events GUARDED_BY(storeMutex) = std::make_shared<Container>();
+    Evicted evicted GUARDED_BY(storeMutex);
+    mutable Mutex statisticsMutex;
+    EventStatistics published GUARDED_BY(statisticsMutex);
+};
+
+}  // namespace ZrHmiEventLogger

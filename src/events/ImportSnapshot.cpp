@@ -1,0 +1,119 @@
+#include "events/ImportSnapshot.h"
+
+#include "events/Conversion.h"
+#include "events/ProxyValue.h"
+
+using namespace ZrEventLoggerFnxProxyLib;
+using ZrAtlCom::ComPtr;
+using ZrHmiSrv::Event;
+using ZrHmiSrv::Value;
+using ZrHmiSrv::ValueType;
+
+namespace ZrHmiEventLogger {
+
+namespace {
+
+template <class Item, class Visit>
+void forEach(IZrCollection<Item>& collection, Visit visit) {
+    const ULONG count = readValue(collection, &IZrCollection<Item>::get_Count);
+    for (ULONG index = 0; index < count; ++index)
+        visit(receiveObject<Item>([&](Item** item) { return collection.get_Item(index, item); }));
+}
+
+bool isStillActive(const ComPtr<IZrLoggedEvent>& item) {
+    const auto extended = item.query<IZrLoggedEvent2>();
+    return extended && readValue(*item, &IZrLoggedEvent::get_EventType) == LoggedEventType::alarm &&
+           readValue(*extended, &IZrLoggedEvent2::get_IsActive) == VARIANT_TRUE;
+}
+
+}  // namespace
+
+void ImportSnapshot::fetch(Logger& logger) {
+    const auto loggedEvents =
+        receiveObject<IZrLoggedEventCollection>([&](IZrLoggedEventCollection** events) {
+            return logger.GetLoggedEvents(static_cast<ULONG>(context.eventLimit), events);
+        });
+    const auto alarms = receiveObject<IZrAlarmCollection>(
+        [&](IZrAlarmCollection** collection) { return logger.GetActiveAlarms(collection); });
+    forEach<IZrLoggedEvent>(*loggedEvents, [&](auto item) { takeLogged(std::move(item)); });
+    forEach<IZrAlarm>(*alarms, [&](auto alarm) { takeActive(std::move(alarm)); });
+    keepIds();
+    convertActive();
+    build();
+}
+
+void ImportSnapshot::takeLogged(ComPtr<IZrLoggedEvent> item) {
+    if (isStillActive(item)) {
+        const AlarmKey key = alarmKeyOf(*item);
+        skipped.push_back({std::move(item), key});
+        return;
+    }
+    Logged entry;
+    toHostEvent(entry.event, *item, context.domain, context.targetName, context.drawHostId());
+    if (entry.event.payload().type() == ValueType::alarm)
+        entry.key = alarmKeyOf(*item);
+    logged.push_back(std::move(entry));
+}
+
+void ImportSnapshot::takeActive(ComPtr<IZrAlarm> source) {
+    if (!activeAlarms.insert(source.get()).second)
+        return;
+    const AlarmKey key = alarmKeyOf(*source);
+    activeKeys.insert(key);
+    active.push_back({std::move(source), key, {}, {}});
+}
+
+/// An alarm that survived a reconnection keeps its id: as the same object or, where no such
+/// object claims the id, by its key.
+void ImportSnapshot::keepIds() {
+    for (Active& entry : active)
+        entry.keptId = keepOnce(running.findHostId(entry.source.get()));
+    for (Active& entry : active)
+        if (!entry.keptId)
+            entry.keptId = keepOnce(running.findHostId(entry.key));
+}
+
+std::optional<int> ImportSnapshot::keepOnce(std::optional<int> hostId) {
+    return hostId && keptIds.insert(*hostId).second ? hostId : std::nullopt;
+}
+
+void ImportSnapshot::convertActive() {
+    for (Active& entry : active) {
+        const int hostId = entry.keptId ? *entry.keptId : context.drawHostId();
+        toHostAlarm(entry.alarm, *entry.source, context.domain, context.targetName, hostId, false);
+        entry.key.timeRaised = entry.alarm.time_raised();  // it may have been raised again
+        activeKeys.insert(entry.key);
+    }
+}
+
+void ImportSnapshot::build() {
+    rebuilt = std::make_shared<Container>();
+    rebuilt->reserve(active.size());
+    rebuilt->setEvictionCallback(
+        [this](std::int64_t, Event event) { evicted.push_back(std::move(event)); });
+    for (const Logged& entry : logged) {
+        const Value& payload = entry.event.payload();
+        if (!payload.isset() || (entry.key && activeKeys.contains(*entry.key)))
+            continue;
+        if (entry.key)
+            identities.addAlarm(*entry.key);
+        else
+            identities.addMessage(payload.get_message());
+        rebuilt->insert(entry.event, {}, context.eventLimit);
+    }
+    for (const Active& entry : active) {
+        identities.addAlarm(entry.key);
+        auto pointer = std::make_shared<ScopedEventPointer<IZrAlarm>>(entry.source);
+        rebuilt->insert(eventOf(entry.alarm), {std::move(pointer), entry.key}, context.eventLimit);
+    }
+}
+
+std::vector<ImportSnapshot::Skipped> ImportSnapshot::unlisted() const {
+    std::vector<Skipped> missing;
+    for (const Skipped& entry : skipped)
+        if (!activeKeys.contains(entry.key))
+            missing.push_back(entry);
+    return missing;
+}
+
+}  // namespace ZrHmiEventLogger

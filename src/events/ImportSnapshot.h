@@ -1,0 +1,83 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "events/EventContext.h"
+#include "events/EventStore.h"
+#include "events/ImportedIdentities.h"
+#include "target/proxy/ComPtr.h"
+#include "target/proxy/ZrEventLoggerFnxProxy.h"
+
+namespace ZrHmiEventLogger {
+
+/// What a logger holds, fetched and converted beside the running store. Used on one thread, and
+/// destroyed with no lock held: it drops the proxy objects of the whole import.
+class ImportSnapshot {
+public:
+    using Container = EventStore::Container;
+    using Logger = ZrEventLoggerFnxProxyLib::IZrEventLogger4;
+    using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
+    using IZrLoggedEvent = ZrEventLoggerFnxProxyLib::IZrLoggedEvent;
+
+    /// A logged alarm that was skipped because the log shows it as still active.
+    struct Skipped {
+        ZrAtlCom::ComPtr<IZrLoggedEvent> item;
+        AlarmKey key;
+    };
+
+    ImportSnapshot(const EventContext& context, const EventStore& running)
+        : context(context), running(running) {}
+
+    /// Throws what the proxy throws.
+    void fetch(Logger& logger);
+
+    std::shared_ptr<Container> takeStore() { return std::move(rebuilt); }
+    ImportedIdentities takeIdentities() { return std::move(identities); }
+    const EventStore::Evicted& evictions() const { return evicted; }
+    void keepUntilTheEnd(std::shared_ptr<Container> replaced) { former = std::move(replaced); }
+
+    bool tookOver(const IZrAlarm* alarm) const { return activeAlarms.contains(alarm); }
+    /// The skipped alarms that the active list did not hold.
+    std::vector<Skipped> unlisted() const;
+    std::uint64_t loggedCount() const { return logged.size() + skipped.size(); }
+    std::uint64_t activeCount() const { return activeAlarms.size(); }
+    std::uint64_t keptIdCount() const { return keptIds.size(); }
+
+private:
+    struct Logged {
+        ZrHmiSrv::Event event;
+        std::optional<AlarmKey> key;  ///< of an alarm
+    };
+    struct Active {
+        ZrAtlCom::ComPtr<IZrAlarm> source;
+        AlarmKey key;
+        std::optional<int> keptId;
+        ZrHmiSrv::Alarm alarm;
+    };
+
+    void takeLogged(ZrAtlCom::ComPtr<IZrLoggedEvent> item);
+    void takeActive(ZrAtlCom::ComPtr<IZrAlarm> source);
+    void keepIds();
+    std::optional<int> keepOnce(std::optional<int> hostId);
+    void convertActive();
+    void build();
+
+    const EventContext& context;
+    const EventStore& running;
+    std::vector<Logged> logged;
+    std::vector<Skipped> skipped;
+    std::vector<Active> active;
+    std::unordered_set<const IZrAlarm*> activeAlarms;
+    std::unordered_set<AlarmKey> activeKeys;
+    std::unordered_set<int> keptIds;
+    ImportedIdentities identities;
+    std::shared_ptr<Container> rebuilt;
+    std::shared_ptr<Container> former;
+    EventStore::Evicted evicted;
+};
+
+}  // namespace ZrHmiEventLogger

@@ -1,0 +1,78 @@
+#include "events/ImportedIdentities.h"
+
+#include <string_view>
+
+#include <boost/container_hash/hash.hpp>
+
+#include "events/EventParameters.h"
+
+using ZrHmiSrv::Message;
+using ZrHmiSrv::Value;
+using ZrHmiSrv::ValueType;
+
+namespace ZrHmiEventLogger {
+
+namespace {
+
+void combine(std::size_t& seed, std::string_view text) {
+    boost::hash_combine(seed, std::hash<std::string_view>()(text));
+}
+
+void combine(std::size_t& seed, const Value* value) {
+    if (!value)
+        return boost::hash_combine(seed, 0);
+    if (value->type() == ValueType::binary) {
+        const auto content = value->get_binary();
+        const auto bytes = content.bytes();
+        return combine(seed, std::string_view(reinterpret_cast<const char*>(bytes.data()),
+                                              bytes.size()));
+    }
+    if (value->is_number())
+        return boost::hash_combine(seed, static_cast<double>(*value));
+    combine(seed, value->get_text().view());
+}
+
+}  // namespace
+
+ImportedIdentities::MessageIdentity ImportedIdentities::identityOf(const Message& message) {
+    std::size_t digest = 0;
+    for (const auto* key : {&keys::eventClass, &keys::eventId, &keys::sourceId, &keys::sourceName,
+                            &keys::sourceGuid, &keys::numArguments, &keys::types, &keys::data})
+        combine(digest, message.parameters().lookup(key->view()));
+    return {message.time_raised().nanoseconds(), digest};
+}
+
+void ImportedIdentities::addMessage(const Message& message) {
+    messages.insert(identityOf(message));
+}
+
+void ImportedIdentities::addUnsettled(const AlarmKey& key, int hostId) {
+    addAlarm(key);
+    unsettledAlarms.insert_or_assign(key, hostId);
+}
+
+bool ImportedIdentities::takeAlarm(const AlarmKey& key, NotificationKind kind) {
+    const auto found = alarms.find(key);
+    const auto bit = static_cast<std::uint8_t>(1U << static_cast<unsigned>(kind));
+    if (found == alarms.end() || (found->second & bit) != 0)
+        return false;
+    found->second = static_cast<std::uint8_t>(found->second | bit);
+    return true;
+}
+
+bool ImportedIdentities::takeMessage(const Message& message) {
+    if (messages.empty())
+        return false;
+    const auto found = messages.find(identityOf(message));
+    if (found == messages.end())
+        return false;
+    messages.erase(found);
+    return true;
+}
+
+std::optional<int> ImportedIdentities::unsettled(const AlarmKey& key) const {
+    const auto found = unsettledAlarms.find(key);
+    return found == unsettledAlarms.end() ? std::nullopt : std::optional<int>(found->second);
+}
+
+}  // namespace ZrHmiEventLogger

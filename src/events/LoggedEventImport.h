@@ -1,0 +1,50 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <unordered_set>
+
+#include "events/AlarmLifecycle.h"
+#include "events/EventContext.h"
+#include "events/EventStore.h"
+#include "events/ImportResult.h"
+#include "events/ImportSnapshot.h"
+#include "events/NotificationRecorder.h"
+
+namespace ZrHmiEventLogger {
+
+/// Rebuilds the store of one target from what its logger holds: logged events, active alarms, and
+/// then the notifications that arrived while they were fetched.
+class LoggedEventImport {
+public:
+    using Logger = ZrEventLoggerFnxProxyLib::IZrEventLogger4;
+
+    LoggedEventImport(const EventContext& context, EventStore& store,
+                      NotificationRecorder& notifications, AlarmLifecycle& lifecycle)
+        : context(context), store(store), notifications(notifications), lifecycle(lifecycle) {}
+
+    /// Throws what the proxy threw. The store is then what it was, or the rebuilt one when only
+    /// the replay failed; the notifications that were recorded are gone. Called with no lock held.
+    ImportResultPtr run(Logger& logger) EXCLUDES(importMutex);
+
+private:
+    using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
+    struct Replay;
+
+    void swapAndReplay(ImportSnapshot& snapshot, ImportResult& result)
+        EXCLUDES(notifications.sinkMutex);
+    void replay(const RecordedCallback& record, Replay& state);
+    void replayAlarm(const RecordedCallback& record, Replay& state);
+    void importUnlisted(const Replay& state);
+    NotificationRecorder::Records abandon() EXCLUDES(notifications.sinkMutex);
+
+    const EventContext& context;
+    EventStore& store;
+    NotificationRecorder& notifications;
+    AlarmLifecycle& lifecycle;
+    /// One import at a time. Taken before sinkMutex.
+    Mutex importMutex;
+    std::uint64_t completedImports GUARDED_BY(importMutex) = 0;
+};
+
+}  // namespace ZrHmiEventLogger
