@@ -1,0 +1,223 @@
+#include "target/TargetSystem.h"
+
+#include "events/DiagnosticMessage.h"
+#include "target/proxy/CAtlException.h"
+#include "target/proxy/ErrorText.h"
+
+using ZrAtlCom::CAtlException;
+using ZrAtlCom::hexText;
+using ZrEventLoggerFnxProxyLib::IID__IZrEventLoggerEvents;
+using ZrHmiSrv::ErrorValue;
+using ZrHmiSrv::ResultPair;
+using ZrHmiSrv::Severity;
+
+namespace ZrHmiEventLogger {
+
+TargetSystem::TargetSystem(TargetSystemSettings settings, ZrHmiSrv::Text domain,
+                           ILoggingFunctions& logging, const std::atomic<bool>& stopFlag,
+                           std::atomic<std::int32_t>& hostIds)
+    : TargetSystemBase(std::move(settings), std::move(domain), logging, stopFlag, hostIds),
+      store(context),
+      lifecycle(context, store),
+      importer(context, store, notifications, lifecycle),
+      textLookup(context, connection, disabled) {
+    const HRESULT hr = connection.create();
+    if (FAILED(hr)) {
+        logging.logMessage(
+            diagnosticMessage("CAN_NOT_CREATE_PROXY", {name(), hexText(hr)}, Severity::error));
+        return;
+    }
+    connection.setTimeout(static_cast<ULONG>(this->settings.timeout.milliseconds()));
+}
+
+void TargetSystem::subscribe() {
+    if (!connection.get() || retired)
+        return;
+    eventCookie.advise(connection.get(), this, IID__IZrEventLoggerEvents);
+    // Retiring may have found nothing to unadvise a moment ago.
+    if (retired)
+        unsubscribe();
+}
+
+bool TargetSystem::Connect(ImportResultPtr& importResult) {
+    try {
+        if (!connection.get() || retired)
+            return false;
+        if (connection.isUp(disabled))
+            return true;
+        return establish() && import(importResult);
+    } catch (const CAtlException& exception) {
+        ConnectFailed(exception.hresult());
+    } catch (...) {
+        reportFailure();
+    }
+    return false;
+}
+
+bool TargetSystem::establish() {
+    const bool preloadTranslations = logging.preloadTranslations();
+    disabled.exchange(false);
+    subscribe();
+    if (!connection.connect(netId(), preloadTranslations, retired))
+        return false;
+    logging.logMessage(diagnosticMessage("TARGET_SYSTEM_CONNECTED", {name()}));
+    return true;
+}
+
+bool TargetSystem::import(ImportResultPtr& importResult) {
+    try {
+        importResult = importer.run(*connection.get());
+    } catch (...) {
+        reportFailure();
+        abandonConnection();
+        return false;
+    }
+    textLookup.clearCache();
+    logImport(*importResult);
+    if (importResult->databaseChange)
+        OnDatabaseChanged(*importResult->databaseChange);
+    return true;
+}
+
+/// The next check finds the logger not connected, and so connects and imports again.
+void TargetSystem::abandonConnection() {
+    connection.setState({false, S_OK});
+    removeAlarms();
+    disconnectLogger();
+}
+
+void TargetSystem::logImport(const ImportResult& result) {
+    const auto milliseconds =
+        std::chrono::duration<double, std::milli>(result.duration).count();
+    logging.logMessage(diagnosticMessage(
+        "LOGGED_EVENTS_IMPORTED",
+        {name(), result.number, result.loggedEvents, result.activeAlarms, result.keptIds,
+         result.recorded, milliseconds},
+        Severity::verbose));
+}
+
+void TargetSystem::ConnectFailed(HRESULT hr) {
+    if (retired)
+        return;
+    connection.setState({false, hr});
+    logging.logMessage(diagnosticMessage("TARGET_SYSTEM_CONNECT_FAILED", {name(), hexText(hr)}));
+}
+
+bool TargetSystem::CheckConnection(ImportResultPtr& importResult) {
+    const bool up = probe();
+    const bool disabledMeanwhile = disabled;
+    if (disabledMeanwhile && up) {
+        Disconnect();
+        hostIsStale = true;
+    }
+    const auto before = connection.state();
+    if (!disabledMeanwhile && !up) {
+        if (Connect(importResult))
+            hostIsStale = true;
+        else
+            removeAlarms();
+    }
+    settle(before && !before->connected);
+    return hostIsStale.exchange(false);
+}
+
+bool TargetSystem::probe() {
+    try {
+        return connection.isUp(disabled);
+    } catch (...) {
+        reportFailure();
+        return false;
+    }
+}
+
+bool TargetSystem::settle(bool wasDown) {
+    try {
+        return connection.settle(disabled, wasDown);
+    } catch (...) {
+        reportFailure();
+        return false;
+    }
+}
+
+void TargetSystem::Disconnect() {
+    if (!disabled) {
+        unsubscribe();
+        disconnectLogger();
+    }
+    removeAlarms();
+}
+
+void TargetSystem::disconnectLogger() {
+    try {
+        connection.disconnect();
+    } catch (...) {
+        reportFailure();
+    }
+}
+
+void TargetSystem::unsubscribe() {
+    try {
+        ZrAtlCom::check(eventCookie.unadvise());
+    } catch (...) {
+        reportFailure();
+    }
+}
+
+void TargetSystem::removeAlarms() {
+    if (store.removeAlarms())
+        hostIsStale = true;
+}
+
+HRESULT TargetSystem::RequestReconnect() {
+    try {
+        return connection.drop();
+    } catch (...) {
+        reportFailure();
+        return E_FAIL;
+    }
+}
+
+HRESULT TargetSystem::ClearLoggedEvents() {
+    try {
+        return connection.get() ? connection.get()->ClearLoggedEvents() : E_FAIL;
+    } catch (...) {
+        reportFailure();
+        return E_FAIL;
+    }
+}
+
+void TargetSystem::retire() {
+    retired = true;
+    unsubscribe();
+    RequestReconnect();
+}
+
+ConnectionState TargetSystem::GetConnectionState() const {
+    return connection.state().value_or(ConnectionState{});
+}
+
+ResultPair TargetSystem::confirm(const ZrHmiSrv::Alarm& alarm) {
+    const ResultPair ready = textLookup.requireConnection();
+    if (!ready.succeeded())
+        return ready;
+    const HRESULT hr = lifecycle.confirm(alarm);
+    return SUCCEEDED(hr) ? ResultPair()
+                         : ResultPair(ErrorValue::operation_failed, ZrHmiSrv::Text(ZrAtlCom::describe(hr)));
+}
+
+void TargetSystem::provideEvents(ZrHmiSrv::IEventReceiver& receiver) {
+    Lock lock(notifications.sinkMutex);
+    if (retired)
+        return;
+    const auto events = store.eventsOldestFirst();
+    receiver.replace_events(name().c_str(), events);
+}
+
+/// Of the exception that is being handled. What fails because the target was taken out of use is
+/// no news.
+void TargetSystem::reportFailure() {
+    if (!retired)
+        reportCurrentException(logging, name());
+}
+
+}  // namespace ZrHmiEventLogger

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <memory>
+
+#include "events/AlarmLifecycle.h"
+#include "events/EventStatistics.h"
+#include "events/EventStore.h"
+#include "events/LoggedEventImport.h"
+#include "events/NotificationRecorder.h"
+#include "host/Listeners.h"
+#include "target/ConnectionState.h"
+#include "target/LoggerConnection.h"
+#include "target/TargetSystemBase.h"
+#include "target/TextLookup.h"
+#include "target/proxy/EventCookie.h"
+#include "target/proxy/IDispEventSimpleImpl.h"
+
+namespace ZrHmiEventLogger {
+
+/// One configured target system: keeps its logger connected, receives its notifications and
+/// holds the events that stand in the host. Held by shared pointer; created with `make` of
+/// TargetSystemPlatformSpecific. Any thread may call any public function; none of them is called
+/// with a lock held.
+class TargetSystem : public ZrAtlCom::IDispEventSimpleImpl<
+                         0, TargetSystem, &ZrEventLoggerFnxProxyLib::IID__IZrEventLoggerEvents>,
+                     public TargetSystemBase,
+                     public std::enable_shared_from_this<TargetSystem> {
+public:
+    using Alarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
+    using DatabaseChangeReason = ZrEventLoggerFnxProxyLib::tagDatabaseChangeReasonEnum;
+
+    ~TargetSystem() override = default;
+    TargetSystem(const TargetSystem&) = delete;
+    TargetSystem& operator=(const TargetSystem&) = delete;
+
+    /// The periodic check: connects and imports again what is not connected. True when the host's
+    /// events of this target are stale. Throws nothing.
+    bool CheckConnection(ImportResultPtr& importResult);
+    /// True when the logger is connected; a result only when that needed an import. Throws nothing.
+    bool Connect(ImportResultPtr& importResult);
+    /// Unsubscribes, disconnects and lets the alarms leave.
+    void Disconnect();
+    /// Drops the connection only, so that the next check connects and imports again. Takes no lock.
+    HRESULT RequestReconnect();
+    HRESULT ClearLoggedEvents();
+    /// For good: no connection, no notification, no import from now on.
+    void retire();
+
+    ConnectionState GetConnectionState() const;
+    EventStatistics statistics() const { return store.statistics(); }
+
+    /// An operator's confirmation.
+    ZrHmiSrv::ResultPair confirm(const ZrHmiSrv::Alarm& alarm);
+    /// The events of the store, oldest first, as one batch that no notification interrupts.
+    void provideEvents(ZrHmiSrv::IEventReceiver& receiver);
+    /// Texts of this target's events. Answers what is to be told when they cannot be had.
+    TextLookup& texts() { return textLookup; }
+
+    /// Advises the sink, which needs a complete object. Called once the object is shared.
+    void subscribe();
+
+    /// The notifications that the sink listens to.
+    static ZrAtlCom::SinkTable sinkTable();
+
+protected:
+    /// Throws ZrAtlCom::CAtlException when the logger refuses its time-out.
+    TargetSystem(TargetSystemSettings settings, ZrHmiSrv::Text domain, ILoggingFunctions& logging,
+                 const std::atomic<bool>& stopFlag, std::atomic<std::int32_t>& hostIds);
+
+private:
+    // The entry points of the sink, on the proxy library's thread.
+    void messageSent(ZrEventLoggerFnxProxyLib::IZrMessage* message);
+    void alarmRaised(Alarm* alarm);
+    void alarmCleared(Alarm* alarm, VARIANT_BOOL removed);
+    void alarmConfirmed(Alarm* alarm, VARIANT_BOOL removed);
+    ULONG databaseChanged(DatabaseChangeReason reason);
+
+    void receive(RecordedCallback&& notification);
+    void handle(const RecordedCallback& notification, bool quiet);
+    void OnDatabaseChanged(DatabaseChangeReason reason);
+
+    bool establish();
+    bool import(ImportResultPtr& importResult);
+    void abandonConnection();
+    void disconnectLogger();
+    void logImport(const ImportResult& result);
+    void ConnectFailed(HRESULT hr);
+    bool probe();
+    bool settle(bool wasDown);
+    void removeAlarms();
+    void unsubscribe();
+    void reportFailure();
+
+    LoggerConnection connection;
+    NotificationRecorder notifications;
+    EventStore store;
+    AlarmLifecycle lifecycle;
+    LoggedEventImport importer;
+    TextLookup textLookup;
+    /// The host still shows alarms that have left the store.
+    std::atomic<bool> hostIsStale = false;
+    ZrAtlCom::EventCookie eventCookie;  ///< last, so that it goes first
+};
+
+}  // namespace ZrHmiEventLogger

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <atomic>
+
+#include "events/EventContext.h"
+#include "host/Result.h"
+#include "target/EventReference.h"
+#include "target/LoggerConnection.h"
+#include "target/TranslationCache.h"
+
+namespace ZrHmiEventLogger {
+
+/// The texts of one target's events in the languages of the clients: from the cache, or else from
+/// the logger, which is asked with no lock held. A failure is answered as what to tell the client;
+/// one of a call is reported as well. Any thread.
+class TextLookup {
+public:
+    TextLookup(const EventContext& context, LoggerConnection& connection,
+               const std::atomic<bool>& disabled)
+        : context(context), connection(connection), disabled(disabled) {}
+
+    /// Success when the logger can be asked, otherwise what to tell the client.
+    ZrHmiSrv::ResultPair requireConnection();
+
+    /// The event's text, formatted with its arguments.
+    Translation eventText(const EventReference& event, LCID language);
+    Translation eventClassName(const EventReference& event, LCID language);
+    /// Without a value when the source has no name or its name no translation.
+    Translation sourceName(const EventReference& event, LCID language);
+    /// Causes, remedies and details as `readGuidance` gives them.
+    Translation guidance(const EventReference& event, LCID language);
+
+    /// What was looked up so far may be stale.
+    void clearCache() { cache.clear(); }
+    CacheStatistics cacheStatistics() const { return cache.statistics(); }
+
+private:
+    using Read = ZrHmiSrv::Value (*)(LoggerConnection::Logger& logger, const EventReference& event,
+                                     LCID language);
+
+    Translation lookUp(const TranslationKey& key, Read read);
+    TranslationCache::Answer ask(const TranslationKey& key, Read read);
+    ZrHmiSrv::ResultPair reportException();
+
+    const EventContext& context;
+    LoggerConnection& connection;
+    const std::atomic<bool>& disabled;
+    TranslationCache cache;
+};
+
+}  // namespace ZrHmiEventLogger
