@@ -1,0 +1,78 @@
+#include "extension/Configuration.h"
+
+#include <algorithm>
+#include <limits>
+
+using ZrHmiSrv::Text;
+using ZrHmiSrv::Timespan;
+using ZrHmiSrv::Value;
+using ZrHmiSrv::ValueType;
+
+namespace ZrHmiEventLogger {
+
+TargetSystemConfiguration readTargetSystem(Text name, const Value& entry) {
+    TargetSystemConfiguration target{std::move(name), {}, false};
+    const Value* address = entry.lookup("ADDRESS");
+    const Value* enabled = entry.lookup("ENABLED");
+    if (address && enabled) {
+        target.address = address->get_string();
+        target.enabled = static_cast<bool>(*enabled);
+    }
+    return target;
+}
+
+bool isCompleteTargetSystem(const Value& entry) {
+    const auto has = [&entry](const char* key, ValueType type) {
+        const Value* value = entry.lookup(key);
+        return value && value->type() == type;
+    };
+    return entry.is_map() && has("ADDRESS", ValueType::string) &&
+           has("ENABLED", ValueType::boolean);
+}
+
+std::vector<std::string_view> splitPath(std::string_view path) {
+    constexpr std::string_view separator = "::";
+    std::vector<std::string_view> names;
+    for (std::size_t start = 0; start <= path.size();) {
+        const std::size_t end = std::min(path.find(separator, start), path.size());
+        names.push_back(path.substr(start, end - start));
+        start = end + separator.size();
+    }
+    return names;
+}
+
+Value Configuration::read(const char* path) const {
+    Value value;
+    host.read_configuration(value, context, path);
+    return value;
+}
+
+std::optional<Timespan> Configuration::timeout() const {
+    const Value value = read("TIMEOUT");
+    if (value.type() != ValueType::timespan)
+        return std::nullopt;
+    return value.get_timespan();
+}
+
+std::int64_t Configuration::eventLimit() const {
+    const auto limit = static_cast<double>(read("LIMIT_EVENT_COUNT"));
+    // Written so that not-a-number fails the comparison.
+    if (!(limit > 0))
+        return 0;
+    return static_cast<std::int64_t>(
+        std::min<double>(limit, std::numeric_limits<std::int32_t>::max()));
+}
+
+bool Configuration::preloadTranslations() const {
+    return static_cast<bool>(read("PRELOAD_TRANSLATIONS"));
+}
+
+std::vector<TargetSystemConfiguration> Configuration::targetSystems() const {
+    std::vector<TargetSystemConfiguration> targets;
+    const Value entries = read("TARGET_SYSTEMS");
+    for (auto entry = entries.begin(); entry != entries.end(); ++entry)
+        targets.push_back(readTargetSystem(Text(entry.name()), *entry));
+    return targets;
+}
+
+}  // namespace ZrHmiEventLogger

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "host/Value.h"
+#include "target/TargetSystem.h"
+
+namespace ZrHmiEventLogger {
+
+/// What "Diagnostics" tells of one target system. Waits for nothing: state and counters are
+/// published copies.
+ZrHmiSrv::Value diagnosticsOf(const TargetSystem& target);
+
+}  // namespace ZrHmiEventLogger

@@ -1,0 +1,26 @@
+#include <new>
+
+#include "extension/ZrHmiEventLogger.h"
+#include "host/IZrHmiSrvExtHost.h"
+
+#ifdef _WIN32
+#define ZR_EXTENSION_EXPORT
+#else
+#define ZR_EXTENSION_EXPORT __attribute__((visibility("default")))
+#endif
+
+/// The library's one export: hands the host a new extension object, which the host deletes.
+extern "C" ZR_EXTENSION_EXPORT int ext_interface(ZrHmiSrv::IZrHmiSrvExtHost* host,
+                                                 ZrHmiSrv::IZrHmiSrvExt** extension,
+                                                 double* version) {
+    if (!extension || !version)
+        return 0;
+    ZrHmiSrv::initialize_api(host);
+    *version = ZrHmiSrv::interface_version;
+    try {
+        *extension = new ZrHmiEventLogger::ZrHmiEventLogger(host);
+    } catch (...) {
+        *extension = nullptr;
+    }
+    return 0;
+}

@@ -1,0 +1,75 @@
+#include "support/Simulation.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/json/parse.hpp>
+
+#include "simulator/Control.h"
+
+namespace bridge_test {
+
+namespace {
+
+const char* const plantHead = R"({"localNetId": "5.10.20.1.1.1", "runtimes": {)";
+
+std::string runtime(const char* netId, const std::string& log) {
+    return "\"" + std::string(netId) + R"(": {"eventClasses": {")" + eventClass +
+           R"(": {"name": {"1033": "Machine", "1031": "Maschine"}, "events": {
+        "1": {"kind": "alarm", "severity": 3, "confirm": true,
+              "text": {"1033": "Temperature {0} too high", "1031": "Temperatur {0} zu hoch"},
+              "causeRemedy": [{"id": "a", "cause": {"1033": "Pump off"},
+                               "remedy": {"1033": "Start it"}}],
+              "details": [{"key": "k", "text": {"1033": "Detail"}, "comment": {"1033": "More"}}]},
+        "2": {"kind": "alarm", "severity": 2, "confirm": false, "text": {"1033": "Door open"}},
+        "3": {"kind": "message", "severity": 1, "text": {"1033": "Batch done"}}}}},
+        "sources": {"Tank": {"1031": "Behälter"}}, "logged": )" +
+           log + "}";
+}
+
+std::string take(char* answer) {
+    std::string text = answer ? answer : "";
+    ZrSimulatorFree(answer);
+    return text;
+}
+
+}  // namespace
+
+Simulation::Simulation(const std::string& fillerLog) {
+    const std::string plant = plantHead + runtime(fillerNetId, fillerLog) + "," +
+                              runtime(packerNetId, "[]") + "}}";
+    char* answer = nullptr;
+    const int result = ZrSimulatorLoadPlant(plant.c_str(), &answer);
+    const std::string text = take(answer);
+    EXPECT_EQ(result, 200) << text;
+}
+
+Simulation::~Simulation() { ZrSimulatorShutdown(); }
+
+void Simulation::act(const std::string& action, const char* netId) {
+    char* answer = nullptr;
+    const int result = ZrSimulatorApply(netId, action.c_str(), &answer);
+    const std::string text = take(answer);
+    EXPECT_EQ(result, 200) << action << ": " << text;
+}
+
+void Simulation::raise(const std::string& name, int event, const char* netId) {
+    act(R"({"do": "raise", "alarm": ")" + name + R"(", "class": ")" + eventClass +
+            R"(", "event": )" + std::to_string(event) + "}",
+        netId);
+}
+
+void Simulation::clear(const std::string& name, const char* netId) {
+    act(R"({"do": "clear", "alarm": ")" + name + "\"}", netId);
+}
+
+boost::json::object Simulation::status(const char* netId) {
+    char* answer = nullptr;
+    EXPECT_EQ(ZrSimulatorStatus(netId, &answer), 200);
+    return boost::json::parse(take(answer)).as_object();
+}
+
+std::int64_t Simulation::liveObjects(const char* netId) {
+    return status(netId).at("liveObjects").to_number<std::int64_t>();
+}
+
+}  // namespace bridge_test
