@@ -1,0 +1,67 @@
+#include "server/Metrics.h"
+
+#include <string_view>
+
+#include "server/PrometheusText.h"
+
+namespace hmi {
+
+namespace {
+
+/// The slots that extensions call; the others are reserved.
+constexpr std::pair<std::size_t, std::string_view> slotNames[] = {
+    {1, "send_message"},         {9, "register_listener_with_settings"},
+    {11, "register_listener"},   {12, "unregister_listener"},
+    {13, "apply_alarm"},         {14, "drop_event"},
+    {16, "read_configuration"},  {17, "reset_events"},
+    {18, "announce"},
+};
+
+constexpr std::size_t maxNames = 1000;
+
+double number(std::uint64_t count) { return static_cast<double>(count); }
+
+}  // namespace
+
+void Metrics::countConfirmation(ZrHmiSrv::ErrorValue result) {
+    Lock lock(mutex);
+    ++confirmations[static_cast<std::uint32_t>(result)];
+}
+
+void Metrics::countLogMessage(std::string_view name) {
+    Lock lock(mutex);
+    auto found = logMessages.find(name);
+    if (found == logMessages.end())
+        found = logMessages.emplace(logMessages.size() < maxNames ? name : "other", 0).first;
+    ++found->second;
+}
+
+std::string Metrics::text() const {
+    PrometheusText text;
+    text.family("hmi_host_calls_total", "counter", "Calls of the extension to the server.");
+    for (const auto& [slot, name] : slotNames)
+        text.sample({{"slot", std::to_string(slot)}, {"name", name}}, number(hostCalls[slot]));
+    text.family("hmi_http_requests_total", "counter", "Answered requests.");
+    for (std::size_t hundreds = 2; hundreds < requests.size(); ++hundreds)
+        text.sample({{"status", std::to_string(hundreds) + "xx"}}, number(requests[hundreds]));
+    text.family("hmi_events_forgotten_total", "counter", "Events that the extension dropped.");
+    text.sample({}, number(forgotten));
+    text.family("hmi_resets_total", "counter", "Times that all events were replaced.");
+    text.sample({}, number(resets));
+    text.family("hmi_reset_seconds_total", "counter", "Time spent on replacing all events.");
+    text.sample({}, number(resetNanoseconds) / 1e9);
+    text.family("hmi_stream_clients", "gauge", "Clients that follow the stream.");
+    text.sample({}, static_cast<double>(streamClients));
+    text.family("hmi_stream_slow_clients_total", "counter", "Clients dropped as too slow.");
+    text.sample({}, number(slowClients));
+    Lock lock(mutex);
+    text.family("hmi_confirmations_total", "counter", "Operator confirmations by result code.");
+    for (const auto& [result, count] : confirmations)
+        text.sample({{"result", std::to_string(result)}}, number(count));
+    text.family("hmi_log_messages_total", "counter", "Messages written to the log, by name.");
+    for (const auto& [name, count] : logMessages)
+        text.sample({{"name", name}}, number(count));
+    return text.text();
+}
+
+}  // namespace hmi

@@ -1,0 +1,93 @@
+#include "server/api/EventsResource.h"
+
+#include <boost/json/array.hpp>
+#include <boost/json/monotonic_resource.hpp>
+
+#include "server/api/EventSearch.h"
+#include "server/json/EventJson.h"
+#include "server/json/ValueJson.h"
+
+namespace hmi {
+
+namespace json = boost::json;
+using ZrHmiSrv::ErrorValue;
+using ZrHmiSrv::ResultPair;
+
+namespace {
+
+Response localizationError(ErrorValue result) {
+    switch (result) {
+        case ErrorValue::unknown_target_system:
+            return Response::error(404, "the event's target system is not configured", result);
+        case ErrorValue::not_connected:
+            return Response::error(409, "the event's target system is not connected", result);
+        case ErrorValue::request_failed:
+            return Response::error(400, "unknown locale, or the text could not be fetched", result);
+        default:
+            return Response::error(400, "the event could not be localized", result);
+    }
+}
+
+}  // namespace
+
+void EventsResource::addRoutes(Router& router) {
+    router.add(Method::get, "/api/events", Lane::local, [this](const auto& r) { return list(r); });
+    router.add(Method::get, "/api/events/*", Lane::local, [this](const auto& r) { return one(r); });
+    router.add(Method::post, "/api/events/*/confirm", Lane::extension,
+               [this](const auto& r) { return confirm(r); });
+}
+
+Response EventsResource::list(const Request& request) {
+    const bool localized = request.target.query.find("locale") != nullptr;
+    const EventSearch::Result found = EventSearch(request.target.query).run(book, extension);
+    json::monotonic_resource memory;
+    json::array events(&memory);
+    events.reserve(found.hits.size());
+    for (const EventSearch::Hit& hit : found.hits) {
+        json::object event = toJson(*hit.event, &memory);
+        if (localized && hit.texts.result == ErrorValue::success)
+            addTexts(event, hit.texts);
+        events.push_back(std::move(event));
+    }
+    json::object body({{"total", found.total}}, &memory);
+    body.emplace("events", std::move(events));
+    return Response::json(std::move(body));
+}
+
+Response EventsResource::one(const Request& request) {
+    request.target.query.allowOnly({"locale"});
+    const EventRecordPtr event = find(request);
+    json::object body = toJson(*event);
+    if (const std::string* const locale = request.target.query.find("locale")) {
+        const auto texts = extension.localize(*event, *locale);
+        if (!texts)
+            return Response::error(503, "the extension localizes nothing");
+        if (texts->result != ErrorValue::success)
+            return localizationError(texts->result);
+        addTexts(body, *texts);
+    }
+    return Response::json(std::move(body));
+}
+
+Response EventsResource::confirm(const Request& request) {
+    request.target.query.allowOnly({});
+    const EventRecordPtr event = find(request);
+    if (!event->alarm())
+        return Response::error(400, "only alarms can be confirmed");
+    const auto answer = extension.confirm(*event->alarm());
+    if (!answer)
+        return Response::error(503, "the extension takes no confirmations");
+    metrics.countConfirmation(answer->result());
+    return Response::json({{"result", static_cast<std::uint32_t>(answer->result())},
+                           {"text", toJson(answer->text().view())}});
+}
+
+EventRecordPtr EventsResource::find(const Request& request) const {
+    const auto id = EventId::parse(request.target.path[2]);
+    EventRecordPtr event = id ? book.find(*id) : nullptr;
+    if (!event)
+        throw RequestError(404, "there is no such event");
+    return event;
+}
+
+}  // namespace hmi

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+#include "server/Metrics.h"
+#include "server/events/EventBook.h"
+#include "server/extension/ExtensionCalls.h"
+#include "server/http/Router.h"
+
+namespace hmi {
+
+/// /api/events: the list, one event, and its confirmation.
+class EventsResource {
+public:
+    EventsResource(EventBook& book, ExtensionCalls& extension, Metrics& metrics)
+        : book(book), extension(extension), metrics(metrics) {}
+
+    void addRoutes(Router& router);
+
+private:
+    Response list(const Request& request);
+    Response one(const Request& request);
+    Response confirm(const Request& request);
+    EventRecordPtr find(const Request& request) const;
+
+    EventBook& book;
+    ExtensionCalls& extension;
+    Metrics& metrics;
+};
+
+}  // namespace hmi

@@ -1,0 +1,119 @@
+#include "server/api/MetricsResource.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace hmi {
+
+using ZrHmiSrv::Command;
+using ZrHmiSrv::CommandGroup;
+using ZrHmiSrv::Value;
+
+namespace {
+
+/// "importedEventsCount" becomes "hmi_target_imported_events".
+std::string metricName(std::string_view key) {
+    constexpr std::string_view suffix = "Count";
+    if (key.ends_with(suffix))
+        key.remove_suffix(suffix.size());
+    std::string name = "hmi_target_";
+    for (const char c : key) {
+        const bool capital = c >= 'A' && c <= 'Z';
+        const bool plain = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+        if (capital)
+            name += '_';
+        name += capital ? static_cast<char>(c + 32) : plain ? c : '_';
+    }
+    return name;
+}
+
+struct Sample {
+    std::string target;
+    std::string part;  ///< the name within a group of numbers, else empty
+    double value;
+};
+using Families = std::map<std::string, std::vector<Sample>>;
+
+/// Every number that the extension tells of a target system is a metric; a map of numbers is one
+/// with a label "part".
+void collect(Families& families, const std::string& target, const Value& fields) {
+    for (auto field = fields.begin(); field != fields.end(); ++field) {
+        const std::string name = metricName(field.name());
+        if (field->is_number())
+            families[name].push_back({target, {}, static_cast<double>(*field)});
+        for (auto part = field->begin(); part != field->end(); ++part) {
+            if (part->is_number())
+                families[name].push_back({target, part.name(), static_cast<double>(*part)});
+        }
+    }
+}
+
+Value diagnose(ExtensionCalls& extension) {
+    CommandGroup commands({Command("Diagnostics", "Diagnostics")});
+    const auto answer = extension.handle(commands);
+    const Command& command = *commands.begin_vector();
+    if (!answer || !answer->succeeded() || command.extension_result() != 0)
+        return {};
+    const Value* const targets = command.read_value().lookup("TARGET_SYSTEMS");
+    return targets ? *targets : Value();
+}
+
+}  // namespace
+
+void MetricsResource::addRoutes(Router& router) {
+    router.add(Method::get, "/metrics", Lane::extension, [this](const auto&) { return read(); });
+}
+
+Response MetricsResource::read() {
+    PrometheusText text;
+    text.append(metrics.text());
+    writeEvents(text);
+    writeTargets(text);
+    Response response;
+    response.contentType = "text/plain; version=0.0.4; charset=utf-8";
+    response.body = text.text();
+    return response;
+}
+
+void MetricsResource::writeEvents(PrometheusText& text) const {
+    const auto targets = book.countsByTarget();
+    const auto write = [&](const char* name, const char* help,
+                           std::initializer_list<std::pair<const char*, std::size_t TargetCounts::*>>
+                               parts,
+                           const char* label) {
+        text.family(name, "gauge", help);
+        for (const auto& [target, counts] : targets) {
+            for (const auto& [part, member] : parts)
+                text.sample({{"target", target}, {label, part}},
+                            static_cast<double>(counts.*member));
+        }
+    };
+    write("hmi_events", "Events in the list.",
+          {{"alarm", &TargetCounts::alarms}, {"message", &TargetCounts::messages}}, "kind");
+    write("hmi_alarms", "Alarms in the list that ask for attention.",
+          {{"active", &TargetCounts::active}, {"unconfirmed", &TargetCounts::unconfirmed}},
+          "state");
+}
+
+void MetricsResource::writeTargets(PrometheusText& text) {
+    const Value targets = diagnose(extension);
+    Families families;
+    text.family("hmi_target_state", "gauge", "1 for the connection state that the target is in.");
+    for (auto target = targets.begin(); target != targets.end(); ++target) {
+        if (const Value* const state = target->lookup("connectionState"))
+            text.sample({{"target", target.name()}, {"state", state->get_string()}}, 1);
+        collect(families, target.name(), *target);
+    }
+    for (const auto& [name, samples] : families) {
+        text.family(name, "gauge", "As the extension's diagnostics tell it.");
+        for (const Sample& sample : samples) {
+            if (sample.part.empty())
+                text.sample({{"target", sample.target}}, sample.value);
+            else
+                text.sample({{"target", sample.target}, {"part", sample.part}}, sample.value);
+        }
+    }
+}
+
+}  // namespace hmi

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+
+#include <boost/json/value.hpp>
+
+#include "host/Result.h"
+#include "host/Value.h"
+#include "platform/Mutex.h"
+#include "server/config/ConfigurationPath.h"
+
+namespace hmi {
+
+/// A change that the configuration cannot take; the text is for the client.
+class ConfigurationError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The extension's configuration and the file that it lives in. Reading is thread-safe; changes
+/// come one at a time.
+class ConfigurationStore {
+public:
+    /// Throws StartError, which names the file and the field.
+    explicit ConfigurationStore(std::filesystem::path file);
+
+    /// As it stands in the file; nothing when there is nothing at the path.
+    std::optional<boost::json::value> get(const ConfigurationPath& path) const;
+    /// As the extension reads it: no value when there is nothing.
+    ZrHmiSrv::Value read(const ConfigurationPath& path) const;
+
+    /// Sets the value at the path, or deletes it when there is none, and asks `accept`, which
+    /// already reads the new state; called with no lock held. If accepted the file is written,
+    /// otherwise the former state comes back. Throws ConfigurationError before `accept` is asked,
+    /// and std::system_error when the file cannot be written.
+    ZrHmiSrv::ResultPair change(const ConfigurationPath& path,
+                                std::optional<boost::json::value> value,
+                                const std::function<ZrHmiSrv::ResultPair()>& accept);
+
+private:
+    struct State {
+        boost::json::value document;
+        ZrHmiSrv::Value value;
+    };
+    static State load(const std::filesystem::path& file);
+
+    const std::filesystem::path file;
+    mutable Mutex mutex;  ///< guards the state; nothing is called under it
+    State state GUARDED_BY(mutex);
+};
+
+}  // namespace hmi

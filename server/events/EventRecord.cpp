@@ -1,0 +1,110 @@
+#include "server/events/EventRecord.h"
+
+#include <boost/container_hash/hash.hpp>
+
+#include "server/events/ValueHash.h"
+#include "server/json/Utf8.h"
+
+namespace hmi {
+
+using ZrHmiSrv::Alarm;
+using ZrHmiSrv::AlarmConfirmationState;
+using ZrHmiSrv::AlarmState;
+using ZrHmiSrv::Event;
+using ZrHmiSrv::Timestamp;
+using ZrHmiSrv::Value;
+using ZrHmiSrv::ValueType;
+
+namespace {
+
+const Event& baseOf(const EventContent& content) {
+    return std::visit([](const auto& event) -> const Event& { return event; }, content.event);
+}
+
+const Alarm* alarmOf(const EventContent& content) { return std::get_if<Alarm>(&content.event); }
+
+std::optional<EventContent> contentOf(const Value& value, Timestamp received) {
+    if (value.type() == ValueType::alarm)
+        return EventContent{value.get_alarm(), received};
+    if (value.type() == ValueType::message)
+        return EventContent{value.get_message(), received};
+    return std::nullopt;
+}
+
+Timestamp timeReceived(const EventContent& content) {
+    if (content.timeReceived.isset())
+        return content.timeReceived;
+    return std::visit([](const auto& event) { return event.time_raised(); }, content.event);
+}
+
+EventLife lifeOf(const EventContent& content, bool ended) {
+    const Alarm* const alarm = alarmOf(content);
+    if (!alarm)
+        return EventLife::other;
+    if (alarm->time_cleared().isset())
+        return EventLife::cleared;
+    return ended || alarm->alarm_state() == AlarmState::invalid ? EventLife::other
+                                                                : EventLife::active;
+}
+
+EventId idOf(const EventContent& content, std::uint64_t arrival) {
+    if (const Alarm* const alarm = alarmOf(content))
+        return {EventKind::alarm, alarm->id()};
+    return {EventKind::message, static_cast<std::int64_t>(arrival)};
+}
+
+bool isUnconfirmed(const EventContent& content) {
+    const Alarm* const alarm = alarmOf(content);
+    return alarm && alarm->confirmation_state() == AlarmConfirmationState::pending;
+}
+
+std::uint32_t severityOf(const EventContent& content) {
+    return std::visit([](const auto& event) { return static_cast<std::uint32_t>(event.severity()); },
+                      content.event);
+}
+
+std::size_t hashOfMessage(const EventContent& content, Timestamp received) {
+    if (alarmOf(content))
+        return 0;
+    std::size_t hash = hashOf(baseOf(content).payload());
+    boost::hash_combine(hash, received.nanoseconds());
+    return hash;
+}
+
+}  // namespace
+
+std::optional<EventContent> contentOf(const Event& event) {
+    const Timestamp received = event.time_received();
+    std::optional<EventContent> content = contentOf(event.payload(), received);
+    return content ? content : contentOf(Value(event), received);
+}
+
+EventRecord::EventRecord(EventContent from, std::uint64_t arrival, bool ended)
+    : content(std::move(from)),
+      ended(ended),
+      position{timeReceived(content), arrival},
+      id(idOf(content, arrival)),
+      kind(id.kind),
+      life(lifeOf(content, ended)),
+      unconfirmed(isUnconfirmed(content)),
+      severity(severityOf(content)),
+      target(toValidUtf8(stringParameter("targetName"))),
+      contentHash(hashOfMessage(content, position.time)) {}
+
+const Event& EventRecord::event() const noexcept { return baseOf(content); }
+
+std::string_view EventRecord::stringParameter(const char* name) const {
+    const Value* const value = event().payload().lookup(name);
+    return value && value->type() == ValueType::string
+               ? std::string_view(static_cast<const char*>(*value))
+               : std::string_view();
+}
+
+bool isSameMessage(const EventRecord& a, const EventRecord& b) {
+    return a.kind == EventKind::message && b.kind == EventKind::message &&
+           a.contentHash == b.contentHash && a.position.time == b.position.time &&
+           a.event().name() == b.event().name() && a.event().domain() == b.event().domain() &&
+           a.event().payload() == b.event().payload();
+}
+
+}  // namespace hmi

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "host/Event.h"
+#include "server/events/EventId.h"
+
+namespace hmi {
+
+/// An alarm or a message, whichever the extension handed over.
+struct EventContent {
+    std::variant<ZrHmiSrv::Alarm, ZrHmiSrv::Message> event;
+    /// When not set it is the time raised: live events leave it open.
+    ZrHmiSrv::Timestamp timeReceived;
+};
+
+/// The alarm or message that an event is or carries; nothing if it is neither.
+std::optional<EventContent> contentOf(const ZrHmiSrv::Event& event);
+
+/// Place in the list: newest first, of the same time the last arrived first.
+struct EventPosition {
+    ZrHmiSrv::Timestamp time;
+    std::uint64_t arrival = 0;
+
+    friend bool operator<(const EventPosition& a, const EventPosition& b) noexcept {
+        return a.time != b.time ? b.time < a.time : b.arrival < a.arrival;
+    }
+};
+
+enum class EventLife : std::uint8_t {
+    other,   ///< a message, or an alarm of which neither is known
+    active,  ///< not cleared, not invalid, not ended by the extension
+    cleared,
+};
+
+/// An event as the server keeps it. Immutable and shared between threads: a change of an event
+/// makes a new record.
+struct EventRecord {
+    /// `arrival` counts up over all records; a message is named by it. `ended`: the extension has
+    /// ended the life of this alarm.
+    EventRecord(EventContent content, std::uint64_t arrival, bool ended = false);
+
+    const ZrHmiSrv::Event& event() const noexcept;
+    /// Null for a message.
+    const ZrHmiSrv::Alarm* alarm() const noexcept { return std::get_if<0>(&content.event); }
+    std::string_view stringParameter(const char* name) const;
+
+    EventContent content;
+    bool ended;
+    EventPosition position;
+    EventId id;
+    EventKind kind;
+    EventLife life;
+    bool unconfirmed;
+    std::uint32_t severity;
+    std::string target;       ///< empty when the event names none
+    std::size_t contentHash;  ///< of a message: equal for messages that are the same to the extension
+};
+
+using EventRecordPtr = std::shared_ptr<const EventRecord>;
+
+/// Whether two messages are the same to the extension, which does not number them.
+bool isSameMessage(const EventRecord& a, const EventRecord& b);
+
+}  // namespace hmi

@@ -1,0 +1,139 @@
+#include "server/events/EventStore.h"
+
+#include <algorithm>
+#include <optional>
+#include <tuple>
+#include <variant>
+
+namespace hmi {
+
+namespace {
+
+/// A stretch of one ranked index, as ranks.
+template <class Index>
+struct Stretch {
+    const Index* index;
+    std::size_t first;
+    std::size_t last;
+
+    std::size_t size() const { return last - first; }
+
+    EventPage page(std::size_t offset, std::size_t limit) const {
+        EventPage page{size(), {}};
+        if (offset >= size())
+            return page;
+        auto position = index->nth(first + offset);
+        page.events.reserve(std::min(limit, size() - offset));
+        for (std::size_t left = std::min(limit, size() - offset); left > 0; --left)
+            page.events.push_back(*position++);
+        return page;
+    }
+
+    EventPage page(const EventFilter& filter, std::size_t offset, std::size_t limit) const {
+        EventPage page;
+        auto position = index->nth(first);
+        for (std::size_t left = size(); left > 0; --left, ++position) {
+            if (!filter.matches(**position))
+                continue;
+            if (page.total++ >= offset && page.events.size() < limit)
+                page.events.push_back(*position);
+        }
+        return page;
+    }
+};
+
+template <class Index>
+Stretch<Index> wholeOf(const Index& index) {
+    return {&index, 0, index.size()};
+}
+
+template <class Index, class Key>
+Stretch<Index> stretchOf(const Index& index, const Key& key) {
+    const auto [first, last] = index.equal_range_rank(std::make_tuple(key));
+    return {&index, first, last};
+}
+
+}  // namespace
+
+EventRecordPtr EventStore::find(EventId id) const {
+    const auto found = records.get<ById>().find(id);
+    return found == records.get<ById>().end() ? nullptr : *found;
+}
+
+EventRecordPtr EventStore::findSame(const EventRecord& message) const {
+    const auto [first, last] =
+        records.get<ByContent>().equal_range(std::make_tuple(message.contentHash));
+    for (auto position = last; position != first;) {
+        if (isSameMessage(**--position, message))
+            return *position;
+    }
+    return nullptr;
+}
+
+EventRecordPtr EventStore::oldest() const {
+    return records.empty() ? nullptr : *records.get<ByPosition>().rbegin();
+}
+
+void EventStore::insert(EventRecordPtr event) {
+    erase(event->id);
+    if (records.insert(event).second)
+        count(*event, true);
+}
+
+void EventStore::erase(EventId id) {
+    auto& byId = records.get<ById>();
+    const auto found = byId.find(id);
+    if (found == byId.end())
+        return;
+    const EventRecordPtr erased = *found;
+    byId.erase(found);
+    count(*erased, false);
+}
+
+EventPage EventStore::select(const EventFilter& filter, std::size_t offset,
+                             std::size_t limit) const {
+    using Position = Stretch<Records::index<ByPosition>::type>;
+    using Target = Stretch<Records::index<ByTarget>::type>;
+    using Kind = Stretch<Records::index<ByKind>::type>;
+    using Life = Stretch<Records::index<ByLife>::type>;
+    using Confirmation = Stretch<Records::index<ByConfirmation>::type>;
+
+    std::variant<Position, Target, Kind, Life, Confirmation> smallest =
+        wholeOf(records.get<ByPosition>());
+    const auto offer = [&](auto stretch) {
+        if (stretch.size() <= std::visit([](const auto& s) { return s.size(); }, smallest))
+            smallest = stretch;
+    };
+    if (filter.target)
+        offer(stretchOf(records.get<ByTarget>(), *filter.target));
+    if (filter.kind)
+        offer(stretchOf(records.get<ByKind>(), *filter.kind));
+    if (filter.state == EventState::unconfirmed)
+        offer(stretchOf(records.get<ByConfirmation>(), true));
+    else if (filter.state)
+        offer(stretchOf(records.get<ByLife>(), filter.state == EventState::active
+                                                   ? EventLife::active
+                                                   : EventLife::cleared));
+    const bool served = filter.criteria() == 0 || (filter.criteria() == 1 && filter.severity == 0);
+    return std::visit(
+        [&](const auto& stretch) {
+            return served ? stretch.page(offset, limit) : stretch.page(filter, offset, limit);
+        },
+        smallest);
+}
+
+void EventStore::count(const EventRecord& event, bool added) {
+    // Adding the largest number takes one away: unsigned numbers wrap around.
+    const std::size_t step = added ? 1 : static_cast<std::size_t>(-1);
+    const auto entry = counts.try_emplace(event.target).first;
+    TargetCounts& of = entry->second;
+    (event.kind == EventKind::alarm ? of.alarms : of.messages) += step;
+    if (event.life == EventLife::active)
+        of.active += step;
+    if (event.unconfirmed)
+        of.unconfirmed += step;
+    if (of.alarms + of.messages == 0)
+        counts.erase(entry);
+}
+
+}  // namespace hmi

@@ -1,0 +1,67 @@
+#include "server/extension/EventRefresher.h"
+
+#include <chrono>
+#include <exception>
+#include <string>
+
+#include "server/Log.h"
+#include "server/json/Utf8.h"
+
+namespace hmi {
+
+void EventRefresher::request() {
+    Lock lock(mutex);
+    requested = true;
+    changed.notify_all();
+}
+
+void EventRefresher::start() {
+    worker = std::thread([this] { run(); });
+}
+
+void EventRefresher::stop() {
+    {
+        Lock lock(mutex);
+        stopping = true;
+        changed.notify_all();
+    }
+    if (worker.joinable())
+        worker.join();
+}
+
+void EventRefresher::run() {
+    while (awaitRequest())
+        refresh();
+}
+
+bool EventRefresher::awaitRequest() {
+    Lock lock(mutex);
+    while (!requested && !stopping)
+        changed.wait(lock);
+    requested = false;
+    return !stopping;
+}
+
+void EventRefresher::refresh() {
+    const auto start = std::chrono::steady_clock::now();
+    complete = true;
+    book.beginReset();
+    const auto answer = extension.provideEvents(*this);
+    if (!answer || !answer->succeeded() || !complete) {
+        book.abandonReset();
+        log(LogLevel::warning, "the extension handed over no events");
+        return;
+    }
+    book.publishReset();
+    metrics.countReset(std::chrono::steady_clock::now() - start);
+}
+
+void EventRefresher::replace_events(const char* target_name,
+                                    std::span<const ZrHmiSrv::Event> events) try {
+    book.replaceTarget(toValidUtf8(target_name ? target_name : ""), events);
+} catch (const std::exception& exception) {
+    complete = false;
+    log(LogLevel::error, std::string("events of a target system were lost: ") + exception.what());
+}
+
+}  // namespace hmi

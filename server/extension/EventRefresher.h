@@ -1,0 +1,45 @@
+#pragma once
+
+#include <condition_variable>
+#include <thread>
+
+#include "platform/Mutex.h"
+#include "server/Metrics.h"
+#include "server/events/EventBook.h"
+#include "server/extension/ExtensionCalls.h"
+
+namespace hmi {
+
+/// Asks the extension's alarm provider for the events that exist, on a thread of its own, and
+/// resets the book with them. Requests that come while one waits are served with it.
+class EventRefresher final : private ZrHmiSrv::IEventReceiver {
+public:
+    EventRefresher(EventBook& book, ExtensionCalls& extension, Metrics& metrics)
+        : book(book), extension(extension), metrics(metrics) {}
+    ~EventRefresher() { stop(); }
+
+    /// Any thread; waits for nothing. Before `start`, the request is kept.
+    void request();
+    void start();
+    /// Returns when a running refresh is over; requests that wait are dropped.
+    void stop();
+
+private:
+    void run();
+    bool awaitRequest();
+    void refresh();
+    void replace_events(const char* target_name,
+                        std::span<const ZrHmiSrv::Event> events) override;
+
+    EventBook& book;
+    ExtensionCalls& extension;
+    Metrics& metrics;
+    Mutex mutex;  ///< guards the two flags; nothing is called under it
+    std::condition_variable_any changed;
+    bool requested GUARDED_BY(mutex) = false;
+    bool stopping GUARDED_BY(mutex) = false;
+    bool complete = false;  ///< whether all that was handed over could be kept; worker only
+    std::thread worker;
+};
+
+}  // namespace hmi

@@ -1,0 +1,52 @@
+#include "server/http/Router.h"
+
+#include <algorithm>
+
+namespace hmi {
+
+namespace {
+
+bool covers(const std::vector<std::string>& pattern, const std::vector<std::string>& path) {
+    return std::equal(pattern.begin(), pattern.end(), path.begin(), path.end(),
+                      [](const std::string& expected, const std::string& name) {
+                          return expected == name || (expected == "*" && !name.empty());
+                      });
+}
+
+const char* nameOf(Method method) {
+    switch (method) {
+        case Method::get:
+            return "GET";
+        case Method::post:
+            return "POST";
+        case Method::put:
+            return "PUT";
+        case Method::remove:
+            return "DELETE";
+        case Method::other:
+            break;
+    }
+    return "";
+}
+
+}  // namespace
+
+void Router::add(Method method, std::string_view path, Lane lane, Handler handler) {
+    routes.push_back({method, Target::parse(path).path, lane, std::move(handler)});
+}
+
+const Route& Router::find(const Request& request) const {
+    std::string allow;
+    for (const Route& route : routes) {
+        if (!covers(route.path, request.target.path))
+            continue;
+        if (route.method == request.method)
+            return route;
+        allow.append(allow.empty() ? "" : ", ").append(nameOf(route.method));
+    }
+    if (allow.empty())
+        throw RequestError(404, "there is nothing at this address");
+    throw MethodError(allow);
+}
+
+}  // namespace hmi

@@ -1,0 +1,83 @@
+#include "server/json/EventJson.h"
+
+#include <boost/json/monotonic_resource.hpp>
+#include <boost/json/serialize.hpp>
+
+#include "server/json/ValueJson.h"
+
+namespace hmi {
+
+namespace json = boost::json;
+using ZrHmiSrv::Alarm;
+using ZrHmiSrv::Message;
+
+namespace {
+
+constexpr const char* typeNames[] = {"raised",    "updated", "removed", "message",
+                                     "forgotten", "reset",   "log"};
+
+json::value idOf(EventId id, const json::storage_ptr& storage) {
+    if (id.kind == EventKind::alarm)
+        return id.number;
+    return json::string(id.text(), storage);
+}
+
+}  // namespace
+
+json::object toJson(const EventRecord& event, json::storage_ptr storage) {
+    const ZrHmiSrv::Event& base = event.event();
+    const Alarm unset;
+    const Alarm& alarm = event.alarm() ? *event.alarm() : unset;
+    const ZrHmiSrv::Timestamp raised =
+        std::visit([](const auto& content) { return content.time_raised(); }, event.content.event);
+    const bool isAlarm = event.kind == EventKind::alarm;
+
+    json::object object(16, storage);
+    object.emplace("id", idOf(event.id, storage));
+    object.emplace("kind", isAlarm ? "alarm" : "message");
+    object.emplace("name", toJson(base.name().view(), storage));
+    object.emplace("domain", toJson(base.domain().view(), storage));
+    object.emplace("severity", event.severity);
+    object.emplace("timeReceived", toJson(event.position.time, storage));
+    object.emplace("timeRaised", toJson(raised, storage));
+    object.emplace("timeCleared", toJson(alarm.time_cleared(), storage));
+    object.emplace("timeConfirmed", toJson(alarm.time_confirmed(), storage));
+    object.emplace("alarmState", static_cast<std::uint32_t>(alarm.alarm_state()));
+    object.emplace("confirmationState", static_cast<std::uint32_t>(alarm.confirmation_state()));
+    object.emplace("active", event.life == EventLife::active);
+    object.emplace("parameters", toJson(base.payload(), storage));
+    return object;
+}
+
+void addTexts(json::object& event, const EventTexts& texts) {
+    event.emplace("text", toJson(texts.text.view(), event.storage()));
+    for (const char* name : {"eventClassName", "localizedSourceName", "causeRemedy", "details"}) {
+        if (const ZrHmiSrv::Value* const value = texts.parameters.lookup(name))
+            event.emplace(name, toJson(*value, event.storage()));
+    }
+}
+
+json::object toJson(const LogEntry& entry, json::storage_ptr storage) {
+    const Message& message = entry.message;
+    json::object object(6, storage);
+    object.emplace("seq", entry.sequence);
+    object.emplace("name", toJson(message.name().view(), storage));
+    object.emplace("severity", static_cast<std::uint32_t>(message.severity()));
+    object.emplace("timeRaised", toJson(message.time_raised(), storage));
+    object.emplace("domain", toJson(message.domain().view(), storage));
+    object.emplace("parameters", toJson(message.parameters(), storage));
+    return object;
+}
+
+std::string toLine(const Change& change) {
+    json::monotonic_resource memory;
+    json::object line(&memory);
+    line.emplace("type", typeNames[static_cast<std::size_t>(change.type)]);
+    if (change.event)
+        line.emplace("event", toJson(*change.event, &memory));
+    if (change.entry)
+        line.emplace("entry", toJson(*change.entry, &memory));
+    return json::serialize(line);
+}
+
+}  // namespace hmi

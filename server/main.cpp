@@ -1,0 +1,41 @@
+#include <csignal>
+#include <cstdio>
+#include <exception>
+
+#include <boost/nowide/args.hpp>
+
+#include "server/Application.h"
+#include "server/Options.h"
+#include "server/StartError.h"
+
+namespace {
+
+int run(int argc, const char* const* argv) {
+    const auto options =
+        hmi::Options::parse({argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)});
+    if (options.help) {
+        std::fputs(hmi::Options::usage(), stdout);
+        return 0;
+    }
+    hmi::setLogLevel(options.logLevel);
+    hmi::Application(options).run();
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const boost::nowide::args utf8(argc, argv);
+#ifdef SIGPIPE
+    std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone is an error of one write
+#endif
+    try {
+        return run(argc, argv);
+    } catch (const hmi::StartError& error) {
+        std::fprintf(stderr, "hmi-server: %s\n", error.what());
+        return 2;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "hmi-server: unexpected: %s\n", error.what());
+        return 1;
+    }
+}

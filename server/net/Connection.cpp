@@ -1,0 +1,20 @@
+#include "server/net/Connection.h"
+
+namespace hmi {
+
+Connection::Connection(Connections& all) : all(all) { all.open.insert(this); }
+
+Connection::~Connection() {
+    all.open.erase(this);
+    all.ended();
+}
+
+void Connections::closeAll() {
+    const auto closing = open;
+    for (Connection* const connection : closing) {
+        if (open.contains(connection))
+            connection->close();
+    }
+}
+
+}  // namespace hmi

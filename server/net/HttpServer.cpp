@@ -1,0 +1,121 @@
+#include "server/net/HttpServer.h"
+
+#include <chrono>
+#include <sstream>
+
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/steady_timer.hpp>
+
+#include "server/StartError.h"
+#include "server/net/HttpSession.h"
+
+namespace hmi {
+
+namespace asio = boost::asio;
+using asio::ip::tcp;
+using boost::system::error_code;
+
+/// Lives on the I/O thread.
+class HttpServer::Acceptor {
+public:
+    Acceptor(asio::io_context& io, const tcp::endpoint& endpoint, Dispatcher& dispatcher,
+             StreamHub& hub)
+        : io(io), socket(io), retry(io), context{dispatcher, hub, {}} {
+        socket.open(endpoint.protocol());
+#ifndef _WIN32
+        socket.set_option(tcp::acceptor::reuse_address(true));  // on Windows it means to share it
+#endif
+        socket.bind(endpoint);
+        socket.listen();
+        context.connections.onEnd([this] { accept(); });
+    }
+
+    tcp::endpoint endpoint() const { return socket.local_endpoint(); }
+
+    void start() {
+        asio::post(io, [this] {
+            started = true;
+            accept();
+        });
+    }
+
+    void stop() {
+        asio::post(io, [this] {
+            started = false;
+            socket.close();
+            retry.cancel();
+            context.connections.closeAll();
+        });
+    }
+
+private:
+    void accept() {
+        if (!started || accepting || context.connections.isFull())
+            return;
+        accepting = true;
+        socket.async_accept([this](error_code error, tcp::socket client) {
+            accepting = false;
+            if (error == asio::error::operation_aborted)
+                return;
+            if (error)
+                return acceptLater();
+            std::make_shared<HttpSession>(std::move(client), context)->readRequest();
+            accept();
+        });
+    }
+
+    /// The system is short of something, most likely of file handles.
+    void acceptLater() {
+        accepting = true;
+        retry.expires_after(std::chrono::milliseconds(100));
+        retry.async_wait([this](error_code) {
+            accepting = false;
+            accept();
+        });
+    }
+
+    asio::io_context& io;
+    tcp::acceptor socket;
+    asio::steady_timer retry;
+    SessionContext context;
+    bool started = false;
+    bool accepting = false;
+};
+
+namespace {
+
+tcp::endpoint endpointOf(const std::string& address, std::uint16_t port) {
+    error_code error;
+    const auto parsed = asio::ip::make_address(address, error);
+    if (error)
+        throw StartError("--address: " + address + " is not an IP address");
+    return {parsed, port};
+}
+
+}  // namespace
+
+HttpServer::HttpServer(asio::io_context& io, const std::string& address, std::uint16_t port,
+                       Dispatcher& dispatcher, StreamHub& hub) {
+    const tcp::endpoint endpoint = endpointOf(address, port);
+    try {
+        acceptor = std::make_unique<Acceptor>(io, endpoint, dispatcher, hub);
+    } catch (const boost::system::system_error& error) {
+        throw StartError("cannot listen on " + address + " port " + std::to_string(port) + ": " +
+                         error.code().message());
+    }
+}
+
+HttpServer::~HttpServer() = default;
+
+std::string HttpServer::url() const {
+    std::ostringstream text;
+    text << "http://" << acceptor->endpoint();
+    return text.str();
+}
+
+void HttpServer::start() { acceptor->start(); }
+
+void HttpServer::stop() { acceptor->stop(); }
+
+}  // namespace hmi

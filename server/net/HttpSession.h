@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/core/tcp_stream.hpp>
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/string_body.hpp>
+
+#include "server/http/Dispatcher.h"
+#include "server/net/Connection.h"
+#include "server/net/StreamHub.h"
+
+namespace hmi {
+
+/// What the sessions of a server share.
+struct SessionContext {
+    Dispatcher& dispatcher;
+    StreamHub& hub;
+    Connections connections;
+};
+
+/// A client's connection: reads a request, has it answered, and so on until either side ends it.
+/// Owned by its pending operations; on the I/O thread only.
+class HttpSession final : public Connection, public std::enable_shared_from_this<HttpSession> {
+public:
+    HttpSession(boost::asio::ip::tcp::socket socket, SessionContext& context);
+
+    void readRequest();
+    void close() override;
+
+private:
+    using Error = boost::beast::error_code;
+    using Parser = boost::beast::http::request_parser<boost::beast::http::string_body>;
+
+    void onHeader(Error error);
+    void readBody();
+    void sendContinue();
+    void onBody(Error error);
+    void onReadFailed(Error error);
+    void serve();
+    void follow();
+    Request takeRequest();
+    void send(Response response, bool keepAlive);
+    void onSent(Error error, bool keepAlive);
+    void linger();
+
+    boost::beast::tcp_stream stream;
+    SessionContext& context;
+    boost::beast::flat_buffer buffer;
+    std::optional<Parser> parser;
+    boost::beast::http::response<boost::beast::http::string_body> response;
+    bool idle = true;      ///< no request has begun to arrive
+    bool closing = false;  ///< no request after this one
+};
+
+}  // namespace hmi

@@ -1,0 +1,94 @@
+#include "server/net/StreamHub.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include <boost/asio/post.hpp>
+
+#include "server/Log.h"
+#include "server/json/EventJson.h"
+
+namespace hmi {
+
+void StreamHub::post(Change change) noexcept {
+    Lock lock(mutex);
+    if (!followed)
+        return;
+    try {
+        if (waiting.size() < maxWaiting)
+            waiting.push_back(std::move(change));
+        else
+            overflown = true;
+        if (!std::exchange(scheduled, true))
+            boost::asio::post(io, [this] { drain(); });
+    } catch (const std::exception&) {
+        overflown = true;
+    }
+}
+
+void StreamHub::join(std::shared_ptr<IStreamClient> client) {
+    if (clients.insert(std::move(client)).second)
+        metrics.countStreamClients(1);
+    Lock lock(mutex);
+    followed = true;
+}
+
+void StreamHub::leave(const IStreamClient* client) {
+    const auto found = std::find_if(clients.begin(), clients.end(),
+                                    [&](const auto& joined) { return joined.get() == client; });
+    if (found == clients.end())
+        return;
+    clients.erase(found);
+    metrics.countStreamClients(-1);
+    Lock lock(mutex);
+    followed = !clients.empty();
+}
+
+/// Some of the changes that wait; more of them get their turn after other work of the I/O thread.
+std::deque<Change> StreamHub::takeChanges() {
+    constexpr std::size_t portion = 256;
+    Lock lock(mutex);
+    scheduled = false;
+    if (std::exchange(overflown, false)) {
+        waiting.clear();
+        lock.unlock();
+        disconnectAll();
+        return {};
+    }
+    if (waiting.size() <= portion)
+        return std::exchange(waiting, {});
+    scheduled = true;
+    boost::asio::post(io, [this] { drain(); });
+    const auto end = waiting.begin() + portion;
+    std::deque<Change> taken(std::make_move_iterator(waiting.begin()),
+                             std::make_move_iterator(end));
+    waiting.erase(waiting.begin(), end);
+    return taken;
+}
+
+void StreamHub::drain() {
+    for (const Change& change : takeChanges())
+        send(std::make_shared<const std::string>(toLine(change)));
+}
+
+void StreamHub::send(const StreamLine& line) {
+    const auto receivers = clients;  // a client that is disconnected leaves meanwhile
+    for (const auto& client : receivers) {
+        if (client->send(line))
+            continue;
+        log(LogLevel::warning, "a client of the stream was too slow");
+        metrics.countSlowClient();
+        client->disconnect();
+    }
+}
+
+void StreamHub::disconnectAll() {
+    const auto receivers = clients;
+    for (const auto& client : receivers) {
+        metrics.countSlowClient();
+        client->disconnect();
+    }
+}
+
+}  // namespace hmi

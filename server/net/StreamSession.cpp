@@ -1,0 +1,89 @@
+#include "server/net/StreamSession.h"
+
+#include <boost/asio/buffer.hpp>
+
+namespace hmi {
+
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace websocket = beast::websocket;
+
+namespace {
+
+constexpr std::size_t maxWaitingBytes = 32 << 20;
+constexpr std::size_t maxReceivedBytes = 4 << 10;
+
+}  // namespace
+
+StreamSession::StreamSession(beast::tcp_stream from, SessionContext& context)
+    : Connection(context.connections), stream(std::move(from)), context(context) {
+    stream.set_option(websocket::stream_base::timeout::suggested(beast::role_type::server));
+    stream.read_message_max(maxReceivedBytes);
+    stream.text(true);
+}
+
+void StreamSession::accept(beast::http::request<beast::http::string_body> upgrade) {
+    request = std::move(upgrade);
+    // Before the client learns that it is accepted: what it reads of the list from then on and
+    // what it is told must leave no gap.
+    context.hub.join(shared_from_this());
+    stream.async_accept(request, [self = shared_from_this()](beast::error_code error) {
+        self->onAccepted(error);
+    });
+}
+
+void StreamSession::onAccepted(beast::error_code error) {
+    if (error)
+        return disconnect();
+    accepted = true;
+    read();
+    write();
+}
+
+void StreamSession::read() {
+    stream.async_read(received, [self = shared_from_this()](beast::error_code error, std::size_t) {
+        if (error)
+            return self->disconnect();
+        self->received.clear();
+        self->read();
+    });
+}
+
+bool StreamSession::send(StreamLine line) {
+    waitingBytes += line->size();
+    lines.push_back(std::move(line));
+    if (waitingBytes > maxWaitingBytes)
+        return false;
+    write();
+    return true;
+}
+
+void StreamSession::write() {
+    if (!accepted || writing || lines.empty())
+        return;
+    writing = true;
+    stream.async_write(asio::buffer(*lines.front()),
+                       [self = shared_from_this()](beast::error_code error, std::size_t) {
+                           if (error)
+                               return self->disconnect();
+                           self->writing = false;
+                           self->waitingBytes -= self->lines.front()->size();
+                           self->lines.pop_front();
+                           self->write();
+                       });
+}
+
+void StreamSession::disconnect() {
+    context.hub.leave(this);
+    beast::get_lowest_layer(stream).close();
+}
+
+void StreamSession::close() {
+    context.hub.leave(this);
+    if (!accepted)
+        return beast::get_lowest_layer(stream).close();
+    stream.async_close(websocket::close_code::going_away,
+                       [self = shared_from_this()](beast::error_code) {});
+}
+
+}  // namespace hmi

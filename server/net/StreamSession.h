@@ -1,0 +1,44 @@
+#pragma once
+
+#include <deque>
+#include <memory>
+
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/core/tcp_stream.hpp>
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/http/string_body.hpp>
+#include <boost/beast/websocket/stream.hpp>
+
+#include "server/net/HttpSession.h"
+
+namespace hmi {
+
+/// A WebSocket client that follows the changes; what it sends is ignored. Owned by its pending
+/// operations and the hub; on the I/O thread only.
+class StreamSession final : public Connection,
+                            public IStreamClient,
+                            public std::enable_shared_from_this<StreamSession> {
+public:
+    StreamSession(boost::beast::tcp_stream stream, SessionContext& context);
+
+    void accept(boost::beast::http::request<boost::beast::http::string_body> request);
+    bool send(StreamLine line) override;
+    void disconnect() override;
+    void close() override;
+
+private:
+    void onAccepted(boost::beast::error_code error);
+    void read();
+    void write();
+
+    boost::beast::websocket::stream<boost::beast::tcp_stream> stream;
+    SessionContext& context;
+    boost::beast::http::request<boost::beast::http::string_body> request;
+    boost::beast::flat_buffer received;
+    std::deque<StreamLine> lines;  ///< the first is being written when `writing`
+    std::size_t waitingBytes = 0;
+    bool accepted = false;
+    bool writing = false;
+};
+
+}  // namespace hmi

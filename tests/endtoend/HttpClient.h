@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <boost/json/value.hpp>
+
+struct HttpAnswer {
+    unsigned status = 0;
+    std::string body;
+    std::string contentType;
+
+    /// The body, or null when it is no JSON.
+    boost::json::value json() const;
+};
+
+using HttpHeaders = std::vector<std::pair<std::string, std::string>>;
+
+/// Sends one request on a connection of its own. Throws when there is no answer within a minute.
+HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std::string& target,
+                       const std::string& body = {}, const HttpHeaders& headers = {});
+
+/// Sends bytes as they are and reads the status of what comes back; 0 when nothing does.
+unsigned sendRaw(std::uint16_t port, const std::string& bytes);
+
+/// Follows the stream of the server.
+class StreamClient {
+public:
+    explicit StreamClient(std::uint16_t port, const HttpHeaders& headers = {});
+    ~StreamClient();
+
+    /// The next line; nothing when none comes within 20 seconds or the server closes.
+    std::optional<boost::json::value> next();
+
+private:
+    struct Connection;
+    std::unique_ptr<Connection> connection;
+};
