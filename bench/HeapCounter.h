@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstddef>
+
+/// What the whole process has taken from the heap, counted by a replaced operator new.
+struct HeapUse {
+    std::size_t allocations;
+    std::size_t bytes;
+
+    static HeapUse now() noexcept;
+};

@@ -1,0 +1,30 @@
+# Shared by ./run and ./test. Sourced, with the project's folder as the working directory.
+
+# install PACKAGE...: installs those Debian packages that are missing.
+install() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' ||
+            missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    echo "installing: ${missing[*]}"
+    # Package lists may be absent or old; a second try with fresh ones settles it.
+    DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" \
+        >/dev/null 2>&1 && return
+    apt-get update >/dev/null
+    DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" \
+        >/dev/null
+}
+
+native_packages=(g++ cmake ninja-build libboost1.81-dev libboost-thread1.81-dev
+    libffi-dev libgmock-dev libbenchmark-dev)
+lint_packages=(clang-14)
+
+# build PRESET [TARGET...]
+build() {
+    local preset=$1
+    shift
+    [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
+    cmake --build --preset "$preset" ${*:+--target "$@"}
+}

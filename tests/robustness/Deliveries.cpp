@@ -1,0 +1,38 @@
+#include "robustness/Deliveries.h"
+
+namespace bridge_test {
+
+Deliveries& Deliveries::instance() {
+    static Deliveries deliveries;
+    return deliveries;
+}
+
+LONG Deliveries::nextFence() {
+    Lock lock(mutex);
+    return ++given;
+}
+
+bool& Deliveries::onThisThread() {
+    thread_local bool delivering = false;
+    return delivering;
+}
+
+void Deliveries::fenceDelivered(LONG fence) {
+    {
+        Lock lock(mutex);
+        delivered = fence;
+    }
+    changed.notify_all();
+}
+
+bool Deliveries::waitFor(LONG fence, std::chrono::milliseconds time) {
+    const auto deadline = std::chrono::steady_clock::now() + time;
+    Lock lock(mutex);
+    while (delivered < fence) {
+        if (changed.wait_until(lock, deadline) == std::cv_status::timeout)
+            return delivered >= fence;
+    }
+    return true;
+}
+
+}  // namespace bridge_test

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "host/Event.h"
+#include "target/proxy/ZrEventLoggerFnxProxy.h"
+
+namespace bridge_test {
+
+/// What an event says, as one line, however it is told: two images are equal when host and
+/// logger mean the same event in the same state.
+using EventImages = std::multiset<std::string>;
+
+std::string imageOf(const ZrHmiSrv::Alarm& alarm);
+std::string imageOf(const ZrHmiSrv::Message& message);
+std::string imageOf(const ZrHmiSrv::Event& event);
+
+std::string imageOf(ZrEventLoggerFnxProxyLib::IZrAlarm& alarm);
+std::string imageOf(ZrEventLoggerFnxProxyLib::IZrLoggedEvent& event);
+
+/// The name of an event's source, by which tests tell alarms apart.
+std::string sourceOf(const ZrHmiSrv::Alarm& alarm);
+
+}  // namespace bridge_test

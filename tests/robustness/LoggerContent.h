@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+
+#include "robustness/EventImage.h"
+
+namespace bridge_test {
+
+/// What a runtime's logger holds.
+struct LoggerContent {
+    EventImages events;  ///< the newest of the log and all active alarms
+    std::size_t active = 0;
+};
+
+using CreateInstanceFunction = HRESULT(REFCLSID, REFIID, void**);
+
+/// Asks the logger through a connection of its own. Throws when the runtime does not answer.
+LoggerContent readLogger(CreateInstanceFunction& createInstance, const char* netId, ULONG limit);
+
+}  // namespace bridge_test
