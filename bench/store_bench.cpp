@@ -178,7 +178,7 @@ void insertAndEvict(benchmark::State& state) {
     const auto limit = static_cast<std::size_t>(state.range(0));
     Feed feed(state.range(1), state.range(2));
     Container container(limit, state.range(2));
-    for (std::size_t count = 0; count < 2 * limit; ++count)
+    for (std::size_t count = 0; count < limit; ++count)
         container.insert(feed.next());
     const std::clock_t start = std::clock();
     for (auto _ : state)

@@ -52,7 +52,6 @@ void Application::startExtension() {
     }
     extension = std::make_unique<ExtensionLibrary>(options.extension, host);
     extension->init(context);
-    refresher.request();
     refresher.start();
 }
 
@@ -81,7 +80,7 @@ void Application::run() {
     server.stop();
     lanes.join();
     stopExtension();
-    io.stop(std::chrono::seconds(3));
+    io.stop(std::chrono::seconds(1));
 }
 
 }  // namespace hmi

@@ -1,7 +1,8 @@
 /// How a test or a development server steers the simulated runtimes: exported by the stand-in
 /// proxy library beside the functions of the real one. All texts are UTF-8 JSON; an answer is
 /// freed with ZrSimulatorFree. Results are numbered like HTTP: 200, 400 (malformed, with
-/// {"error": text}; nothing was changed), 404 (no such runtime). Any thread.
+/// {"error": text}; nothing was changed), 404 (no such runtime), 500 (out of memory, no answer).
+/// Any thread, but loading and shutting down wait for running notifications.
 #pragma once
 
 #include "target/proxy/ZrEventLoggerFnxProxy.h"

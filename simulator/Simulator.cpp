@@ -12,18 +12,21 @@ Simulator& Simulator::instance() {
 }
 
 void Simulator::load(Plant plant) {
-    Runtimes replaced;
+    Runtimes added;
     for (auto& [netId, definition] : plant.runtimes)
-        replaced.emplace(netId, std::make_shared<Runtime>(std::move(definition)));
-    const Runtimes added = replaced;
+        added.emplace(netId, std::make_shared<Runtime>(std::move(definition)));
 
     Lock loading(loadMutex);
+    Runtimes replaced = added;
     {
         Lock lock(mutex);
         runtimes.swap(replaced);
     }
     if (plant.localNetId)
         ZrFnxSimulatorSetLocalNetId(&*plant.localNetId);
+    // First for all of them: a notification of one may wait for a call to another.
+    for (const auto& entry : replaced)
+        entry.second->clientBorder()->faults.close();
     for (const auto& entry : replaced)
         entry.second->shutDown();
     for (const auto& entry : added)

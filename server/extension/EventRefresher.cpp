@@ -16,6 +16,9 @@ void EventRefresher::request() {
 }
 
 void EventRefresher::start() {
+    request();
+    awaitRequest();
+    refresh();
     worker = std::thread([this] { run(); });
 }
 

@@ -18,8 +18,9 @@ public:
         : book(book), extension(extension), metrics(metrics) {}
     ~EventRefresher() { stop(); }
 
-    /// Any thread; waits for nothing. Before `start`, the request is kept.
+    /// Any thread; waits for nothing. Before `start`, the request waits for it.
     void request();
+    /// Refreshes once before it returns, then whenever it is requested.
     void start();
     /// Returns when a running refresh is over; requests that wait are dropped.
     void stop();

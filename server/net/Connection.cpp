@@ -2,11 +2,13 @@
 
 namespace hmi {
 
-Connection::Connection(Connections& all) : all(all) { all.open.insert(this); }
+Connection::Connection(std::shared_ptr<Connections> list) : all(std::move(list)) {
+    all->open.insert(this);
+}
 
 Connection::~Connection() {
-    all.open.erase(this);
-    all.ended();
+    all->open.erase(this);
+    all->ended();
 }
 
 void Connections::closeAll() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <set>
 
 namespace hmi {
@@ -8,10 +9,11 @@ namespace hmi {
 /// The connections that are open. Used on the I/O thread only.
 class Connections;
 
-/// A connection of a client; it is in the list for as long as it lives.
+/// A connection of a client; it is in the list for as long as it lives. An operation that is cut
+/// off at the end is destroyed, with its connection, after the server: so it keeps the list alive.
 class Connection {
 public:
-    explicit Connection(Connections& all);
+    explicit Connection(std::shared_ptr<Connections> all);
     virtual ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -20,7 +22,7 @@ public:
     virtual void close() = 0;
 
 protected:
-    Connections& all;
+    const std::shared_ptr<Connections> all;
 };
 
 class Connections {

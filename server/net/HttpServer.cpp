@@ -21,15 +21,20 @@ class HttpServer::Acceptor {
 public:
     Acceptor(asio::io_context& io, const tcp::endpoint& endpoint, Dispatcher& dispatcher,
              StreamHub& hub)
-        : io(io), socket(io), retry(io), context{dispatcher, hub, {}} {
+        : io(io),
+          socket(io),
+          retry(io),
+          context(std::make_shared<SessionContext>(SessionContext{dispatcher, hub, {}})) {
         socket.open(endpoint.protocol());
 #ifndef _WIN32
         socket.set_option(tcp::acceptor::reuse_address(true));  // on Windows it means to share it
 #endif
         socket.bind(endpoint);
         socket.listen();
-        context.connections.onEnd([this] { accept(); });
+        context->connections.onEnd([this] { accept(); });
     }
+
+    ~Acceptor() { context->connections.onEnd([] {}); }
 
     tcp::endpoint endpoint() const { return socket.local_endpoint(); }
 
@@ -45,13 +50,13 @@ public:
             started = false;
             socket.close();
             retry.cancel();
-            context.connections.closeAll();
+            context->connections.closeAll();
         });
     }
 
 private:
     void accept() {
-        if (!started || accepting || context.connections.isFull())
+        if (!started || accepting || context->connections.isFull())
             return;
         accepting = true;
         socket.async_accept([this](error_code error, tcp::socket client) {
@@ -78,7 +83,7 @@ private:
     asio::io_context& io;
     tcp::acceptor socket;
     asio::steady_timer retry;
-    SessionContext context;
+    std::shared_ptr<SessionContext> context;
     bool started = false;
     bool accepting = false;
 };

@@ -48,8 +48,8 @@ std::string fieldOf(const http::fields& fields, http::field name) {
 
 }  // namespace
 
-HttpSession::HttpSession(asio::ip::tcp::socket socket, SessionContext& context)
-    : Connection(context.connections), stream(std::move(socket)), context(context) {}
+HttpSession::HttpSession(asio::ip::tcp::socket socket, std::shared_ptr<SessionContext> shared)
+    : Connection(SessionContext::connectionsOf(shared)), context(std::move(shared)), stream(std::move(socket)) {}
 
 void HttpSession::close() {
     closing = true;
@@ -130,7 +130,7 @@ Request HttpSession::takeRequest() {
 void HttpSession::serve() {
     stream.expires_never();
     const bool keepAlive = parser->get().keep_alive();
-    context.dispatcher.dispatch(
+    context->dispatcher.dispatch(
         takeRequest(), std::string(parser->get().target()),
         [self = shared_from_this(), keepAlive](Response reply) {
             asio::post(self->stream.get_executor(), [self, keepAlive, reply = std::move(reply)] {
@@ -140,7 +140,7 @@ void HttpSession::serve() {
 }
 
 void HttpSession::follow() {
-    if (!context.dispatcher.allowsStream(takeRequest(), parser->get().target()))
+    if (!context->dispatcher.allowsStream(takeRequest(), parser->get().target()))
         return send(Response::error(403, "not for pages of another origin"), false);
     stream.expires_never();
     std::make_shared<StreamSession>(std::move(stream), context)->accept(parser->release());

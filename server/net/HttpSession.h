@@ -20,13 +20,17 @@ struct SessionContext {
     Dispatcher& dispatcher;
     StreamHub& hub;
     Connections connections;
+
+    static std::shared_ptr<Connections> connectionsOf(const std::shared_ptr<SessionContext>& of) {
+        return {of, &of->connections};
+    }
 };
 
 /// A client's connection: reads a request, has it answered, and so on until either side ends it.
 /// Owned by its pending operations; on the I/O thread only.
 class HttpSession final : public Connection, public std::enable_shared_from_this<HttpSession> {
 public:
-    HttpSession(boost::asio::ip::tcp::socket socket, SessionContext& context);
+    HttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<SessionContext> context);
 
     void readRequest();
     void close() override;
@@ -47,8 +51,8 @@ private:
     void onSent(Error error, bool keepAlive);
     void linger();
 
+    const std::shared_ptr<SessionContext> context;
     boost::beast::tcp_stream stream;
-    SessionContext& context;
     boost::beast::flat_buffer buffer;
     std::optional<Parser> parser;
     boost::beast::http::response<boost::beast::http::string_body> response;

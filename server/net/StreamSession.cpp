@@ -15,8 +15,8 @@ constexpr std::size_t maxReceivedBytes = 4 << 10;
 
 }  // namespace
 
-StreamSession::StreamSession(beast::tcp_stream from, SessionContext& context)
-    : Connection(context.connections), stream(std::move(from)), context(context) {
+StreamSession::StreamSession(beast::tcp_stream from, std::shared_ptr<SessionContext> shared)
+    : Connection(SessionContext::connectionsOf(shared)), context(std::move(shared)), stream(std::move(from)) {
     stream.set_option(websocket::stream_base::timeout::suggested(beast::role_type::server));
     stream.read_message_max(maxReceivedBytes);
     stream.text(true);
@@ -26,7 +26,7 @@ void StreamSession::accept(beast::http::request<beast::http::string_body> upgrad
     request = std::move(upgrade);
     // Before the client learns that it is accepted: what it reads of the list from then on and
     // what it is told must leave no gap.
-    context.hub.join(shared_from_this());
+    context->hub.join(shared_from_this());
     stream.async_accept(request, [self = shared_from_this()](beast::error_code error) {
         self->onAccepted(error);
     });
@@ -74,12 +74,12 @@ void StreamSession::write() {
 }
 
 void StreamSession::disconnect() {
-    context.hub.leave(this);
+    context->hub.leave(this);
     beast::get_lowest_layer(stream).close();
 }
 
 void StreamSession::close() {
-    context.hub.leave(this);
+    context->hub.leave(this);
     if (!accepted)
         return beast::get_lowest_layer(stream).close();
     stream.async_close(websocket::close_code::going_away,

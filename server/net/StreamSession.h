@@ -19,7 +19,7 @@ class StreamSession final : public Connection,
                             public IStreamClient,
                             public std::enable_shared_from_this<StreamSession> {
 public:
-    StreamSession(boost::beast::tcp_stream stream, SessionContext& context);
+    StreamSession(boost::beast::tcp_stream stream, std::shared_ptr<SessionContext> context);
 
     void accept(boost::beast::http::request<boost::beast::http::string_body> request);
     bool send(StreamLine line) override;
@@ -31,8 +31,8 @@ private:
     void read();
     void write();
 
+    const std::shared_ptr<SessionContext> context;
     boost::beast::websocket::stream<boost::beast::tcp_stream> stream;
-    SessionContext& context;
     boost::beast::http::request<boost::beast::http::string_body> request;
     boost::beast::flat_buffer received;
     std::deque<StreamLine> lines;  ///< the first is being written when `writing`

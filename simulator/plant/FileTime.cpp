@@ -68,8 +68,9 @@ FILETIME toFiletime(FileTime time) {
 }
 
 FileTime currentTime() {
-    const auto now = std::chrono::system_clock::now() - epoch;
-    return static_cast<FileTime>(std::chrono::duration_cast<Ticks>(now).count());
+    // In ticks from the start: nanoseconds since 1601 are too many for the clock's 64 bits.
+    const auto now = std::chrono::time_point_cast<Ticks>(std::chrono::system_clock::now());
+    return static_cast<FileTime>((now - epoch).count());
 }
 
 std::optional<FileTime> parseTime(std::string_view text) {

@@ -152,11 +152,11 @@ void AlarmLifecycle::announce(const Text& name, IZrAlarm& source, const Alarm& a
         context.logging.raiseAlarm(alarm);
 }
 
-bool AlarmLifecycle::refresh(const RecordedCallback& notification) {
+void AlarmLifecycle::refresh(const RecordedCallback& notification) {
     IZrAlarm& source = *notification.alarm;
     const auto stored = findLive(source);
     if (!stored)
-        return false;
+        return;
     const AlarmKey key = alarmKeyOf(source);
     Alarm alarm = *stored;
     toHostAlarm(alarm, source, context.domain, context.targetName, 0, true);
@@ -181,7 +181,6 @@ bool AlarmLifecycle::refresh(const RecordedCallback& notification) {
         if (notification.flag == VARIANT_TRUE)
             released = events.release(*entry, context.eventLimit);
     }));
-    return true;
 }
 
 void AlarmLifecycle::onAlarmCleared(IZrAlarm& alarm, VARIANT_BOOL removed, bool quiet) {

@@ -29,8 +29,8 @@ public:
     void onAlarmConfirmed(IZrAlarm& source, VARIANT_BOOL removed, bool quiet);
 
     /// Brings the stored event of a live alarm up to date, silently: it was taken over by an
-    /// import while this notification was on its way. False when the alarm is not live any more.
-    bool refresh(const RecordedCallback& notification);
+    /// import while this notification was on its way.
+    void refresh(const RecordedCallback& notification);
     /// What the last import took over; it holds against late notifications. Under sinkMutex.
     ImportedIdentities& imported() { return identities; }
 

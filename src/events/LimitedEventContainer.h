@@ -157,8 +157,7 @@ public:
 private:
     using LiveIndex = LiveAlarmIndex<ScopedPointer, Interface, Entry>;
     using OrderHook = boost::intrusive::set_member_hook<
-        boost::intrusive::link_mode<boost::intrusive::normal_link>,
-        boost::intrusive::optimize_size<true>>;
+        boost::intrusive::link_mode<boost::intrusive::normal_link>>;
 
 public:
     /// One event. Its address is its handle, valid until the event leaves.

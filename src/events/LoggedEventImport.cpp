@@ -71,8 +71,8 @@ void LoggedEventImport::replayAlarm(const RecordedCallback& record, Replay& stat
     const AlarmKey key = alarmKeyOf(*record.alarm);
     const bool known = lifecycle.imported().holdsAlarm(key);
     lifecycle.imported().takeAlarm(key, record.kind);
-    if (state.snapshot.tookOver(record.alarm.get()) && lifecycle.refresh(record))
-        return;
+    if (state.snapshot.tookOver(record.alarm.get()))
+        return lifecycle.refresh(record);
     if (known)
         return;
     state.met.insert(key);

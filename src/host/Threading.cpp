@@ -1,12 +1,14 @@
 #include "host/Threading.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "host/WorkerPool.h"
 
 namespace ZrHmiSrv {
 
-Threading::Threading(std::size_t threads) : pool(std::make_unique<WorkerPool>(threads)) {}
+Threading::Threading(std::size_t threads)
+    : pool(std::make_unique<WorkerPool>(std::max<std::size_t>(threads, 1))) {}
 
 // Running callbacks may still call this object, so it must be whole until the last has ended.
 Threading::~Threading() {

@@ -72,7 +72,6 @@ public:
 
 private:
     friend class Value;
-    friend ZRHMISRV_API bool operator==(const Value& a, const Value& b) noexcept;
     explicit MapIterator(detail::MapEntry* entry) noexcept : entry(entry) {}
     detail::MapEntry* entry = nullptr;
 };
@@ -264,8 +263,8 @@ private:
     std::size_t size_of_vector() const noexcept { return vector() ? size() : 0; }
     template <class To>
     To to_integer() const noexcept;
-    template <class Event>
-    Event get(ValueType type) const;
+    template <class Handle>
+    Handle get(ValueType type) const;
 
     Content content;
     ValueType tag = ValueType::none;

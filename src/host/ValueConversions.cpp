@@ -101,9 +101,9 @@ Binary Value::get_binary() const noexcept {
     return result;
 }
 
-template <class Result>
-Result Value::get(ValueType type) const {
-    Result result;
+template <class Handle>
+Handle Value::get(ValueType type) const {
+    Handle result;
     if (tag == type)
         static_cast<Event&>(result).node = detail::share(content.event);
     return result;

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <span>
 
 #include "host/EventNodes.h"
 #include "host/Value.h"
@@ -7,6 +8,12 @@
 namespace ZrHmiSrv {
 
 namespace {
+
+std::span<const detail::MapEntry> entries(const detail::MapNode* map) noexcept {
+    if (!map)
+        return {};
+    return {map->begin(), map->end()};
+}
 
 bool equal_entries(const detail::MapEntry& a, const detail::MapEntry& b) noexcept {
     return a.name == b.name && a.value == b.value;
@@ -21,8 +28,7 @@ bool equal(const detail::EventNode* a, const detail::EventNode* b) noexcept {
 bool operator==(const Value& a, const Value& b) noexcept {
     if (a.is_map() && b.is_map())
         return a.content.map == b.content.map ||
-               std::equal(a.begin().entry, a.end().entry, b.begin().entry, b.end().entry,
-                          equal_entries);
+               std::ranges::equal(entries(a.content.map), entries(b.content.map), equal_entries);
     if (a.tag != b.tag)
         return false;
     switch (a.tag) {

@@ -41,11 +41,10 @@ void report_failure(const Context& context, const char* reason) noexcept {
 }  // namespace
 
 Threading::WorkerPool::WorkerPool(std::size_t threads)
-    : work_guard(io.get_executor()), running(std::max<std::size_t>(threads, 1)) {
+    : work_guard(io.get_executor()), running(threads) {
     try {
-        const std::size_t count = std::max<std::size_t>(threads, 1);
-        workers.reserve(count);
-        while (workers.size() < count)
+        workers.reserve(threads);
+        while (workers.size() < threads)
             workers.emplace_back([this] { work(); });
     } catch (...) {
         shut_down();
@@ -89,9 +88,13 @@ bool Threading::WorkerPool::stop(std::size_t milliseconds) {
         workers_changed.notify_all();
     }
     bool in_time = true;
-    while (in_time && running > (is_worker ? stoppers.size() : 0))
+    while (in_time && must_wait(is_worker))
         in_time = workers_changed.wait_until(lock, deadline) == boost::cv_status::no_timeout;
-    return running <= (is_worker ? stoppers.size() : 0);
+    return !must_wait(is_worker);
+}
+
+bool Threading::WorkerPool::must_wait(bool is_worker) const {
+    return running > (is_worker ? stoppers.size() : 0);
 }
 
 void Threading::WorkerPool::begin_stop() {

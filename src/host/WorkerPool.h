@@ -20,7 +20,7 @@ namespace ZrHmiSrv {
 /// destroyed.
 class Threading::WorkerPool {
 public:
-    explicit WorkerPool(std::size_t threads);
+    explicit WorkerPool(std::size_t threads);  ///< at least one
     WorkerPool(const WorkerPool&) = delete;
     WorkerPool& operator=(const WorkerPool&) = delete;
 
@@ -41,6 +41,7 @@ private:
     void work() EXCLUDES(mutex);
     void call_back(Timers::iterator timer) EXCLUDES(mutex);
     void begin_stop() REQUIRES(mutex);
+    bool must_wait(bool is_worker) const REQUIRES(mutex);
 
     boost::asio::io_context io;
     Mutex mutex;

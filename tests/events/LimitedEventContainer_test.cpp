@@ -124,6 +124,8 @@ struct Limits {
     std::int64_t lowest;
     std::int64_t highest;  ///< each operation draws from this range
     int operations;
+
+    friend void PrintTo(const Limits& limits, std::ostream* out) { *out << limits.name; }
 };
 
 class LimitedEventContainerAgainstWalk : public testing::TestWithParam<Limits> {

@@ -1,6 +1,7 @@
 #include <atomic>
 #include <functional>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -17,6 +18,7 @@ constexpr IID eventsId{0x11, 0x22, 0x33, {4, 5, 6, 7, 8, 9, 10, 11}};
 /// A connection point that accepts any number of sinks and gives each a cookie of its own.
 class FakePoint final : public FakeObject<IConnectionPoint> {
 public:
+    std::function<void()> beforeAdvise = [] {};
     HRESULT adviseResult = S_OK;
     HRESULT unadviseResult = S_OK;
     std::atomic<int> made = 0;
@@ -29,6 +31,7 @@ public:
         return E_NOTIMPL;
     }
     HRESULT STDMETHODCALLTYPE Advise(IUnknown*, DWORD* cookie) override {
+        beforeAdvise();
         if (FAILED(adviseResult))
             return adviseResult;
         ++made;
@@ -113,6 +116,22 @@ TEST(EventCookie, aStepThatFailsLeavesNothingBehind) {
     EventCookie cookie;
     EXPECT_EQ(cookie.advise(&noSource, &noSource, eventsId), E_NOINTERFACE);
     EXPECT_EQ(cookie.advise(nullptr, &noSource, eventsId), E_NOINTERFACE);
+}
+
+TEST(EventCookie, theFasterOfTwoAdvisesStays) {
+    FakeSource source;
+    FakeDispatch sink;
+    EventCookie cookie;
+    bool isFirst = true;
+    source.point.beforeAdvise = [&] {
+        if (std::exchange(isFirst, false)) {
+            EXPECT_EQ(cookie.advise(&source, &sink, eventsId), S_OK);
+        }
+    };
+    EXPECT_EQ(cookie.advise(&source, &sink, eventsId), S_FALSE);
+    EXPECT_EQ(source.point.endedCookie, 42u);
+    EXPECT_EQ(cookie.unadvise(), S_OK);
+    EXPECT_EQ(source.point.endedCookie, 41u);
 }
 
 TEST(EventCookie, parallelCallersEndEveryConnectionExactlyOnce) {

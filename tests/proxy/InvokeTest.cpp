@@ -43,7 +43,7 @@ public:
             entry<&Sink::onFailure, plainCall>(12),
             entry<&Sink::onEight, eightCall>(13),
             entry<&Sink::onLocated>(14),
-            foreign<&Sink::onLocated>(15),
+            ofOtherEvents(entry<&Sink::onLocated, plainCall>(15)),
         };
         return table;
     }
@@ -57,11 +57,9 @@ public:
     }
 
 private:
-    template <auto member>
-    static SinkEntry foreign(DISPID id) {
-        SinkEntry made = entry<member>(id);
-        made.interfaceId = &otherId;
-        return made;
+    static SinkEntry ofOtherEvents(SinkEntry entry) {
+        entry.interfaceId = &otherId;
+        return entry;
     }
 
     void onObject(FakeDispatch* object, VARIANT_BOOL flag) {

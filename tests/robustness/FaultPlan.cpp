@@ -35,10 +35,21 @@ FaultPlan& FaultPlan::instance() {
 }
 
 void FaultPlan::arm(Fault planned) {
+    std::function<void()> release;
+    {
+        Lock lock(mutex);
+        fault = std::move(planned);
+        count = 0;
+        hit.clear();
+        release.swap(forgotten);
+    }
+    if (release)
+        release();
+}
+
+void FaultPlan::forget(std::function<void()> release) {
     Lock lock(mutex);
-    fault = std::move(planned);
-    count = 0;
-    hit.clear();
+    forgotten = std::move(release);
 }
 
 void FaultPlan::suspend(bool on) {

@@ -37,7 +37,7 @@ public:
 
     static FaultPlan& instance();
 
-    /// Counts from the beginning.
+    /// Counts from the beginning. What the plan before has spoilt is repaired.
     void arm(Fault fault);
     /// While suspended, calls are neither counted nor hit.
     void suspend(bool on);
@@ -46,6 +46,9 @@ public:
 
     /// Every call begins here. Throws when it is to end with an exception.
     Verdict enter(const char* call, CallKind kind);
+
+    /// Keeps the release that was forgotten, to be made up for by `arm`.
+    void forget(std::function<void()> release);
 
 private:
     /// True for the one call that is hit.
@@ -56,6 +59,7 @@ private:
     unsigned count GUARDED_BY(mutex) = 0;
     bool suspended GUARDED_BY(mutex) = false;
     std::string hit GUARDED_BY(mutex);
+    std::function<void()> forgotten GUARDED_BY(mutex);
 };
 
 }  // namespace bridge_test

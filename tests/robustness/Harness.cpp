@@ -7,7 +7,6 @@
 
 #include "robustness/Deliveries.h"
 #include "robustness/FaultPlan.h"
-#include "robustness/ProxyObject.h"
 #include "robustness/SimulatedLibrary.h"
 #include "target/TargetSystemPlatformSpecific.h"
 
@@ -147,17 +146,15 @@ Findings Harness::settle() {
     return findings;
 }
 
-Findings Harness::findLeaks() {
-    // The library's thread may be the last to let go.
-    const auto deadline = std::chrono::steady_clock::now() + 2s;
-    while ((simulation.liveObjects() != 0 || liveProxyObjects != 0) &&
-           std::chrono::steady_clock::now() < deadline)
+Findings Harness::findLeaks(std::chrono::milliseconds patience) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while ((references() != 0 || standIns() != 0) && std::chrono::steady_clock::now() < deadline)
         std::this_thread::yield();
     Findings findings;
-    if (simulation.liveObjects() != 0)
-        findings.push_back(std::to_string(simulation.liveObjects()) + " objects not released");
-    if (liveProxyObjects != 0)
-        findings.push_back(std::to_string(liveProxyObjects) + " stand-ins not released");
+    if (references() != 0)
+        findings.push_back(std::to_string(references()) + " references not released");
+    if (standIns() != 0)
+        findings.push_back(std::to_string(standIns()) + " stand-ins not released");
     return findings;
 }
 

@@ -7,6 +7,7 @@
 
 #include "robustness/ContentCheck.h"
 #include "robustness/HostLink.h"
+#include "robustness/ProxyObject.h"
 #include "support/RecordingHost.h"
 #include "support/Simulation.h"
 #include "target/TargetSystem.h"
@@ -42,8 +43,8 @@ public:
     /// Ticks until everything agrees, or until nothing changes any more. Nothing goes wrong
     /// meanwhile.
     Findings settle();
-    /// What is left of the library's objects.
-    Findings findLeaks();
+    /// What is left of the library's objects, once they have had time to go.
+    Findings findLeaks(std::chrono::milliseconds patience);
 
     bool isConnected() { return simulation.status().at("connected").as_bool(); }
 
@@ -53,10 +54,15 @@ public:
     std::shared_ptr<ZrHmiEventLogger::TargetSystem> target;
 
 private:
-    std::int64_t postFence();
+    LONG postFence();
+    /// The references and stand-ins that came since the harness was made.
+    std::int64_t references() { return simulation.liveObjects() - referencesBefore; }
+    int standIns() const { return liveProxyObjects - standInsBefore; }
     bool tryCreate();
     void refresh() { target->provideEvents(link); }
 
+    const std::int64_t referencesBefore = simulation.liveObjects();
+    const int standInsBefore = liveProxyObjects;
     std::atomic<bool> stopFlag = false;
     std::atomic<std::int32_t> hostIds = 1;
 };

@@ -15,20 +15,22 @@ template <class T>
 inline constexpr bool receivesObject =
     std::is_pointer_v<T>&& std::is_pointer_v<std::remove_pointer_t<T>>;
 
+template <class T>
+void handOutNothing(const T& parameter) {
+    if constexpr (receivesObject<T>)
+        *parameter = nullptr;
+}
+
 /// Runs `call` unless the fault plan has something else in mind. `parameters` are those of the
 /// call, of which the ones that receive an object are emptied when none is to be handed out.
 template <class Call, class... Parameters>
 HRESULT passCall(const char* name, Call call, const Parameters&... parameters) {
     constexpr bool handsOut = (receivesObject<Parameters> || ...);
-    const auto clear = [](const auto& parameter) {
-        if constexpr (receivesObject<std::decay_t<decltype(parameter)>>)
-            *parameter = nullptr;
-    };
     switch (FaultPlan::instance().enter(name, handsOut ? CallKind::handsOut : CallKind::plain)) {
         case FaultPlan::Verdict::fail:
             return seededFailure;
         case FaultPlan::Verdict::handOutNothing:
-            (clear(parameters), ...);
+            (handOutNothing(parameters), ...);
             return S_OK;
         default:
             return call();

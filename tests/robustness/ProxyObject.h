@@ -36,12 +36,11 @@ public:
     }
     ULONG STDMETHODCALLTYPE AddRef() { return ++references; }
     ULONG STDMETHODCALLTYPE Release() {
-        if (FaultPlan::instance().enter(__func__, CallKind::release) != FaultPlan::Verdict::pass)
-            return references;
-        const ULONG left = dropReference();
-        if (left == 0)
-            delete this;
-        return left;
+        auto& plan = FaultPlan::instance();
+        if (plan.enter(__func__, CallKind::release) == FaultPlan::Verdict::pass)
+            return letGo();
+        plan.forget([this] { letGo(); });
+        return references;
     }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) { return E_NOTIMPL; }
@@ -65,6 +64,12 @@ protected:
     }
     virtual ~ProxyObject() { --liveProxyObjects; }
 
+    ULONG letGo() {
+        const ULONG left = dropReference();
+        if (left == 0)
+            delete this;
+        return left;
+    }
     virtual ULONG dropReference() { return --references; }
 
     /// The same method of the real object.
