@@ -27,8 +27,8 @@ std::string readFile(const std::filesystem::path& file) {
     if (text.size() > maxFileSize)
         throw StartError(file.string() + ": larger than 64 MiB");
     if (!stream.eof() || stream.bad())
-        throw StartError(file.string() + ": cannot be read: " +
-                         std::generic_category().message(errno));
+        throw StartError(file.string() +
+                         ": cannot be read: " + std::generic_category().message(errno));
     return text;
 }
 

@@ -18,9 +18,13 @@ constexpr const char* names[] = {"debug", "info", "warning", "error"};
 
 }  // namespace
 
-void setLogLevel(LogLevel level) noexcept { threshold = level; }
+void setLogLevel(LogLevel level) noexcept {
+    threshold = level;
+}
 
-bool isLogged(LogLevel level) noexcept { return level >= threshold && level < LogLevel::off; }
+bool isLogged(LogLevel level) noexcept {
+    return level >= threshold && level < LogLevel::off;
+}
 
 void log(LogLevel level, std::string_view text) noexcept try {
     if (!isLogged(level))

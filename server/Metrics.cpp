@@ -1,6 +1,7 @@
 #include "server/Metrics.h"
 
 #include <string_view>
+#include <utility>
 
 #include "server/PrometheusText.h"
 
@@ -10,16 +11,18 @@ namespace {
 
 /// The slots that extensions call; the others are reserved.
 constexpr std::pair<std::size_t, std::string_view> slotNames[] = {
-    {1, "send_message"},         {9, "register_listener_with_settings"},
-    {11, "register_listener"},   {12, "unregister_listener"},
-    {13, "apply_alarm"},         {14, "drop_event"},
-    {16, "read_configuration"},  {17, "reset_events"},
+    {1, "send_message"},        {9, "register_listener_with_settings"},
+    {11, "register_listener"},  {12, "unregister_listener"},
+    {13, "apply_alarm"},        {14, "drop_event"},
+    {16, "read_configuration"}, {17, "reset_events"},
     {18, "announce"},
 };
 
 constexpr std::size_t maxNames = 1000;
 
-double number(std::uint64_t count) { return static_cast<double>(count); }
+double number(std::uint64_t count) {
+    return static_cast<double>(count);
+}
 
 }  // namespace
 
@@ -28,12 +31,24 @@ void Metrics::countConfirmation(ZrHmiSrv::ErrorValue result) {
     ++confirmations[static_cast<std::uint32_t>(result)];
 }
 
-void Metrics::countLogMessage(std::string_view name) {
+std::uint64_t& Metrics::logCounter(std::string name, std::string target) {
+    const auto found = logMessages.find({name, target});
+    if (found != logMessages.end())
+        return found->second;
+    if (logMessages.size() >= maxNames)
+        return logMessages[{"other", ""}];
+    return logMessages[{std::move(name), std::move(target)}];
+}
+
+void Metrics::countLogMessage(const ZrHmiSrv::Message& message) {
+    const ZrHmiSrv::Value* const about = message.parameters().lookup("0");
+    const ZrHmiSrv::Value* const milliseconds = message.parameters().lookup("6");
+    const std::string target = about ? about->get_string() : std::string();
     Lock lock(mutex);
-    auto found = logMessages.find(name);
-    if (found == logMessages.end())
-        found = logMessages.emplace(logMessages.size() < maxNames ? name : "other", 0).first;
-    ++found->second;
+    std::uint64_t& counter = logCounter(std::string(message.name().view()), target);
+    ++counter;
+    if (milliseconds && message.name() == "LOGGED_EVENTS_IMPORTED")
+        importSeconds[target] += static_cast<double>(*milliseconds) / 1000;
 }
 
 std::string Metrics::text() const {
@@ -59,8 +74,11 @@ std::string Metrics::text() const {
     for (const auto& [result, count] : confirmations)
         text.sample({{"result", std::to_string(result)}}, number(count));
     text.family("hmi_log_messages_total", "counter", "Messages written to the log, by name.");
-    for (const auto& [name, count] : logMessages)
-        text.sample({{"name", name}}, number(count));
+    for (const auto& [key, count] : logMessages)
+        text.sample({{"name", key.first}, {"target", key.second}}, number(count));
+    text.family("hmi_import_seconds_total", "counter", "Time spent on imports after connecting.");
+    for (const auto& [target, seconds] : importSeconds)
+        text.sample({{"target", target}}, seconds);
     return text.text();
 }
 

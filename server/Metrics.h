@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <utility>
 
+#include "host/Event.h"
 #include "host/Result.h"
 #include "platform/Mutex.h"
 
@@ -27,13 +29,15 @@ public:
     void countSlowClient() noexcept { ++slowClients; }
     void countRequest(unsigned status) noexcept { ++requests[status / 100 % 6]; }
     void countConfirmation(ZrHmiSrv::ErrorValue result);
-    /// Beyond a thousand different names the rest counts as "other".
-    void countLogMessage(std::string_view name);
+    /// By name and the target system that it is about. Beyond a thousand of these the rest counts
+    /// as "other". What the extension measures itself, it tells in such messages.
+    void countLogMessage(const ZrHmiSrv::Message& message);
 
     /// All counters in Prometheus' text format.
     std::string text() const;
 
 private:
+    std::uint64_t& logCounter(std::string name, std::string target) REQUIRES(mutex);
     std::array<std::atomic<std::uint64_t>, slots> hostCalls{};
     std::array<std::atomic<std::uint64_t>, 6> requests{};  ///< by the hundreds of their status
     std::atomic<std::uint64_t> forgotten = 0;
@@ -43,7 +47,8 @@ private:
     std::atomic<std::uint64_t> slowClients = 0;
     mutable Mutex mutex;  ///< guards the maps; nothing is called under it
     std::map<std::uint32_t, std::uint64_t> confirmations GUARDED_BY(mutex);
-    std::map<std::string, std::uint64_t, std::less<>> logMessages GUARDED_BY(mutex);
+    std::map<std::pair<std::string, std::string>, std::uint64_t> logMessages GUARDED_BY(mutex);
+    std::map<std::string, double> importSeconds GUARDED_BY(mutex);  ///< by target system
 };
 
 }  // namespace hmi

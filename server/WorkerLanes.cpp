@@ -16,7 +16,9 @@ struct WorkerLanes::Threads {
 
 WorkerLanes::WorkerLanes() : threads(std::make_unique<Threads>()) {}
 
-WorkerLanes::~WorkerLanes() { join(); }
+WorkerLanes::~WorkerLanes() {
+    join();
+}
 
 void WorkerLanes::run(Lane lane, std::function<void()> work) {
     switch (lane) {

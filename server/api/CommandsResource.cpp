@@ -60,11 +60,10 @@ Response CommandsResource::handle(const Request& request) {
         return Response::error(500, answer->text().view(), answer->result());
     json::array results;
     for (auto command = commands.begin_vector(); command != commands.end_vector(); ++command) {
-        results.emplace_back(json::object{
-            {"command", toJson(std::string_view(command->name()))},
-            {"extensionResult", command->extension_result()},
-            {"resultString", toJson(command->result().text().view())},
-            {"readValue", toJson(command->read_value())}});
+        results.emplace_back(json::object{{"command", toJson(std::string_view(command->name()))},
+                                          {"extensionResult", command->extension_result()},
+                                          {"resultString", toJson(command->result().text().view())},
+                                          {"readValue", toJson(command->read_value())}});
     }
     return Response::json(std::move(results));
 }

@@ -48,7 +48,9 @@ Response ConfigResource::set(const Request& request) {
     }
 }
 
-Response ConfigResource::erase(const Request& request) { return change(request, std::nullopt); }
+Response ConfigResource::erase(const Request& request) {
+    return change(request, std::nullopt);
+}
 
 Response ConfigResource::change(const Request& request, std::optional<json::value> value) {
     const ConfigurationPath path = pathOf(request);
@@ -61,8 +63,8 @@ Response ConfigResource::change(const Request& request, std::optional<json::valu
         if (answer.succeeded())
             return Response::json({{"result", 0}});
         const auto reason = answer.text().view();
-        return Response::error(
-            422, reason.empty() ? "the extension refused the change" : reason, answer.result());
+        return Response::error(422, reason.empty() ? "the extension refused the change" : reason,
+                               answer.result());
     } catch (const ConfigurationError& error) {
         throw RequestError(400, error.what());
     }

@@ -103,10 +103,10 @@ EventSearch::Result EventSearch::searchText(const EventBook& book,
 EventTexts EventSearch::localize(const EventRecord& event, ExtensionCalls& extension) const {
     if (locale.empty())
         return {};
-    const auto texts = extension.localize(event, locale);
+    auto texts = extension.localize(event, locale);
     if (!texts || texts->result != ErrorValue::success)
         return {ErrorValue::request_failed, {}, {}};
-    return *texts;
+    return std::move(*texts);
 }
 
 }  // namespace hmi

@@ -1,5 +1,6 @@
 #include "server/api/MetricsResource.h"
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -49,6 +50,10 @@ void collect(Families& families, const std::string& target, const Value& fields)
     }
 }
 
+double number(std::size_t count) {
+    return static_cast<double>(count);
+}
+
 Value diagnose(ExtensionCalls& extension) {
     CommandGroup commands({Command("Diagnostics", "Diagnostics")});
     const auto answer = extension.handle(commands);
@@ -78,22 +83,16 @@ Response MetricsResource::read() {
 
 void MetricsResource::writeEvents(PrometheusText& text) const {
     const auto targets = book.countsByTarget();
-    const auto write = [&](const char* name, const char* help,
-                           std::initializer_list<std::pair<const char*, std::size_t TargetCounts::*>>
-                               parts,
-                           const char* label) {
-        text.family(name, "gauge", help);
-        for (const auto& [target, counts] : targets) {
-            for (const auto& [part, member] : parts)
-                text.sample({{"target", target}, {label, part}},
-                            static_cast<double>(counts.*member));
-        }
-    };
-    write("hmi_events", "Events in the list.",
-          {{"alarm", &TargetCounts::alarms}, {"message", &TargetCounts::messages}}, "kind");
-    write("hmi_alarms", "Alarms in the list that ask for attention.",
-          {{"active", &TargetCounts::active}, {"unconfirmed", &TargetCounts::unconfirmed}},
-          "state");
+    text.family("hmi_events", "gauge", "Events in the list.");
+    for (const auto& [target, counts] : targets) {
+        text.sample({{"target", target}, {"kind", "alarm"}}, number(counts.alarms));
+        text.sample({{"target", target}, {"kind", "message"}}, number(counts.messages));
+    }
+    text.family("hmi_alarms", "gauge", "Alarms in the list that ask for attention.");
+    for (const auto& [target, counts] : targets) {
+        text.sample({{"target", target}, {"state", "active"}}, number(counts.active));
+        text.sample({{"target", target}, {"state", "unconfirmed"}}, number(counts.unconfirmed));
+    }
 }
 
 void MetricsResource::writeTargets(PrometheusText& text) {

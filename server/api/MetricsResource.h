@@ -1,8 +1,5 @@
 #pragma once
 
-#include <cstdint>
-#include <functional>
-
 #include "server/Metrics.h"
 #include "server/PrometheusText.h"
 #include "server/events/EventBook.h"

@@ -19,9 +19,15 @@ Fault expect(bool (*is)(const json::value&), const json::object& object, std::st
     return prefix + std::string(name) + ": not a " + what;
 }
 
-bool isString(const json::value& value) { return value.is_string(); }
-bool isBool(const json::value& value) { return value.is_bool(); }
-bool isNumber(const json::value& value) { return value.is_number(); }
+bool isString(const json::value& value) {
+    return value.is_string();
+}
+bool isBool(const json::value& value) {
+    return value.is_bool();
+}
+bool isNumber(const json::value& value) {
+    return value.is_number();
+}
 
 Fault entryFault(std::string_view name, const json::value& entry) {
     const std::string path = "TARGET_SYSTEMS." + std::string(name);

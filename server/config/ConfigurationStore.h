@@ -34,8 +34,9 @@ public:
 
     /// Sets the value at the path, or deletes it when there is none, and asks `accept`, which
     /// already reads the new state; called with no lock held. If accepted the file is written,
-    /// otherwise the former state comes back. Throws ConfigurationError before `accept` is asked,
-    /// and std::system_error when the file cannot be written.
+    /// otherwise the former state comes back. Throws ConfigurationError, or std::system_error
+    /// when there is no room for the new file, before `accept` is asked; std::system_error also
+    /// when the file cannot take its place afterwards: then the change is in force, but not kept.
     ZrHmiSrv::ResultPair change(const ConfigurationPath& path,
                                 std::optional<boost::json::value> value,
                                 const std::function<ZrHmiSrv::ResultPair()>& accept);

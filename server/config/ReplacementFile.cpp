@@ -22,12 +22,20 @@ namespace {
 }
 
 #ifdef _WIN32
-std::FILE* openForWriting(const fs::path& file) { return _wfopen(file.c_str(), L"wb"); }
-int flushToDisk(std::FILE* file) { return _commit(_fileno(file)); }
+std::FILE* openForWriting(const fs::path& file) {
+    return _wfopen(file.c_str(), L"wb");
+}
+int flushToDisk(std::FILE* file) {
+    return _commit(_fileno(file));
+}
 void flushDirectory(const fs::path&) noexcept {}
 #else
-std::FILE* openForWriting(const fs::path& file) { return std::fopen(file.c_str(), "wb"); }
-int flushToDisk(std::FILE* file) { return fsync(fileno(file)); }
+std::FILE* openForWriting(const fs::path& file) {
+    return std::fopen(file.c_str(), "wb");
+}
+int flushToDisk(std::FILE* file) {
+    return fsync(fileno(file));
+}
 /// Without it the new name might not survive a power failure.
 void flushDirectory(const fs::path& directory) noexcept {
     const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY);
@@ -42,9 +50,8 @@ void writeDurably(const fs::path& file, std::string_view content) {
     std::FILE* const stream = openForWriting(file);
     if (!stream)
         throwLastError(file);
-    const bool written =
-        std::fwrite(content.data(), 1, content.size(), stream) == content.size() &&
-        std::fflush(stream) == 0 && flushToDisk(stream) == 0;
+    const bool written = std::fwrite(content.data(), 1, content.size(), stream) == content.size() &&
+                         std::fflush(stream) == 0 && flushToDisk(stream) == 0;
     const int reason = errno;
     if (std::fclose(stream) == 0 && written)
         return;
@@ -54,7 +61,9 @@ void writeDurably(const fs::path& file, std::string_view content) {
     throwLastError(file);
 }
 
-fs::path besideOf(fs::path file) { return file += ".new"; }
+fs::path besideOf(fs::path file) {
+    return file += ".new";
+}
 
 }  // namespace
 

@@ -24,8 +24,8 @@ EventRecordPtr changed(const EventStore& store, const Alarm& alarm, bool ended) 
 }
 
 EventRecordPtr takeOut(EventStore& store, const EventRecord& dropped) {
-    EventRecordPtr held = dropped.kind == EventKind::alarm ? store.find(dropped.id)
-                                                           : store.findSame(dropped);
+    EventRecordPtr held =
+        dropped.kind == EventKind::alarm ? store.find(dropped.id) : store.findSame(dropped);
     if (held)
         store.erase(held->id);
     return held;
@@ -34,20 +34,26 @@ EventRecordPtr takeOut(EventStore& store, const EventRecord& dropped) {
 }  // namespace
 
 void EventBook::raise(Alarm alarm) {
-    const auto event = std::make_shared<const EventRecord>(EventContent{std::move(alarm), {}}, ++arrivals);
+    const auto event =
+        std::make_shared<const EventRecord>(EventContent{std::move(alarm), {}}, ++arrivals);
     Lock lock(mutex);
     insert(event, ChangeType::raised);
 }
 
 void EventBook::add(Message message) {
-    const auto event = std::make_shared<const EventRecord>(EventContent{std::move(message), {}}, ++arrivals);
+    const auto event =
+        std::make_shared<const EventRecord>(EventContent{std::move(message), {}}, ++arrivals);
     Lock lock(mutex);
     insert(event, ChangeType::message);
 }
 
-void EventBook::update(Alarm alarm) { change(alarm, ChangeType::updated); }
+void EventBook::update(Alarm alarm) {
+    change(alarm, ChangeType::updated);
+}
 
-void EventBook::end(Alarm alarm) { change(alarm, ChangeType::removed); }
+void EventBook::end(Alarm alarm) {
+    change(alarm, ChangeType::removed);
+}
 
 void EventBook::insert(const EventRecordPtr& event, ChangeType type) {
     current.insert(event);

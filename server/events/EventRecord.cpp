@@ -21,7 +21,9 @@ const Event& baseOf(const EventContent& content) {
     return std::visit([](const auto& event) -> const Event& { return event; }, content.event);
 }
 
-const Alarm* alarmOf(const EventContent& content) { return std::get_if<Alarm>(&content.event); }
+const Alarm* alarmOf(const EventContent& content) {
+    return std::get_if<Alarm>(&content.event);
+}
 
 std::optional<EventContent> contentOf(const Value& value, Timestamp received) {
     if (value.type() == ValueType::alarm)
@@ -59,8 +61,9 @@ bool isUnconfirmed(const EventContent& content) {
 }
 
 std::uint32_t severityOf(const EventContent& content) {
-    return std::visit([](const auto& event) { return static_cast<std::uint32_t>(event.severity()); },
-                      content.event);
+    return std::visit(
+        [](const auto& event) { return static_cast<std::uint32_t>(event.severity()); },
+        content.event);
 }
 
 std::size_t hashOfMessage(const EventContent& content, Timestamp received) {
@@ -91,7 +94,9 @@ EventRecord::EventRecord(EventContent from, std::uint64_t arrival, bool ended)
       target(toValidUtf8(stringParameter("targetName"))),
       contentHash(hashOfMessage(content, position.time)) {}
 
-const Event& EventRecord::event() const noexcept { return baseOf(content); }
+const Event& EventRecord::event() const noexcept {
+    return baseOf(content);
+}
 
 std::string_view EventRecord::stringParameter(const char* name) const {
     const Value* const value = event().payload().lookup(name);

@@ -58,8 +58,9 @@ struct EventRecord {
     EventLife life;
     bool unconfirmed;
     std::uint32_t severity;
-    std::string target;       ///< empty when the event names none
-    std::size_t contentHash;  ///< of a message: equal for messages that are the same to the extension
+    std::string target;  ///< empty when the event names none
+    std::size_t
+        contentHash;  ///< of a message: equal for messages that are the same to the extension
 };
 
 using EventRecordPtr = std::shared_ptr<const EventRecord>;

@@ -61,9 +61,8 @@ private:
     };
     /// Ordered by one property, and within it as the list is.
     template <class Tag, auto Facet>
-    using FacetIndex =
-        boost::multi_index::ranked_unique<boost::multi_index::tag<Tag>,
-                                          typename FacetOf<Facet>::Key>;
+    using FacetIndex = boost::multi_index::ranked_unique<boost::multi_index::tag<Tag>,
+                                                         typename FacetOf<Facet>::Key>;
     struct ById {};
     struct ByPosition {};
     struct ByTarget {};
@@ -79,7 +78,8 @@ private:
                 boost::multi_index::member<EventRecord, const EventId, &EventRecord::id>>,
             boost::multi_index::ranked_unique<
                 boost::multi_index::tag<ByPosition>,
-                boost::multi_index::member<EventRecord, const EventPosition, &EventRecord::position>>,
+                boost::multi_index::member<EventRecord, const EventPosition,
+                                           &EventRecord::position>>,
             FacetIndex<ByTarget, &EventRecord::target>, FacetIndex<ByKind, &EventRecord::kind>,
             FacetIndex<ByLife, &EventRecord::life>,
             FacetIndex<ByConfirmation, &EventRecord::unconfirmed>,

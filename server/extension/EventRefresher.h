@@ -29,8 +29,7 @@ private:
     void run();
     bool awaitRequest();
     void refresh();
-    void replace_events(const char* target_name,
-                        std::span<const ZrHmiSrv::Event> events) override;
+    void replace_events(const char* target_name, std::span<const ZrHmiSrv::Event> events) override;
 
     EventBook& book;
     ExtensionCalls& extension;

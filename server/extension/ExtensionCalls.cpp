@@ -48,9 +48,8 @@ std::optional<EventTexts> ExtensionCalls::localize(const EventRecord& event,
     LocalizedEvent item(event);
     ZrHmiSrv::String text;
     const ZrHmiSrv::Context client(context.domain(), ZrHmiSrv::Session(locale.c_str()));
-    const auto answer = guarded([&] {
-        return ResultPair(listener->localize_event(client, locale.c_str(), item, text));
-    });
+    const auto answer = guarded(
+        [&] { return ResultPair(listener->localize_event(client, locale.c_str(), item, text)); });
     return EventTexts{answer->result(), text.name(), std::move(item.parameters())};
 }
 

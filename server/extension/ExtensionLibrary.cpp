@@ -31,8 +31,8 @@ ExtensionLibrary::ExtensionLibrary(const std::filesystem::path& file,
         throw StartError(file.string() + ": cannot be loaded: " + error.message());
     if (!library->file.has("ext_interface"))
         throw StartError(file.string() + ": no extension, it does not export ext_interface");
-    const auto create = library->file.get<std::remove_pointer_t<ZrHmiSrv::ExtInterface>>(
-        "ext_interface");
+    const auto create =
+        library->file.get<std::remove_pointer_t<ZrHmiSrv::ExtInterface>>("ext_interface");
     ZrHmiSrv::IZrHmiSrvExt* created = nullptr;
     double version = 0;
     const int answer = create(&host, &created, &version);

@@ -35,7 +35,7 @@ void Host::writeLog(Message message) {
     if (isLogged(LogLevel::debug))
         log(LogLevel::debug, std::string(message.name().view()) + " " +
                                  boost::json::serialize(toJson(message.parameters())));
-    to.metrics.countLogMessage(message.name().view());
+    to.metrics.countLogMessage(message);
     to.log.add(std::move(message));
 }
 

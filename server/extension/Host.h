@@ -29,9 +29,9 @@ public:
 
     ZrHmiSrv::ResultPair send_message(const ZrHmiSrv::Context& context, ZrHmiSrv::Message& message,
                                       bool publish) override;
-    ZrHmiSrv::ResultPair register_listener_with_settings(
-        const ZrHmiSrv::Context& context, ZrHmiSrv::IZrHmiSrvListener* listener,
-        const ZrHmiSrv::Value& settings) override;
+    ZrHmiSrv::ResultPair register_listener_with_settings(const ZrHmiSrv::Context& context,
+                                                         ZrHmiSrv::IZrHmiSrvListener* listener,
+                                                         const ZrHmiSrv::Value& settings) override;
     ZrHmiSrv::ResultPair register_listener(const ZrHmiSrv::Context& context,
                                            ZrHmiSrv::IZrHmiSrvListener* listener) override;
     ZrHmiSrv::ResultPair unregister_listener(const ZrHmiSrv::Context& context,

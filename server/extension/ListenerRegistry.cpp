@@ -10,8 +10,8 @@ using ZrHmiSrv::ListenerType;
 bool ListenerRegistry::add(IZrHmiSrvListener* listener, ZrHmiSrv::Value settings) {
     if (!listener)
         return false;
-    auto added = std::make_shared<Entry>(
-        Entry{listener, listener->type(), std::move(settings), {}});
+    auto added =
+        std::make_shared<Entry>(Entry{listener, listener->type(), std::move(settings), {}});
     Lock lock(mutex);
     for (const auto& entry : entries) {
         if (entry->type == added->type)

@@ -81,7 +81,8 @@ private:
     void leave(Entry& entry) noexcept;
     void removeAt(std::size_t index, Lock<Mutex>& lock) REQUIRES(mutex);
 
-    Mutex mutex;  ///< guards the list and the callers of its entries; short, nothing called under it
+    Mutex
+        mutex;  ///< guards the list and the callers of its entries; short, nothing called under it
     std::condition_variable_any callEnded;
     std::vector<std::shared_ptr<Entry>> entries GUARDED_BY(mutex);
 };

@@ -31,8 +31,10 @@ boost::dll::shared_library open(const std::filesystem::path& extension) {
 template <class Function>
 Function* find(const boost::dll::shared_library& library, const char* name) {
     if (!library.has(name))
-        throw StartError("--plant needs the stand-in of the proxy library; the one that is "
-                         "installed has no " + std::string(name));
+        throw StartError(
+            "--plant needs the stand-in of the proxy library; the one that is "
+            "installed has no " +
+            std::string(name));
     return &library.get<Function>(name);
 }
 
@@ -79,7 +81,8 @@ void SimulatorControl::loadPlant(const std::filesystem::path& file) {
     if (taken.status == 200)
         return;
     const boost::json::value body = parseJson(taken.body);
-    const boost::json::value* const reason = body.is_object() ? body.as_object().if_contains("error") : nullptr;
+    const boost::json::value* const reason =
+        body.is_object() ? body.as_object().if_contains("error") : nullptr;
     throw StartError(file.string() + ": " +
                      (reason && reason->is_string() ? std::string(reason->get_string())
                                                     : "refused by the simulator"));

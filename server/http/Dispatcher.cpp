@@ -55,8 +55,8 @@ void Dispatcher::dispatch(Request request, std::string_view target, Reply reply)
     });
 }
 
-bool Dispatcher::allowsStream(Request request, std::string_view target) const {
-    return target == "/api/stream" && policy.allows(request);
+bool Dispatcher::isStream(std::string_view target) {
+    return target.substr(0, target.find('?')) == "/api/stream";
 }
 
 std::uint64_t Dispatcher::bodyLimit(std::string_view target) {

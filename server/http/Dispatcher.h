@@ -21,8 +21,9 @@ public:
     /// Called on the I/O thread with a target that is not yet decoded; replies once, from any
     /// thread, possibly before this returns.
     void dispatch(Request request, std::string_view target, Reply reply);
-    /// Whether a client may follow the stream at this target.
-    bool allowsStream(Request request, std::string_view target) const;
+    static bool isStream(std::string_view target);
+    /// Whether the client that asks may follow the stream.
+    bool allowsStream(const Request& request) const { return policy.allows(request); }
     /// The largest body that a target takes, in bytes.
     static std::uint64_t bodyLimit(std::string_view target);
 

@@ -8,7 +8,9 @@ namespace hmi {
 
 namespace {
 
-bool isDigitOrDot(char c) { return (c >= '0' && c <= '9') || c == '.'; }
+bool isDigitOrDot(char c) {
+    return (c >= '0' && c <= '9') || c == '.';
+}
 
 /// Numbers lead to no foreign name. A bracket starts an address of IP version 6.
 bool isNumeric(std::string_view name) {
@@ -18,8 +20,7 @@ bool isNumeric(std::string_view name) {
 std::string_view withoutPort(std::string_view host) {
     const auto colon = host.rfind(':');
     const auto bracket = host.rfind(']');
-    if (colon == std::string_view::npos ||
-        (bracket != std::string_view::npos && colon < bracket))
+    if (colon == std::string_view::npos || (bracket != std::string_view::npos && colon < bracket))
         return host;
     return host.substr(0, colon);
 }

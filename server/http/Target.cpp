@@ -90,9 +90,8 @@ Target Target::parse(std::string_view text) {
         throw RequestError(400, "the address does not start with a slash");
     Target target;
     const auto mark = std::min(text.find('?'), text.size());
-    forEachPart(text.substr(1, mark - 1), '/', [&](std::string_view part) {
-        target.path.push_back(decode(part, false));
-    });
+    forEachPart(text.substr(1, mark - 1), '/',
+                [&](std::string_view part) { target.path.push_back(decode(part, false)); });
     if (mark > 1 && text[mark - 1] == '/')
         target.path.emplace_back();
     forEachPart(text.substr(std::min(mark + 1, text.size())), '&', [&](std::string_view part) {

@@ -25,7 +25,9 @@ constexpr Unit units[] = {{'W', 7 * 86400 * second, false},
                           {'M', 60 * second, true},
                           {'S', second, true}};
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 /// Takes the digits at the front of `text`. Nothing if there are none or more than 64 bits hold.
 std::optional<std::int64_t> takeNumber(std::string_view& text) {

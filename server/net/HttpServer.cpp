@@ -34,9 +34,13 @@ public:
         context->connections.onEnd([this] { accept(); });
     }
 
-    ~Acceptor() { context->connections.onEnd([] {}); }
+    ~Acceptor() {
+        context->connections.onEnd([] {});
+    }
 
-    tcp::endpoint endpoint() const { return socket.local_endpoint(); }
+    tcp::endpoint endpoint() const {
+        return socket.local_endpoint();
+    }
 
     void start() {
         asio::post(io, [this] {
@@ -119,8 +123,12 @@ std::string HttpServer::url() const {
     return text.str();
 }
 
-void HttpServer::start() { acceptor->start(); }
+void HttpServer::start() {
+    acceptor->start();
+}
 
-void HttpServer::stop() { acceptor->stop(); }
+void HttpServer::stop() {
+    acceptor->stop();
+}
 
 }  // namespace hmi

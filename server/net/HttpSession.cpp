@@ -49,7 +49,9 @@ std::string fieldOf(const http::fields& fields, http::field name) {
 }  // namespace
 
 HttpSession::HttpSession(asio::ip::tcp::socket socket, std::shared_ptr<SessionContext> shared)
-    : Connection(SessionContext::connectionsOf(shared)), context(std::move(shared)), stream(std::move(socket)) {}
+    : Connection(SessionContext::connectionsOf(shared)),
+      context(std::move(shared)),
+      stream(std::move(socket)) {}
 
 void HttpSession::close() {
     closing = true;
@@ -63,10 +65,9 @@ void HttpSession::readRequest() {
     parser->header_limit(headerLimit);
     parser->body_limit(boost::none);  // known when the target is
     stream.expires_after(buffer.size() == 0 ? idleTimeout : requestTimeout);
-    http::async_read_header(stream, buffer, *parser,
-                            [self = shared_from_this()](Error error, std::size_t) {
-                                self->onHeader(error);
-                            });
+    http::async_read_header(
+        stream, buffer, *parser,
+        [self = shared_from_this()](Error error, std::size_t) { self->onHeader(error); });
 }
 
 void HttpSession::onHeader(Error error) {
@@ -92,16 +93,15 @@ void HttpSession::sendContinue() {
 }
 
 void HttpSession::readBody() {
-    http::async_read(stream, buffer, *parser,
-                     [self = shared_from_this()](Error error, std::size_t) {
-                         self->onBody(error);
-                     });
+    http::async_read(
+        stream, buffer, *parser,
+        [self = shared_from_this()](Error error, std::size_t) { self->onBody(error); });
 }
 
 void HttpSession::onBody(Error error) {
     if (error)
         return onReadFailed(error);
-    if (beast::websocket::is_upgrade(parser->get()) && parser->get().target() == "/api/stream")
+    if (beast::websocket::is_upgrade(parser->get()) && Dispatcher::isStream(parser->get().target()))
         return follow();
     serve();
 }
@@ -111,8 +111,8 @@ void HttpSession::onReadFailed(Error error) {
         return send(Response::error(431, "the header is too long"), false);
     if (error == http::error::body_limit)
         return send(Response::error(413, "the body is too long"), false);
-    if (error == http::error::end_of_stream || error.category() != make_error_code(
-            http::error::end_of_stream).category())
+    if (error == http::error::end_of_stream ||
+        error.category() != make_error_code(http::error::end_of_stream).category())
         return;  // the client has gone, or was too slow
     send(Response::error(400, "not an HTTP request"), false);
 }
@@ -129,18 +129,18 @@ Request HttpSession::takeRequest() {
 
 void HttpSession::serve() {
     stream.expires_never();
-    const bool keepAlive = parser->get().keep_alive();
-    context->dispatcher.dispatch(
-        takeRequest(), std::string(parser->get().target()),
-        [self = shared_from_this(), keepAlive](Response reply) {
-            asio::post(self->stream.get_executor(), [self, keepAlive, reply = std::move(reply)] {
-                self->send(reply, keepAlive);
-            });
-        });
+    const auto self = shared_from_this();
+    const auto reply = [self, keepAlive = parser->get().keep_alive()](Response answer) {
+        asio::post(self->stream.get_executor(),
+                   [self, keepAlive, answer = std::move(answer)]() mutable {
+                       self->send(std::move(answer), keepAlive);
+                   });
+    };
+    context->dispatcher.dispatch(takeRequest(), std::string(parser->get().target()), reply);
 }
 
 void HttpSession::follow() {
-    if (!context->dispatcher.allowsStream(takeRequest(), parser->get().target()))
+    if (!context->dispatcher.allowsStream(takeRequest()))
         return send(Response::error(403, "not for pages of another origin"), false);
     stream.expires_never();
     std::make_shared<StreamSession>(std::move(stream), context)->accept(parser->release());

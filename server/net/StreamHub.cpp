@@ -20,8 +20,9 @@ void StreamHub::post(Change change) noexcept {
             waiting.push_back(std::move(change));
         else
             overflown = true;
-        if (!std::exchange(scheduled, true))
+        if (!scheduled)
             boost::asio::post(io, [this] { drain(); });
+        scheduled = true;
     } catch (const std::exception&) {
         overflown = true;
     }

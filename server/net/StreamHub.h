@@ -50,9 +50,9 @@ private:
     boost::asio::io_context& io;
     Metrics& metrics;
     std::set<std::shared_ptr<IStreamClient>> clients;  // I/O thread only
-    Mutex mutex;  ///< guards all below; short, taken last
-    bool followed GUARDED_BY(mutex) = false;    ///< whether there are clients
-    bool scheduled GUARDED_BY(mutex) = false;   ///< whether `drain` is going to run
+    Mutex mutex;                                       ///< guards all below; short, taken last
+    bool followed GUARDED_BY(mutex) = false;           ///< whether there are clients
+    bool scheduled GUARDED_BY(mutex) = false;          ///< whether `drain` is going to run
     bool overflown GUARDED_BY(mutex) = false;
     std::deque<Change> waiting GUARDED_BY(mutex);
 };

@@ -16,7 +16,9 @@ constexpr std::size_t maxReceivedBytes = 4 << 10;
 }  // namespace
 
 StreamSession::StreamSession(beast::tcp_stream from, std::shared_ptr<SessionContext> shared)
-    : Connection(SessionContext::connectionsOf(shared)), context(std::move(shared)), stream(std::move(from)) {
+    : Connection(SessionContext::connectionsOf(shared)),
+      context(std::move(shared)),
+      stream(std::move(from)) {
     stream.set_option(websocket::stream_base::timeout::suggested(beast::role_type::server));
     stream.read_message_max(maxReceivedBytes);
     stream.text(true);
@@ -27,9 +29,8 @@ void StreamSession::accept(beast::http::request<beast::http::string_body> upgrad
     // Before the client learns that it is accepted: what it reads of the list from then on and
     // what it is told must leave no gap.
     context->hub.join(shared_from_this());
-    stream.async_accept(request, [self = shared_from_this()](beast::error_code error) {
-        self->onAccepted(error);
-    });
+    stream.async_accept(
+        request, [self = shared_from_this()](beast::error_code error) { self->onAccepted(error); });
 }
 
 void StreamSession::onAccepted(beast::error_code error) {

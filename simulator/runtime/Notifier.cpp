@@ -21,25 +21,16 @@ bool Notifier::open(std::shared_ptr<Connection> connection) {
 }
 
 void Notifier::close(Connection& connection) {
-    std::deque<Delivery> before;  // what is dropped is destroyed after the lock
     Lock lock(mutex);
     connection.open = false;
     std::erase_if(opened, [&](const auto& candidate) { return candidate.get() == &connection; });
-    before.swap(queue);
-    for (auto& next : before) {
-        if (next.connection.get() != &connection)
-            queue.push_back(std::move(next));
-    }
 }
 
 void Notifier::closeAll() {
-    std::deque<Delivery> dropped;  // destroyed after the lock, as are the connections
-    std::vector<std::shared_ptr<Connection>> closed;
     Lock lock(mutex);
     for (const auto& connection : opened)
         connection->open = false;
-    closed.swap(opened);
-    dropped.swap(queue);
+    opened.clear();
 }
 
 std::vector<std::shared_ptr<Connection>> Notifier::connections() {

@@ -19,7 +19,7 @@ public:
 
     /// False after `stop`.
     bool open(std::shared_ptr<Connection> connection);
-    /// Drops what was not delivered; does not wait for a running notification.
+    /// What was not delivered to it is lost; does not wait for a running notification.
     void close(Connection& connection);
     void closeAll();
     std::vector<std::shared_ptr<Connection>> connections();

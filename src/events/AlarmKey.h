@@ -8,7 +8,6 @@
 
 #include "events/ProxyValue.h"
 #include "host/Time.h"
-#include "target/proxy/ComPtr.h"
 #include "target/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
@@ -27,7 +26,7 @@ AlarmKey alarmKeyOf(Source& source) {
     using ZrEventLoggerFnxProxyLib::IZrEvent;
     using ZrEventLoggerFnxProxyLib::IZrEventInstance;
     AlarmKey key{toTimestamp(readValue(source, &IZrEvent::get_TimeRaised)), {}};
-    if (const auto instance = ZrAtlCom::ComPtr<Source>(&source).template query<IZrEventInstance>())
+    if (const auto instance = optionalInterface<IZrEventInstance>(source))
         key.number = readValue(*instance, &IZrEventInstance::get_InstanceId);
     return key;
 }

@@ -8,12 +8,10 @@
 #include "events/ProxyValue.h"
 #include "platform/Text.h"
 #include "target/proxy/CAtlException.h"
-#include "target/proxy/ComPtr.h"
 #include "target/proxy/Guid.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;
-using ZrAtlCom::ComPtr;
 using ZrAtlCom::guidText;
 using ZrHmiSrv::Binary;
 using ZrHmiSrv::Text;
@@ -90,7 +88,7 @@ template <class LiveEvent>
 void addArguments(Value& parameters, LiveEvent& source) {
     const ULONG count = readValue(source, &LiveEvent::get_ArgumentCount);
     parameters.insert(keys::numArguments, static_cast<double>(count));
-    const auto arguments = ComPtr<LiveEvent>(&source).template query<IZrEventArguments>();
+    const auto arguments = optionalInterface<IZrEventArguments>(source);
     if (!arguments)
         return;
     const ArgumentBlockLayout layout = readLayout(*arguments);
@@ -101,7 +99,7 @@ void addArguments(Value& parameters, LiveEvent& source) {
 
 /// A logged event says so only through its argument block.
 void addArguments(Value& parameters, IZrLoggedEvent& source) {
-    const auto arguments = ComPtr<IZrLoggedEvent>(&source).query<IZrEventArguments>();
+    const auto arguments = optionalInterface<IZrEventArguments>(source);
     if (!arguments) {
         parameters.insert(keys::numArguments, 0);
         return;
@@ -128,7 +126,7 @@ Value parametersOf(Source& source, const Text& targetName) {
     if (hasSource(source, SourceAttribute::guid))
         parameters.insert(keys::sourceGuid,
                           Text(guidText(readValue(source, &IZrEvent::get_SourceGuid))));
-    if (const auto json = ComPtr<Source>(&source).template query<IZrJsonAttribute>())
+    if (const auto json = optionalInterface<IZrJsonAttribute>(source))
         parameters.insert(keys::jsonAttribute,
                           readText(*json, &IZrJsonAttribute::get_JsonAttribute));
     addArguments(parameters, source);

@@ -21,8 +21,9 @@ EventStore::EventStore(const EventContext& context) : context(context) {
 }
 
 void EventStore::collectEvictions() {
+    // Runs inside the container only, and so under storeMutex.
     events->setEvictionCallback(
-        [&into = evicted](std::int64_t, Event event) { into.push_back(std::move(event)); });
+        [into = &evicted](std::int64_t, Event event) { into->push_back(std::move(event)); });
 }
 
 void EventStore::publish() {

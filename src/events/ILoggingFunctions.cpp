@@ -2,7 +2,8 @@
 
 namespace ZrHmiEventLogger {
 
-void reportCurrentException(ILoggingFunctions& logging, const ZrHmiSrv::Text& targetName) {
+void reportCurrentException(ILoggingFunctions& logging,
+                            const ZrHmiSrv::Text& targetName) noexcept try {
     try {
         throw;
     } catch (const std::exception& exception) {
@@ -10,6 +11,7 @@ void reportCurrentException(ILoggingFunctions& logging, const ZrHmiSrv::Text& ta
     } catch (...) {
         logging.reportCommunicationError(targetName);
     }
+} catch (...) {
 }
 
 }  // namespace ZrHmiEventLogger

@@ -1,5 +1,7 @@
 #include "events/ImportSnapshot.h"
 
+#include <algorithm>
+
 #include "events/Conversion.h"
 #include "events/ProxyValue.h"
 
@@ -21,9 +23,14 @@ void forEach(IZrCollection<Item>& collection, Visit visit) {
 }
 
 bool isStillActive(const ComPtr<IZrLoggedEvent>& item) {
-    const auto extended = item.query<IZrLoggedEvent2>();
+    const auto extended = optionalInterface<IZrLoggedEvent2>(*item);
     return extended && readValue(*item, &IZrLoggedEvent::get_EventType) == LoggedEventType::alarm &&
            readValue(*extended, &IZrLoggedEvent2::get_IsActive) == VARIANT_TRUE;
+}
+
+bool isSameEvent(IZrEvent& a, IZrEvent& b) {
+    return readValue(a, &IZrEvent::get_EventId) == readValue(b, &IZrEvent::get_EventId) &&
+           readValue(a, &IZrEvent::get_EventClass) == readValue(b, &IZrEvent::get_EventClass);
 }
 
 }  // namespace
@@ -111,9 +118,16 @@ void ImportSnapshot::build() {
 std::vector<ImportSnapshot::Skipped> ImportSnapshot::unlisted() const {
     std::vector<Skipped> missing;
     for (const Skipped& entry : skipped)
-        if (!activeKeys.contains(entry.key))
+        if (!activeKeys.contains(entry.key) && !wasRaisedAgain(entry))
             missing.push_back(entry);
     return missing;
+}
+
+/// The active list may hold the alarm under a later time than the log did.
+bool ImportSnapshot::wasRaisedAgain(const Skipped& entry) const {
+    return entry.key.number && std::any_of(active.begin(), active.end(), [&](const Active& other) {
+               return other.key.number == entry.key.number && isSameEvent(*other.source, *entry.item);
+           });
 }
 
 }  // namespace ZrHmiEventLogger

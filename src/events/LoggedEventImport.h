@@ -24,8 +24,9 @@ public:
         : context(context), store(store), notifications(notifications), lifecycle(lifecycle) {}
 
     /// Throws what the proxy threw. The store is then what it was, or the rebuilt one when only
-    /// the replay failed; the notifications that were recorded are gone. Called with no lock held.
-    ImportResultPtr run(Logger& logger) EXCLUDES(importMutex);
+    /// the replay failed; the notifications that were recorded are gone. One import at a time,
+    /// called with no lock held that a notification takes.
+    ImportResultPtr run(Logger& logger) EXCLUDES(notifications.sinkMutex);
 
 private:
     using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
@@ -42,9 +43,7 @@ private:
     EventStore& store;
     NotificationRecorder& notifications;
     AlarmLifecycle& lifecycle;
-    /// One import at a time. Taken before sinkMutex.
-    Mutex importMutex;
-    std::uint64_t completedImports GUARDED_BY(importMutex) = 0;
+    std::uint64_t completedImports = 0;
 };
 
 }  // namespace ZrHmiEventLogger

@@ -25,6 +25,21 @@ ZrAtlCom::ComPtr<Object> receiveObject(Call call) {
     return object;
 }
 
+/// The interface of an object that need not have it; empty when it has not. Not to get to know
+/// that is a failure like any other.
+template <class Interface, class Object>
+ZrAtlCom::ComPtr<Interface> optionalInterface(Object& object) {
+    void* found = nullptr;
+    const HRESULT hr = object.QueryInterface(InterfaceId<Interface>::value(), &found);
+    if (hr == E_NOINTERFACE)
+        return {};
+    ZrAtlCom::check(hr);
+    ZrAtlCom::check(found ? S_OK : E_POINTER);
+    ZrAtlCom::ComPtr<Interface> result;
+    result.attach(static_cast<Interface*>(found));
+    return result;
+}
+
 ZrHmiSrv::Timestamp toTimestamp(FILETIME time);
 
 }  // namespace ZrHmiEventLogger

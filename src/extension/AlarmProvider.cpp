@@ -19,16 +19,25 @@ ResultPair ZrHmiEventLogger::confirm_alarm(const Context&, const Alarm& alarm) {
             return {ErrorValue::unknown_target_system, "TARGET_NOT_FOUND"};
         return target->confirm(alarm);
     } catch (...) {
+        reportCurrentException(*this, productName);
         return {ErrorValue::request_failed, "An exception was raised."};
     }
 }
 
 ResultPair ZrHmiEventLogger::provide_events(const Context&, IEventReceiver& receiver) {
     try {
-        for (const TargetSystemPointer& target : copyTargetSystems())
-            target->provideEvents(receiver);
-        return ErrorValue::success;
+        ErrorValue result = ErrorValue::success;
+        for (const TargetSystemPointer& target : copyTargetSystems()) {
+            try {
+                target->provideEvents(receiver);
+            } catch (...) {
+                reportCurrentException(*this, target->name());
+                result = ErrorValue::operation_failed;
+            }
+        }
+        return result;
     } catch (...) {
+        reportCurrentException(*this, productName);
         return ErrorValue::operation_failed;
     }
 }

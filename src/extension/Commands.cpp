@@ -28,6 +28,7 @@ ResultPair ZrHmiEventLogger::handle(const Context&, CommandGroup& commands) {
         try {
             execute(*command);
         } catch (...) {
+            reportCurrentException(*this, productName);
             answer(*command, ErrorValue::operation_failed);
         }
     }
@@ -74,8 +75,9 @@ void ZrHmiEventLogger::reportDiagnostics(Value& diagnostics) const {
 void ZrHmiEventLogger::listEnabledTargetSystems(Value& names) const {
     Value enabled(ValueType::vector);
     for (const TargetSystemPointer& target : copyTargetSystems())
-        if (!target->IsDisabled() && findTargetSystem(target->name().view()))
-            enabled << target->name();
+        if (const auto current = findTargetSystem(target->name().view());
+            current && !current->IsDisabled())
+            enabled << current->name();
     names = std::move(enabled);
 }
 

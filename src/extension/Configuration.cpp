@@ -10,13 +10,17 @@ using ZrHmiSrv::ValueType;
 
 namespace ZrHmiEventLogger {
 
+std::optional<Timespan> toTimeout(const Value* value) {
+    if (!value || value->type() != ValueType::timespan)
+        return std::nullopt;
+    return value->get_timespan();
+}
+
 TargetSystemConfiguration readTargetSystem(Text name, const Value& entry) {
     TargetSystemConfiguration target{std::move(name), {}, false};
-    const Value* address = entry.lookup("ADDRESS");
-    const Value* enabled = entry.lookup("ENABLED");
-    if (address && enabled) {
-        target.address = address->get_string();
-        target.enabled = static_cast<bool>(*enabled);
+    if (isCompleteTargetSystem(entry)) {
+        target.address = entry.lookup("ADDRESS")->get_string();
+        target.enabled = static_cast<bool>(*entry.lookup("ENABLED"));
     }
     return target;
 }
@@ -43,15 +47,12 @@ std::vector<std::string_view> splitPath(std::string_view path) {
 
 Value Configuration::read(const char* path) const {
     Value value;
-    host.read_configuration(value, context, path);
-    return value;
+    return host.read_configuration(value, context, path).succeeded() ? value : Value();
 }
 
 std::optional<Timespan> Configuration::timeout() const {
     const Value value = read("TIMEOUT");
-    if (value.type() != ValueType::timespan)
-        return std::nullopt;
-    return value.get_timespan();
+    return toTimeout(&value);
 }
 
 std::int64_t Configuration::eventLimit() const {

@@ -17,7 +17,11 @@ struct TargetSystemConfiguration {
     bool enabled = false;
 };
 
-/// An entry that lacks its address or its flag keeps an empty address and is not enabled.
+/// None when there is no value, or it is not a time span.
+std::optional<ZrHmiSrv::Timespan> toTimeout(const ZrHmiSrv::Value* value);
+
+/// An entry without an address and a flag, each of its type, keeps an empty address and is not
+/// enabled.
 TargetSystemConfiguration readTargetSystem(ZrHmiSrv::Text name, const ZrHmiSrv::Value& entry);
 /// Whether an entry is a map with an address and a flag, each of its type.
 bool isCompleteTargetSystem(const ZrHmiSrv::Value& entry);
@@ -33,7 +37,6 @@ public:
 
     /// The value of a path; without a value when the path is not set.
     ZrHmiSrv::Value read(const char* path) const;
-    /// None when it is not a time span.
     std::optional<ZrHmiSrv::Timespan> timeout() const;
     /// 0 to the largest 32-bit number; not a number counts as 0.
     std::int64_t eventLimit() const;

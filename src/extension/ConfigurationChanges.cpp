@@ -33,7 +33,7 @@ void ZrHmiEventLogger::value_set(ResultPair& result, const Context&, const char*
         result = applyTargetSystem(readTargetSystem(Text(names[1]), entry));
     } catch (...) {
         result = ErrorValue::operation_failed;
-        reportCurrentException(*this, Text(path ? path : ""));
+        reportCurrentException(*this, productName);
     }
 }
 
@@ -48,8 +48,10 @@ ResultPair ZrHmiEventLogger::applyTargetSystem(const TargetSystemConfiguration& 
         return ErrorValue::success;
 
     const TargetSystemPointer replacement = createTargetSystem(configured, *timeout, eventLimit);
-    if (const auto former = exchangeTargetSystem(configured.name.view(), replacement))
-        former->retire();
+    // Before the replacement can be found: the two are never connected at a time.
+    if (running)
+        running->retire();
+    exchangeTargetSystem(configured.name.view(), replacement);
     if (replacement->isEnabled())
         connect(*replacement);
     sendResetTemporaryEvents();
@@ -73,7 +75,7 @@ void ZrHmiEventLogger::value_deleted(ResultPair& result, const Context&, const c
         }
     } catch (...) {
         result = ErrorValue::operation_failed;
-        reportCurrentException(*this, Text(path ? path : ""));
+        reportCurrentException(*this, productName);
     }
 }
 

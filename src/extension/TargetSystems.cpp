@@ -1,4 +1,6 @@
 /// The extension's map of target systems.
+#include <utility>
+
 #include "extension/ZrHmiEventLogger.h"
 #include "target/TargetSystemPlatformSpecific.h"
 

@@ -4,8 +4,6 @@
 
 #include <boost/thread/thread.hpp>
 
-#include "target/TargetSystemPlatformSpecific.h"
-
 using ZrHmiSrv::Context;
 using ZrHmiSrv::ErrorValue;
 using ZrHmiSrv::ResultPair;
@@ -20,11 +18,12 @@ namespace {
 
 constexpr std::size_t timerPeriodMilliseconds = 500;
 constexpr std::size_t stopTimeoutMilliseconds = 5000;
-constexpr const char* productName = "Corvane EventLogger";
 /// Which changes the configuration listener is told of: the host's own numbering.
 constexpr int configurationListenerFlags = 48;
 
 }  // namespace
+
+const ZrHmiSrv::Text ZrHmiEventLogger::productName("Corvane EventLogger");
 
 ZrHmiEventLogger::ZrHmiEventLogger(ZrHmiSrv::IZrHmiSrvExtHost* host) : host(host) {}
 
@@ -39,13 +38,14 @@ ZrHmiEventLogger::~ZrHmiEventLogger() {
 ResultPair ZrHmiEventLogger::init(const Context& initContext) {
     try {
         context = initContext;
-        host->announce(context, productName);
-        if (!configuration.read("").isset()) {
+        host->announce(context, productName.c_str());
+        const Value whole = configuration.read("");
+        if (!whole.isset()) {
             stopping = true;
             stopThreading();
             return ErrorValue::invalid_configuration;
         }
-        const auto timeout = configuration.timeout();
+        const auto timeout = toTimeout(whole.lookup("TIMEOUT"));
         if (!timeout)
             return ErrorValue::initialization_failed;
 
@@ -61,6 +61,7 @@ ResultPair ZrHmiEventLogger::init(const Context& initContext) {
         registerConfigurationListener();
         return ErrorValue::success;
     } catch (...) {
+        reportCurrentException(*this, productName);
         return abandonInit();
     }
 }
@@ -82,13 +83,14 @@ void ZrHmiEventLogger::createTargetSystems(Timespan timeout) {
 void ZrHmiEventLogger::connectEnabledTargetSystems() {
     // Side by side: a target that does not answer costs its time-out once, not for each behind it.
     boost::thread_group connecting;
-    try {
-        for (const TargetSystemPointer& target : copyTargetSystems())
-            if (target->isEnabled())
-                connecting.create_thread([this, target] { connect(*target); });
-    } catch (...) {
-        connecting.join_all();
-        throw;
+    for (const TargetSystemPointer& target : copyTargetSystems()) {
+        if (!target->isEnabled())
+            continue;
+        try {
+            connecting.create_thread([this, target] { connect(*target); });
+        } catch (const boost::thread_resource_error&) {
+            connect(*target);
+        }
     }
     connecting.join_all();
 }
@@ -147,19 +149,24 @@ bool ZrHmiEventLogger::checkConnections() {
 }
 
 ResultPair ZrHmiEventLogger::shutdown(const Context&) {
+    using namespace ZrHmiSrv;
+    stopping = true;
+    unregister(static_cast<IZrHmiSrvAlarmProviderListener*>(this));
+    unregister(static_cast<IZrHmiSrvEventLocalizationListener*>(this));
+    unregister(static_cast<IZrHmiSrvShutdownListener*>(this));
+    unregister(static_cast<IZrHmiSrvRequestListener*>(this));
+    unregister(static_cast<ZrHmiSrv::ZrHmiSrvConfigListener*>(this));
+    stopThreading();
+    clearTargetSystems();
+    return ErrorValue::success;
+}
+
+void ZrHmiEventLogger::unregister(ZrHmiSrv::IZrHmiSrvListener* listener) {
     try {
-        using namespace ZrHmiSrv;
-        stopping = true;
-        host->unregister_listener(context, static_cast<IZrHmiSrvAlarmProviderListener*>(this));
-        host->unregister_listener(context, static_cast<IZrHmiSrvEventLocalizationListener*>(this));
-        host->unregister_listener(context, static_cast<IZrHmiSrvShutdownListener*>(this));
-        host->unregister_listener(context, static_cast<IZrHmiSrvRequestListener*>(this));
-        host->unregister_listener(context, static_cast<ZrHmiSrv::ZrHmiSrvConfigListener*>(this));
-        stopThreading();
-        clearTargetSystems();
-        return ErrorValue::success;
+        host->unregister_listener(context, listener);
     } catch (...) {
-        return ErrorValue::operation_failed;
+        // The rest of the shutdown does not depend on it.
+        reportCurrentException(*this, productName);
     }
 }
 

@@ -69,6 +69,8 @@ private:
     using TargetSystemPointer = std::shared_ptr<TargetSystem>;
     using TargetSystemMap = std::map<std::string, TargetSystemPointer, std::less<>>;
 
+    static const ZrHmiSrv::Text productName;
+
     // Lifecycle.
     void createTargetSystems(ZrHmiSrv::Timespan timeout);
     void connectEnabledTargetSystems();
@@ -79,6 +81,7 @@ private:
     bool checkConnections();
     void sendResetTemporaryEvents();
     ZrHmiSrv::ResultPair abandonInit();
+    void unregister(ZrHmiSrv::IZrHmiSrvListener* listener);
     void stopThreading();
 
     // Target systems.

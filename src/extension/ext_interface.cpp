@@ -1,5 +1,3 @@
-#include <new>
-
 #include "extension/ZrHmiEventLogger.h"
 #include "host/IZrHmiSrvExtHost.h"
 
@@ -15,12 +13,15 @@ extern "C" ZR_EXTENSION_EXPORT int ext_interface(ZrHmiSrv::IZrHmiSrvExtHost* hos
                                                  double* version) {
     if (!extension || !version)
         return 0;
+    *extension = nullptr;
+    if (!host)
+        return 0;
     ZrHmiSrv::initialize_api(host);
     *version = ZrHmiSrv::interface_version;
     try {
         *extension = new ZrHmiEventLogger::ZrHmiEventLogger(host);
     } catch (...) {
-        *extension = nullptr;
+        // The host takes the missing object for what it is.
     }
     return 0;
 }

@@ -14,6 +14,7 @@
 //
 #include <ocidl.h>
 #include <oleauto.h>
+#include <olectl.h>
 #else
 #include "platform/posix/Automation.h"
 #endif

@@ -6,7 +6,6 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 
-#include "target/proxy/ErrorText.h"
 #include "target/proxy/ZrFnxDll.h"
 
 namespace ZrHmiEventLogger {
@@ -32,10 +31,6 @@ std::vector<std::string_view> splitNetId(std::string_view text) {
 }
 
 }  // namespace
-
-const char* FnxHelper::errorText(HRESULT hr) { return ZrAtlCom::errorText(hr); }
-
-std::string FnxHelper::hexText(HRESULT hr) { return ZrAtlCom::hexText(hr); }
 
 std::string FnxHelper::readLocalAddress() {
     const std::int32_t port = FnxPortOpen();

@@ -3,18 +3,11 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Automation.h"
-
 namespace ZrHmiEventLogger {
 
 /// Stateless helpers around the device protocol. Any thread.
 class FnxHelper {
 public:
-    /// The built-in text of an HRESULT: static, never null.
-    static const char* errorText(HRESULT hr);
-    /// "0x" and eight lower-case digits.
-    static std::string hexText(HRESULT hr);
-
     /// The address of this device, "a.b.c.d.e.f"; empty when there is no router.
     static std::string readLocalAddress();
     /// A configured address in full: empty or "local" is this device, six numbers stand as they

@@ -1,5 +1,8 @@
 #include "target/LoggerConnection.h"
 
+#include <exception>
+
+#include "events/ProxyValue.h"
 #include "platform/Text.h"
 #include "target/proxy/CAtlException.h"
 #include "target/proxy/CreateInstance.h"
@@ -22,7 +25,7 @@ constexpr VARIANT_BOOL toVariantBool(bool value) { return value ? VARIANT_TRUE :
 HRESULT LoggerConnection::create() { return ZrAtlCom::createInstance(CLSID_EventLogger, logger); }
 
 void LoggerConnection::setTimeout(ULONG milliseconds) {
-    if (const auto settings = logger.query<IZrLoggerSettings>())
+    if (const auto settings = optionalInterface<IZrLoggerSettings>(*logger))
         check(settings->put_Timeout(milliseconds));
 }
 
@@ -42,17 +45,28 @@ bool LoggerConnection::isUp(const std::atomic<bool>& disabled) {
     return up;
 }
 
-bool LoggerConnection::settle(const std::atomic<bool>& disabled, bool wasDown) {
+void LoggerConnection::settle(const std::atomic<bool>& disabled, bool wasDown) {
     Lock lock(connectionMutex);
-    const bool up = !disabled && reportsConnected();
-    Lock stateLock(stateMutex);
+    std::exception_ptr failure;
+    bool up = false;
+    try {
+        up = !disabled && reportsConnected();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    settleState(up, wasDown);
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
+void LoggerConnection::settleState(bool up, bool wasDown) {
+    Lock lock(stateMutex);
     if (up)
         connectionState = ConnectionState{true, S_OK};
     else if (wasDown && connectionState)
         connectionState->connected = false;
     else
         connectionState = ConnectionState{false, S_OK};
-    return up;
 }
 
 bool LoggerConnection::connect(const std::string& netId, bool preloadTranslations,

@@ -81,7 +81,7 @@ ULONG TargetSystem::databaseChanged(tagDatabaseChangeReasonEnum reason) {
 void TargetSystem::receive(RecordedCallback&& notification) {
     // The owner may let this target go while its own notification runs.
     const auto self = weak_from_this().lock();
-    if (!self)
+    if (!self || dropsNotifications())
         return;
     try {
         requireObject(notification);
@@ -90,9 +90,9 @@ void TargetSystem::receive(RecordedCallback&& notification) {
                 handle(live, false);
         });
     } catch (...) {
-        // The store is as it was; the import brings what was missed.
-        reportFailure();
+        // The import brings what was missed.
         RequestReconnect();
+        reportFailure();
     }
 }
 

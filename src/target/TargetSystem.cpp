@@ -40,12 +40,14 @@ void TargetSystem::subscribe() {
 }
 
 bool TargetSystem::Connect(ImportResultPtr& importResult) {
+    Lock lock(importMutex);
+    if (!connection.get() || retired)
+        return false;
     try {
-        if (!connection.get() || retired)
-            return false;
-        if (connection.isUp(disabled))
+        const bool up = connection.isUp(disabled);
+        if (up && imported)
             return true;
-        return establish() && import(importResult);
+        return (up || establish()) && import(importResult);
     } catch (const CAtlException& exception) {
         ConnectFailed(exception.hresult());
     } catch (...) {
@@ -65,25 +67,31 @@ bool TargetSystem::establish() {
 }
 
 bool TargetSystem::import(ImportResultPtr& importResult) {
+    if (retired)
+        return false;
     try {
-        importResult = importer.run(*connection.get());
+        // Before the import: what asks for another one meanwhile is not to be overlooked.
+        imported = true;
+        const ImportResultPtr result = importer.run(*connection.get());
+        textLookup.clearCache();
+        logImport(*result);
+        if (result->databaseChange)
+            OnDatabaseChanged(*result->databaseChange);
+        importResult = result;
+        return true;
     } catch (...) {
         reportFailure();
+        textLookup.clearCache();
         abandonConnection();
         return false;
     }
-    textLookup.clearCache();
-    logImport(*importResult);
-    if (importResult->databaseChange)
-        OnDatabaseChanged(*importResult->databaseChange);
-    return true;
 }
 
-/// The next check finds the logger not connected, and so connects and imports again.
+/// The next check connects, where the logger let go of the connection, and imports in any case.
 void TargetSystem::abandonConnection() {
-    connection.setState({false, S_OK});
-    removeAlarms();
     disconnectLogger();
+    removeAlarms();
+    connection.setState({false, S_OK});
 }
 
 void TargetSystem::logImport(const ImportResult& result) {
@@ -111,7 +119,7 @@ bool TargetSystem::CheckConnection(ImportResultPtr& importResult) {
         hostIsStale = true;
     }
     const auto before = connection.state();
-    if (!disabledMeanwhile && !up) {
+    if (!disabledMeanwhile && !(up && imported)) {
         if (Connect(importResult))
             hostIsStale = true;
         else
@@ -130,12 +138,11 @@ bool TargetSystem::probe() {
     }
 }
 
-bool TargetSystem::settle(bool wasDown) {
+void TargetSystem::settle(bool wasDown) {
     try {
-        return connection.settle(disabled, wasDown);
+        connection.settle(disabled, wasDown);
     } catch (...) {
         reportFailure();
-        return false;
     }
 }
 
@@ -164,13 +171,18 @@ void TargetSystem::unsubscribe() {
 }
 
 void TargetSystem::removeAlarms() {
+    imported = false;
     if (store.removeAlarms())
         hostIsStale = true;
 }
 
 HRESULT TargetSystem::RequestReconnect() {
+    // Also where the logger refuses to disconnect, the next check imports again.
+    imported = false;
+    if (!connection.get())
+        return E_FAIL;
     try {
-        return connection.drop();
+        return ZrAtlCom::check(connection.get()->Disconnect());
     } catch (...) {
         reportFailure();
         return E_FAIL;
@@ -178,8 +190,10 @@ HRESULT TargetSystem::RequestReconnect() {
 }
 
 HRESULT TargetSystem::ClearLoggedEvents() {
+    if (!connection.get())
+        return E_FAIL;
     try {
-        return connection.get() ? connection.get()->ClearLoggedEvents() : E_FAIL;
+        return ZrAtlCom::check(connection.get()->ClearLoggedEvents());
     } catch (...) {
         reportFailure();
         return E_FAIL;
@@ -193,7 +207,7 @@ void TargetSystem::retire() {
 }
 
 ConnectionState TargetSystem::GetConnectionState() const {
-    return connection.state().value_or(ConnectionState{});
+    return disabled ? ConnectionState{} : connection.state().value_or(ConnectionState{});
 }
 
 ResultPair TargetSystem::confirm(const ZrHmiSrv::Alarm& alarm) {

@@ -19,8 +19,8 @@ namespace ZrHmiEventLogger {
 
 /// One configured target system: keeps its logger connected, receives its notifications and
 /// holds the events that stand in the host. Held by shared pointer; created with `make` of
-/// TargetSystemPlatformSpecific. Any thread may call any public function; none of them is called
-/// with a lock held.
+/// TargetSystemPlatformSpecific. Any thread may call any public function. Nothing but
+/// RequestReconnect and retire may be called from inside a notification.
 class TargetSystem : public ZrAtlCom::IDispEventSimpleImpl<
                          0, TargetSystem, &ZrEventLoggerFnxProxyLib::IID__IZrEventLoggerEvents>,
                      public TargetSystemBase,
@@ -34,9 +34,9 @@ public:
     TargetSystem& operator=(const TargetSystem&) = delete;
 
     /// The periodic check: connects and imports again what is not connected. True when the host's
-    /// events of this target are stale. Throws nothing.
+    /// events of this target are stale.
     bool CheckConnection(ImportResultPtr& importResult);
-    /// True when the logger is connected; a result only when that needed an import. Throws nothing.
+    /// True when the logger is connected and imported; a result only when that was done just now.
     bool Connect(ImportResultPtr& importResult);
     /// Unsubscribes, disconnects and lets the alarms leave.
     void Disconnect();
@@ -79,18 +79,24 @@ private:
     void handle(const RecordedCallback& notification, bool quiet);
     void OnDatabaseChanged(DatabaseChangeReason reason);
 
-    bool establish();
-    bool import(ImportResultPtr& importResult);
+    bool establish() REQUIRES(importMutex);
+    bool import(ImportResultPtr& importResult) REQUIRES(importMutex);
     void abandonConnection();
     void disconnectLogger();
     void logImport(const ImportResult& result);
     void ConnectFailed(HRESULT hr);
     bool probe();
-    bool settle(bool wasDown);
+    void settle(bool wasDown);
     void removeAlarms();
     void unsubscribe();
     void reportFailure();
 
+    /// One attempt to connect and import at a time: of two threads, the second finds it done.
+    /// Taken before all other locks of a target.
+    Mutex importMutex;
+    /// The store shows what the logger held when it was last connected, and nothing since has
+    /// asked for another import.
+    std::atomic<bool> imported = false;
     LoggerConnection connection;
     NotificationRecorder notifications;
     EventStore store;

@@ -21,7 +21,7 @@ TranslationCache::Finding TranslationCache::find(const TranslationKey& key) {
     return {Value(), std::move(question), true};
 }
 
-void TranslationCache::settle(const TranslationKey& key, const QuestionPointer& question,
+void TranslationCache::settle(const TranslationKey& key, const Question& question,
                               const Answer& answer) {
     Entries::node_type evicted;  // freed after the lock
     Lock lock(mutex);
@@ -34,9 +34,9 @@ void TranslationCache::settle(const TranslationKey& key, const QuestionPointer& 
 }
 
 /// False when the cache was cleared since the question was asked.
-bool TranslationCache::withdraw(const TranslationKey& key, const QuestionPointer& question) {
+bool TranslationCache::withdraw(const TranslationKey& key, const Question& question) {
     const auto found = questions.find(key);
-    if (found == questions.end() || found->second != question)
+    if (found == questions.end() || found->second.get() != &question)
         return false;
     questions.erase(found);
     return true;

@@ -3,9 +3,9 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <future>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -46,10 +46,11 @@ public:
 
     explicit TranslationCache(std::size_t capacity = defaultCapacity) : capacity(capacity) {}
 
-    /// The kept translation, otherwise what `ask` answers: an Answer, or an exception. It is called
-    /// without a lock, on the thread that misses the key first; those that miss it meanwhile wait
-    /// without a lock for what comes of it, be it a failure. An answer that was asked for before
-    /// the last `clear` is not kept.
+    /// The kept translation, otherwise what `ask` answers: an Answer. It is called without a lock,
+    /// on the thread that misses the key first; those that miss it meanwhile wait without a lock
+    /// and take the same answer, also when it is a failure. An exception is its own thread's alone:
+    /// one of the others asks then. An answer that was asked for before the last `clear` is not
+    /// kept.
     template <class Ask>
     Translation get(const TranslationKey& key, Ask ask);
 
@@ -57,10 +58,10 @@ public:
     CacheStatistics statistics() const { return {hits, misses}; }
 
 private:
-    /// A question that is being asked.
+    /// A question that is being asked. None is its answer when asking threw.
     struct Question {
-        std::promise<Translation> promise;
-        std::shared_future<Translation> answer = promise.get_future().share();
+        std::promise<std::optional<Translation>> promise;
+        std::shared_future<std::optional<Translation>> answer = promise.get_future().share();
     };
     using QuestionPointer = std::shared_ptr<Question>;
     using Questions = std::unordered_map<TranslationKey, QuestionPointer, HashOfTranslationKey>;
@@ -87,9 +88,11 @@ private:
                    boost::multi_index::sequenced<boost::multi_index::tag<ByUse>>>>;
 
     Finding find(const TranslationKey& key) EXCLUDES(mutex);
-    void settle(const TranslationKey& key, const QuestionPointer& question, const Answer& answer)
+    template <class Ask>
+    Translation lead(const TranslationKey& key, Question& question, Ask& ask);
+    void settle(const TranslationKey& key, const Question& question, const Answer& answer)
         EXCLUDES(mutex);
-    bool withdraw(const TranslationKey& key, const QuestionPointer& question) REQUIRES(mutex);
+    bool withdraw(const TranslationKey& key, const Question& question) REQUIRES(mutex);
 
     const std::size_t capacity;
     /// Never held across a question, a wait or the end of a translation's life.
@@ -102,19 +105,27 @@ private:
 
 template <class Ask>
 Translation TranslationCache::get(const TranslationKey& key, Ask ask) {
-    Finding finding = find(key);
-    if (!finding.question)
-        return {ZrHmiSrv::ResultPair(), std::move(finding.value)};
-    if (!finding.isNew)
-        return finding.question->answer.get();
+    for (;;) {
+        Finding finding = find(key);
+        if (!finding.question)
+            return {ZrHmiSrv::ResultPair(), std::move(finding.value)};
+        if (finding.isNew)
+            return lead(key, *finding.question, ask);
+        if (const auto& answer = finding.question->answer.get())
+            return *answer;
+    }
+}
+
+template <class Ask>
+Translation TranslationCache::lead(const TranslationKey& key, Question& question, Ask& ask) {
     try {
-        Answer answer = ask();
-        settle(key, finding.question, answer);
-        finding.question->promise.set_value(answer.translation);
-        return std::move(answer.translation);
+        const Answer answer = ask();
+        settle(key, question, answer);
+        question.promise.set_value(answer.translation);
+        return answer.translation;
     } catch (...) {
-        settle(key, finding.question, {});
-        finding.question->promise.set_exception(std::current_exception());
+        settle(key, question, {});
+        question.promise.set_value(std::nullopt);
         throw;
     }
 }

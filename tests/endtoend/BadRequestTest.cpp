@@ -22,8 +22,9 @@ protected:
     void SetUp() override {
         server.post("/api/commands",
                     json::array{{{"command", "host"},
-                                 {"writeValue", {{{"call", "raise"}, {"id", 1}, {"raised", 1000}},
-                                                 {{"call", "message"}, {"raised", 1000}}}}}});
+                                 {"writeValue",
+                                  {{{"call", "raise"}, {"id", 1}, {"raised", 1000}},
+                                   {{"call", "message"}, {"raised", 1000}}}}}});
         ASSERT_EQ(server.events().size(), 2U);
     }
 

@@ -1,8 +1,7 @@
 #include <csignal>
-#include <stdexcept>
-
 #include <fcntl.h>
 #include <spawn.h>
+#include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
 

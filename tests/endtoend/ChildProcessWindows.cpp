@@ -1,6 +1,5 @@
 #include <cwchar>
 #include <stdexcept>
-
 #include <windows.h>
 
 #include "endtoend/ChildProcess.h"
@@ -47,9 +46,9 @@ std::shared_ptr<ChildProcess::Native> ChildProcess::spawn(
     }
     std::wstring line = commandLine(program, arguments);
     PROCESS_INFORMATION process{};
-    const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE,
-                                        CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &startup,
-                                        &process);
+    const BOOL started =
+        CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NEW_PROCESS_GROUP,
+                       nullptr, nullptr, &startup, &process);
     CloseHandle(startup.hStdOutput);
     CloseHandle(startup.hStdError);
     if (!started)

@@ -82,9 +82,8 @@ TEST(CommandLine, PortInUseIsToldAndAnotherServerGoesOn) {
     const TemporaryDirectory files;
     const std::string config = files.write("config.json", "{}");
     const std::string port = std::to_string(first.port());
-    EXPECT_THAT(
-        refusal({"--extension", TEST_EXTENSION_FILE, "--config", config, "--port", port}),
-        testing::StartsWith("hmi-server: cannot listen on 127.0.0.1 port " + port));
+    EXPECT_THAT(refusal({"--extension", TEST_EXTENSION_FILE, "--config", config, "--port", port}),
+                testing::StartsWith("hmi-server: cannot listen on 127.0.0.1 port " + port));
     EXPECT_EQ(first.get("/api/config").status, 200U);
 }
 

@@ -52,7 +52,11 @@ std::string lastLogged(const ServerFixture& server, const std::string& name) {
 TEST_F(HostTest, AlarmsLiveAsTheExtensionTells) {
     StreamClient stream(server.port());
     const auto nextType = [&] { return std::string(stream.next().value().at("type").as_string()); };
-    call({{{"call", "raise"}, {"id", 1}, {"target", "A"}, {"raised", 1000}, {"severity", 3},
+    call({{{"call", "raise"},
+           {"id", 1},
+           {"target", "A"},
+           {"raised", 1000},
+           {"severity", 3},
            {"confirmation", 2}}});
     EXPECT_EQ(nextType(), "raised");
     EXPECT_EQ(serialize(event("1")),
@@ -63,7 +67,11 @@ TEST_F(HostTest, AlarmsLiveAsTheExtensionTells) {
               R"("parameters":{"targetName":"A"}})");
     // Not held: neither an update nor an end makes an alarm.
     call({{{"call", "update"}, {"id", 9}}, {{"call", "remove"}, {"id", 9}}});
-    call({{{"call", "update"}, {"id", 1}, {"target", "A"}, {"raised", 1000}, {"cleared", 2000},
+    call({{{"call", "update"},
+           {"id", 1},
+           {"target", "A"},
+           {"raised", 1000},
+           {"cleared", 2000},
            {"confirmation", 3}}});
     EXPECT_EQ(nextType(), "updated");
     EXPECT_EQ(event("1").at("timeCleared"), "1970-01-01T00:00:02.0000000Z");
@@ -102,17 +110,17 @@ TEST_F(HostTest, ResetReplacesEverythingButWhatHappensMeanwhile) {
           {{"call", "raise"}, {"id", 3}, {"target", "C"}, {"raised", 3000}}});
     EXPECT_EQ(ids(), "3 2 1 ");
     // A is handed over, then lives on; B is not yet handed over when it changes.
-    command("provide",
-            {{{"target", "A"},
-              {"events", {{{"id", 1}, {"target", "A"}, {"raised", 1000}},
-                          {{"target", "A"}, {"raised", 1500}}}},
-              {"then", {{{"call", "raise"}, {"id", 4}, {"target", "A"}, {"raised", 4000}},
-                        {{"call", "update"}, {"id", 1}, {"target", "A"}, {"raised", 1000},
-                         {"cleared", 1001}},
-                        {{"call", "drop"}, {"target", "A"}, {"raised", 1500}},
-                        {{"call", "raise"}, {"id", 5}, {"target", "B"}, {"raised", 5000}}}}},
-             {{"target", "B"},
-              {"events", {{{"id", 2}, {"target", "B"}, {"raised", 2000}}}}}});
+    command(
+        "provide",
+        {{{"target", "A"},
+          {"events",
+           {{{"id", 1}, {"target", "A"}, {"raised", 1000}}, {{"target", "A"}, {"raised", 1500}}}},
+          {"then",
+           {{{"call", "raise"}, {"id", 4}, {"target", "A"}, {"raised", 4000}},
+            {{"call", "update"}, {"id", 1}, {"target", "A"}, {"raised", 1000}, {"cleared", 1001}},
+            {{"call", "drop"}, {"target", "A"}, {"raised", 1500}},
+            {{"call", "raise"}, {"id", 5}, {"target", "B"}, {"raised", 5000}}}}},
+         {{"target", "B"}, {"events", {{{"id", 2}, {"target", "B"}, {"raised", 2000}}}}}});
     StreamClient stream(server.port());
     call({{{"call", "reset"}}});
     while (stream.next().value().at("type") != "reset") {
@@ -124,8 +132,12 @@ TEST_F(HostTest, ResetReplacesEverythingButWhatHappensMeanwhile) {
 TEST_F(HostTest, FiltersAndPagesSelect) {
     json::array calls;
     for (int id = 1; id <= 30; ++id)
-        calls.push_back({{"call", "raise"}, {"id", id}, {"target", id % 2 ? "A" : "B"},
-                         {"raised", 1000}, {"severity", id % 5}, {"cleared", id % 3 ? 0 : 2000},
+        calls.push_back({{"call", "raise"},
+                         {"id", id},
+                         {"target", id % 2 ? "A" : "B"},
+                         {"raised", 1000},
+                         {"severity", id % 5},
+                         {"cleared", id % 3 ? 0 : 2000},
                          {"confirmation", id % 10 ? 1 : 2}});
     call(calls);
     EXPECT_EQ(ids("target=A&severity=4"), "29 19 9 ");
@@ -178,8 +190,7 @@ TEST_F(HostTest, ConfigurationChangesAreToldAndRolledBack) {
 
     EXPECT_EQ(server.erase("/api/config/TARGET_SYSTEMS::B").json(), (json::value{{"result", 0}}));
     EXPECT_EQ(lastLogged(server, "CONFIG_DELETED"), R"({"0":"TARGET_SYSTEMS::B","1":null})");
-    EXPECT_EQ(server.put("/api/config/LIMIT_EVENT_COUNT", 5).json(),
-              (json::value{{"result", 0}}));
+    EXPECT_EQ(server.put("/api/config/LIMIT_EVENT_COUNT", 5).json(), (json::value{{"result", 0}}));
     json::value expected = config();
     expected.as_object()["LIMIT_EVENT_COUNT"] = 5;
     EXPECT_EQ(server.get("/api/config").json(), expected);
@@ -200,7 +211,7 @@ TEST_F(HostTest, LogKeepsItsOrderAndPages) {
     EXPECT_EQ(server.get("/api/log?since=99").json(),
               (json::value{{"next", 5}, {"entries", json::array()}}));
     EXPECT_THAT(server.get("/metrics").body,
-                testing::HasSubstr("hmi_log_messages_total{name=\"ENTRY4\"} 1\n"));
+                testing::HasSubstr("hmi_log_messages_total{name=\"ENTRY4\",target=\"\"} 1\n"));
 }
 
 TEST_F(HostTest, ListenersComeAndGoInsideTheirCallsAndTheExtensionLeavesInOrder) {

@@ -52,8 +52,7 @@ ServerFixture::ServerFixture(const std::string& extension, const json::value& co
     if (!child->waitForOutput("\n", std::chrono::seconds(60)) ||
         !child->output().starts_with(announcement))
         throw std::runtime_error("the server does not start: " + child->errors());
-    portNumber =
-        static_cast<std::uint16_t>(std::stoi(child->output().substr(announcement.size())));
+    portNumber = static_cast<std::uint16_t>(std::stoi(child->output().substr(announcement.size())));
 }
 
 HttpAnswer ServerFixture::get(const std::string& target) const {

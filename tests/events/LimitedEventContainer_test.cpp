@@ -2,10 +2,16 @@
 
 #include <array>
 #include <map>
+#include <memory>
+#include <optional>
+#include <ostream>
 #include <random>
+#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "events/ScopedEventPointer.h"
 #include "tests/events/InertAlarm.h"
@@ -15,7 +21,6 @@ namespace ZrHmiEventLogger {
 
 namespace {
 
-using testing::ElementsAre;
 using ZrEventLoggerFnxProxyLib::IZrAlarm;
 using ZrHmiSrv::Event;
 using ZrHmiSrv::Timestamp;

@@ -82,14 +82,15 @@ struct LoggedEventImport : testing::Test {
         return sum;
     }
 
+    // Outlive the store, which releases them.
+    std::vector<std::unique_ptr<FakeLoggedEvent>> loggedEvents;
+    std::vector<std::unique_ptr<FakeAlarm>> alarms;
+    std::vector<std::unique_ptr<FakeMessage>> messages;
     LifecycleWorld world{3};
     FakeLogger logger{world.border};
     ZrHmiEventLogger::NotificationRecorder notifications;
     ZrHmiEventLogger::LoggedEventImport importer{world.context, world.store, notifications,
                                                  world.lifecycle};
-    std::vector<std::unique_ptr<FakeLoggedEvent>> loggedEvents;
-    std::vector<std::unique_ptr<FakeAlarm>> alarms;
-    std::vector<std::unique_ptr<FakeMessage>> messages;
 };
 
 constexpr auto loggedMessage = LoggedEventType::message;

@@ -80,6 +80,7 @@ TEST(Lifecycle, RefusesWithACode) {
     Calls registered = announced;
     for (const char* listener : {"alarm provider", "event localization", "shutdown", "request"})
         registered.push_back(std::string("register ") + listener);
+    registered.push_back("log CORVANE_EVENTLOGGER_ERROR");
     const RefusedInit cases[] = {
         {"no configuration", {}, "[]", ErrorValue::invalid_configuration, announced},
         {"time-out no time span", wrongTimeout, "[]", ErrorValue::initialization_failed, announced},

@@ -78,9 +78,13 @@ TEST(EventCookie, endsEachConnectionOnce) {
 
         source.point.unadviseResult = E_ABORT;
         EXPECT_EQ(cookie.unadvise(), E_ABORT);
+        EXPECT_EQ(cookie.advise(&source, &sink, eventsId), S_FALSE) << "still advised";
+        source.point.unadviseResult = CONNECT_E_NOCONNECTION;
+        EXPECT_EQ(cookie.unadvise(), CONNECT_E_NOCONNECTION);
         EXPECT_EQ(source.point.endedCookie, 41u);
         EXPECT_EQ(cookie.unadvise(), S_OK);
-        EXPECT_EQ(source.point.ended, 1);
+        EXPECT_EQ(source.point.ended, 2);
+        source.point.unadviseResult = S_OK;
         EXPECT_EQ(cookie.advise(&source, &sink, eventsId), S_OK);
         EXPECT_TRUE(cookie.advised());
     }

@@ -14,9 +14,11 @@ bool canHit(FaultKind fault, CallKind call) {
         case FaultKind::failure:
         case FaultKind::exception:
         case FaultKind::foreignException:
-            return call == CallKind::plain || call == CallKind::handsOut;
+            return call != CallKind::notification && call != CallKind::release;
         case FaultKind::noObject:
-            return call == CallKind::handsOut || call == CallKind::notification;
+            return call == CallKind::handsOutObject || call == CallKind::notification;
+        case FaultKind::noText:
+            return call == CallKind::handsOutText;
         case FaultKind::disturbance:
             return call != CallKind::release;
         case FaultKind::swallowedNotification:
@@ -79,6 +81,7 @@ FaultPlan::Verdict FaultPlan::enter(const char* call, CallKind kind) {
         case FaultKind::failure:
             return Verdict::fail;
         case FaultKind::noObject:
+        case FaultKind::noText:
             return Verdict::handOutNothing;
         case FaultKind::exception:
             throw std::runtime_error("the library failed");

@@ -11,7 +11,8 @@ namespace bridge_test {
 enum class FaultKind {
     none,
     failure,           ///< it answers a failing HRESULT
-    noObject,          ///< it answers S_OK without the object or text that it should hand out
+    noObject,          ///< it answers S_OK without the object that it should hand out
+    noText,            ///< the same of a text, which is then an empty one
     exception,         ///< it throws a std::runtime_error
     foreignException,  ///< it throws what is no standard exception
     disturbance,       ///< the world changes at that very moment; the call goes on
@@ -21,7 +22,7 @@ enum class FaultKind {
 };
 
 /// Kinds of calls: which of them a fault can hit depends on the fault.
-enum class CallKind { plain, handsOut, notification, release };
+enum class CallKind { plain, handsOutObject, handsOutText, notification, release };
 
 struct Fault {
     FaultKind kind = FaultKind::none;

@@ -5,16 +5,21 @@
 
 #include <gtest/gtest.h>
 
+#include "localization/EventLocalizer.h"
+#include "localization/LocalizableItem.h"
 #include "robustness/Deliveries.h"
 #include "robustness/FaultPlan.h"
 #include "robustness/SimulatedLibrary.h"
 #include "target/TargetSystemPlatformSpecific.h"
 
 using namespace std::chrono_literals;
+using ZrHmiEventLogger::EventLocalizer;
 using ZrHmiEventLogger::ImportResultPtr;
 using ZrHmiEventLogger::TargetSystem;
 using ZrHmiEventLogger::TargetSystemPlatformSpecific;
 using ZrHmiEventLogger::TargetSystemSettings;
+using ZrHmiEventLogger::TextLookup;
+using ZrHmiSrv::Alarm;
 
 namespace bridge_test {
 
@@ -40,6 +45,19 @@ std::string event(int id, const char* source) {
 
 }  // namespace
 
+std::string raiseAction(const char* name, int id, const char* more) {
+    return R"({"do": "raise", "alarm": ")" + std::string(name) + "\", " + event(id, name) + more +
+           "}";
+}
+
+std::string messageAction(const char* name, const char* more) {
+    return R"({"do": "message", )" + event(3, name) + more + "}";
+}
+
+std::string alarmAction(const char* verb, const char* alarm) {
+    return R"({"do": ")" + std::string(verb) + R"(", "alarm": ")" + alarm + "\"}";
+}
+
 Harness::Harness() : simulation(oldLog()) {}
 
 Harness::~Harness() {
@@ -64,9 +82,13 @@ bool Harness::tryCreate() {
     TargetSystemSettings settings{"Filler", fillerNetId, true,
                                   ZrHmiSrv::Timespan::from_milliseconds(20'000), eventLimit};
     const std::size_t failed = host.logged("CAN_NOT_CREATE_PROXY");
+    const auto timeouts = callsOf("SetTimeout");
     target = TargetSystemPlatformSpecific<TargetSystem>::make(settings, "TestDomain", link,
                                                               stopFlag, hostIds);
-    return host.logged("CAN_NOT_CREATE_PROXY") == failed;
+    if (host.logged("CAN_NOT_CREATE_PROXY") != failed)
+        return false;
+    EXPECT_EQ(callsOf("SetTimeout"), timeouts + 1) << "a logger without its time-out";
+    return true;
 }
 
 void Harness::connect() {
@@ -88,19 +110,6 @@ void Harness::retire() {
     target.reset();
 }
 
-void Harness::raise(const char* name, int id) {
-    simulation.act(R"({"do": "raise", "alarm": ")" + std::string(name) + "\", " + event(id, name) +
-                   "}");
-}
-
-void Harness::act(const char* verb, const char* alarm) {
-    simulation.act(R"({"do": ")" + std::string(verb) + R"(", "alarm": ")" + alarm + "\"}");
-}
-
-void Harness::send(const char* source) {
-    simulation.act(R"({"do": "message", )" + event(3, source) + "}");
-}
-
 LONG Harness::postFence() {
     const LONG fence = Deliveries::instance().nextFence();
     simulation.act(R"({"do": "databaseChanged", "reason": )" + std::to_string(fence) + "}");
@@ -109,9 +118,12 @@ LONG Harness::postFence() {
 
 bool Harness::fence() {
     const LONG fence = postFence();
-    while (!Deliveries::instance().waitFor(fence, 1ms))
+    do {
+        // Time and again: what is delivered may make the runtime hold back the rest.
+        simulation.act(R"({"do": "release"})");
         if (!isConnected())
             return false;
+    } while (!Deliveries::instance().waitFor(fence, 1ms));
     return true;
 }
 
@@ -121,8 +133,40 @@ void Harness::letArrive() {
         Deliveries::instance().waitFor(fence, 2ms);
 }
 
-Findings Harness::settle() {
+Alarm Harness::shown(const char* name) {
+    Alarm found;
+    host.look([&] {
+        for (const auto& [id, alarm] : host.alarms)
+            if (sourceOf(alarm) == name)
+                found = alarm;
+    });
+    return found;
+}
+
+const char* const Harness::expectedTexts =
+    "Temperatur 7 zu hoch, Maschine, Pump off, Start it, Detail, More";
+
+std::string Harness::localize(const Alarm& alarm) {
+    const EventLocalizer localizer(
+        [this](std::string_view) { return std::shared_ptr<TextLookup>(target, &target->texts()); });
+    LocalizableItem item(alarm.payload());
+    ZrHmiSrv::String text;
+    if (!localizer.localize("de-DE", item, text).succeeded())
+        return {};
+    const auto cause = item.get("causeRemedy").get_vector().get(0).get_map();
+    const auto detail = item.get("details").get_map().get("k").get_map();
+    std::string all(text.name().view());
+    for (const ZrHmiSrv::Value& part :
+         {item.get("eventClassName"), cause.get("cause"), cause.get("remedy"), detail.get("text"),
+          detail.get("comment")})
+        all += ", " + part.get_string();
+    return all;
+}
+
+Findings Harness::settle(bool importAgain) {
     FaultPlan::instance().suspend(true);
+    if (importAgain)
+        target->RequestReconnect();
     Findings findings;
     // In a calm round nothing changed any more: what differs after the second one will for ever.
     for (int calm = 0, rounds = 0; calm < 2 && rounds < 20; ++rounds) {
@@ -140,10 +184,23 @@ Findings Harness::settle() {
             calm = 0;
         }
     }
+    if (const auto texts = localize(shown("waiting")); texts != expectedTexts)
+        findings.push_back("texts: " + texts);
     for (const std::string& conflict : link.idConflicts())
         findings.push_back(conflict);
     FaultPlan::instance().suspend(false);
     return findings;
+}
+
+Findings Harness::complaints() {
+    Findings complaints = link.errors();
+    host.look([&] {
+        for (const char* name : {"UNKNOWN_ALARM_CLEARED", "UNKNOWN_ALARM_CONFIRMED",
+                                 "TARGET_SYSTEM_CONNECT_FAILED", "FORGET_EVENT"})
+            if (host.logged(name) != 0)
+                complaints.emplace_back(name);
+    });
+    return complaints;
 }
 
 Findings Harness::findLeaks(std::chrono::milliseconds patience) {

@@ -50,6 +50,8 @@ void HostLink::replace_events(const char* target, std::span<const Event> events)
 
 void HostLink::note(const Alarm& alarm) {
     const std::string name = sourceOf(alarm);
+    if (name.empty())
+        return;
     Lock lock(mutex);
     const auto [entry, added] = owners.try_emplace(alarm.id(), name);
     if (!added && entry->second != name)

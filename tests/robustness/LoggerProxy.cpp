@@ -1,9 +1,11 @@
 #include "robustness/LoggerProxy.h"
 
 #include "robustness/AlarmProxy.h"
+#include "robustness/CauseRemedyProxy.h"
 #include "robustness/CollectionProxy.h"
 #include "robustness/ConnectionPointProxy.h"
 #include "robustness/ConnectionSettingsProxy.h"
+#include "robustness/DetailProxy.h"
 #include "robustness/LoggedEventProxy.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
@@ -19,6 +21,22 @@ HRESULT LoggerProxy::GetLoggedEvents(ULONG count, IZrLoggedEventCollection** eve
     using Events = CollectionProxy<IZrLoggedEventCollection, IZrLoggedEvent, LoggedEventProxy>;
     return wrap<Events>(forward(__func__, &IZrEventLogger4::GetLoggedEvents, count, events),
                         events);
+}
+
+HRESULT LoggerProxy::GetCauseRemedy(REFGUID eventClass, ULONG eventId, LCID lcid,
+                                    IZrCauseRemedyCollection** entries) {
+    using Entries = CollectionProxy<IZrCauseRemedyCollection, IZrCauseRemedy, CauseRemedyProxy>;
+    return wrap<Entries>(
+        forward(__func__, &IZrEventLogger4::GetCauseRemedy, eventClass, eventId, lcid, entries),
+        entries);
+}
+
+HRESULT LoggerProxy::GetDetails(REFGUID eventClass, ULONG eventId, LCID lcid,
+                                IZrDetailCollection** details) {
+    using Details = CollectionProxy<IZrDetailCollection, IZrDetail, DetailProxy>;
+    return wrap<Details>(
+        forward(__func__, &IZrEventLogger4::GetDetails, eventClass, eventId, lcid, details),
+        details);
 }
 
 HRESULT LoggerProxy::ConnectWithSettings(IZrConnectionSettings* settings, BSTR netId) {

@@ -47,15 +47,10 @@ public:
     }
     HRESULT STDMETHODCALLTYPE
     GetCauseRemedy(REFGUID eventClass, ULONG eventId, LCID lcid,
-                   ZrEventLoggerFnxProxyLib::IZrCauseRemedyCollection** entries) override {
-        return forward(__func__, &IZrEventLogger4::GetCauseRemedy, eventClass, eventId, lcid,
-                       entries);
-    }
+                   ZrEventLoggerFnxProxyLib::IZrCauseRemedyCollection** entries) override;
     HRESULT STDMETHODCALLTYPE
     GetDetails(REFGUID eventClass, ULONG eventId, LCID lcid,
-               ZrEventLoggerFnxProxyLib::IZrDetailCollection** details) override {
-        return forward(__func__, &IZrEventLogger4::GetDetails, eventClass, eventId, lcid, details);
-    }
+               ZrEventLoggerFnxProxyLib::IZrDetailCollection** details) override;
     HRESULT STDMETHODCALLTYPE ConnectWithSettings(
         ZrEventLoggerFnxProxyLib::IZrConnectionSettings* settings, BSTR netId) override;
 

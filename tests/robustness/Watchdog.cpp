@@ -1,15 +1,14 @@
 #include "robustness/Watchdog.h"
 
-#include <array>
 #include <cstdlib>
 #include <iostream>
 
-#define BOOST_STACKTRACE_USE_ADDR2LINE
-#include <boost/stacktrace.hpp>
-
 #ifdef __linux__
+#include <array>
 #include <atomic>
 #include <csignal>
+#include <dlfcn.h>
+#include <execinfo.h>
 #include <filesystem>
 #include <string>
 #include <sys/syscall.h>
@@ -22,33 +21,46 @@ namespace {
 
 #ifdef __linux__
 
-using Frames = std::array<boost::stacktrace::frame::native_frame_ptr_t, 64>;
-
-Frames frames;
-std::atomic<bool> taken;
+std::array<void*, 64> frames;
+std::atomic<int> taken;  ///< how many, -1 until the thread has answered
 
 /// On the thread whose stack is asked for.
 void takeFrames(int) {
-    boost::stacktrace::safe_dump_to(frames.data(), sizeof(frames));
-    taken = true;
+    taken = backtrace(frames.data(), static_cast<int>(frames.size()));
+}
+
+void printFrame(void* frame) {
+    Dl_info module{};
+    if (dladdr(frame, &module) == 0) {
+        std::cerr << "  " << frame << std::endl;
+        return;
+    }
+    const auto offset =
+        static_cast<const char*>(frame) - static_cast<const char*>(module.dli_fbase) - 1;
+    const std::string place = std::string(module.dli_fname) + " " + std::to_string(offset);
+    std::cerr << "  " << place << ": " << std::flush;
+    const std::string command = "addr2line -Cfpe " + std::string(module.dli_fname) +
+                                " $(printf %x " + std::to_string(offset) + ") >&2";
+    if (std::system(command.c_str()) != 0)
+        std::cerr << std::endl;
 }
 
 void printStack(int thread) {
-    frames.fill(nullptr);
-    taken = false;
+    taken = -1;
     if (syscall(SYS_tgkill, getpid(), thread, SIGUSR2) != 0)
         return;
-    for (int i = 0; i < 100 && !taken; ++i)
+    for (int i = 0; i < 100 && taken < 0; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    std::cerr << "thread " << thread << ":\n"
-              << boost::stacktrace::stacktrace::from_dump(frames.data(), sizeof(frames))
-              << std::endl;
+    std::cerr << "thread " << thread << (taken < 0 ? " does not answer" : "") << std::endl;
+    for (int i = 0; i < taken; ++i)
+        printFrame(frames[static_cast<std::size_t>(i)]);
 }
 
 void printAllStacks() {
     std::signal(SIGUSR2, takeFrames);
     for (const auto& task : std::filesystem::directory_iterator("/proc/self/task"))
-        printStack(std::stoi(task.path().filename()));
+        if (const int thread = std::stoi(task.path().filename()); thread != gettid())
+            printStack(thread);
 }
 
 #else
@@ -76,7 +88,7 @@ void Watchdog::watch(std::chrono::seconds limit) {
     std::unique_lock lock(mutex);
     if (changed.wait_for(lock, limit, [this] { return over; }))
         return;
-    std::cerr << "hangs for " << limit.count() << " s; its threads:\n";
+    std::cerr << "hangs for " << limit.count() << " s; its threads:" << std::endl;
     printAllStacks();
     std::abort();
 }

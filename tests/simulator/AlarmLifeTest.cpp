@@ -103,6 +103,8 @@ TEST_F(AlarmLifeTest, IsOneObjectHoweverOftenItIsRaised) {
     const auto next = client.sink.alarms()[5];
     EXPECT_FALSE(next == alarms[0]);  // a new life is a new object
     EXPECT_NE(Life(next).instance, again.instance);
+    EXPECT_EQ(alarms[0]->Confirm(), S_FALSE);  // its life is over
+    EXPECT_EQ(Life(next).state, pending);
 }
 
 TEST_F(AlarmLifeTest, RaisesSeriesWithStepsOrAtOneTime) {

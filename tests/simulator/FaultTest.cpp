@@ -43,23 +43,23 @@ TEST_F(FaultTest, FailsTheCallsThatItNames) {
 }
 
 TEST_F(FaultTest, OfCallsBeforeTheAddressIsKnownIsThatOfAnyRuntime) {
-    const auto fail = [&](const std::string& operation) {
+    const auto fail = [&](const char* netId, const std::string& operation) {
         const auto action = "{'do': 'fail', 'call': '" + operation + "', 'hresult': '0x80004001'}";
-        EXPECT_EQ(::apply(packerNetId, withQuotes(action)).result, 200);
+        EXPECT_EQ(::apply(netId, withQuotes(action)).result, 200);
     };
-    fail("CreateInstance");
+    fail(fillerNetId, "CreateInstance");
     Client::Logger none;
     EXPECT_EQ(ZrAtlCom::createInstance(CLSID_EventLogger, none), E_NOTIMPL);
-    fail("SetTimeout");
+    fail(packerNetId, "SetTimeout");
     EXPECT_EQ(client.setTimeout(100), E_NOTIMPL);
     EXPECT_EQ(client.setTimeout(100), S_OK);
-    fail("Advise");
+    fail(packerNetId, "Advise");
     EXPECT_EQ(client.advise(), E_NOTIMPL);
     EXPECT_EQ(calls("SetTimeout"), 2u);
     EXPECT_EQ(calls("SetTimeout", packerNetId), 2u);
 
     EXPECT_EQ(connectPlain(), S_OK);
-    fail("Advise");
+    fail(packerNetId, "Advise");
     EXPECT_EQ(client.advise(), S_OK);  // the packer is another runtime's affair now
     EXPECT_EQ(calls("Advise"), 2u);
     EXPECT_EQ(calls("Advise", packerNetId), 1u);
@@ -142,6 +142,14 @@ TEST_F(FaultTest, LetsAPausedConnectBeCrossedByOthers) {
     EXPECT_EQ(client.logger->Disconnect(), S_OK);
     apply("[{'do': 'refuse', 'hresult': '0x98110712'}, {'do': 'resume'}]");
     EXPECT_EQ(connected.get(), protocolError(0x712));
+
+    apply("[{'do': 'accept'}, {'do': 'pause', 'call': 'Connect'}]");
+    connected = std::async(std::launch::async, [&] { return connectPlain(); });
+    waitForCalls("Connect", 2);
+    EXPECT_EQ(client.connect(packerNetId), S_OK);
+    apply("{'do': 'resume'}");
+    EXPECT_EQ(connected.get(), notConnected);
+    EXPECT_EQ(status(packerNetId).at("connected"), true);
 }
 
 TEST_F(FaultTest, EndsWithThePlant) {

@@ -25,6 +25,7 @@ protected:
 };
 
 TEST_F(NotificationTest, AreHeldBackInOrder) {
+    EXPECT_EQ(client.connect(), S_OK);  // connected already: nothing comes twice
     apply("{'do': 'hold'}");
     apply(
         "[{'do': 'raise', 'alarm': 'A', 'class': 'CLASS', 'event': 8},"

@@ -43,6 +43,8 @@ TEST(PlantTest, IsRefusedWithThePathOfTheFirstError) {
         {"LOGGED", "'event': 7, 'severity': 1", "~.logged[0].severity: unknown key"},
         {"LOGGED", "'event': 7, 'timeCleared': '2024-13-01T00:00:00Z'",
          "~.logged[0].timeCleared: not a time such as 2024-05-01T12:30:00.0000000Z"},
+        {"LOGGED", "'event': 7, 'timeCleared': '2024-05-01T24:00:00Z'",
+         "~.logged[0].timeCleared: not a time such as 2024-05-01T12:30:00.0000000Z"},
         {"LOGGED", "'event': 7, 'timeCleared': '2024-05-01 00:00:00Z'",
          "~.logged[0].timeCleared: not a time such as 2024-05-01T12:30:00.0000000Z"},
         {"LOGGED", "'event': 7, 'arguments': [1, [2]]",

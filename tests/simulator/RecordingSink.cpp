@@ -1,6 +1,7 @@
 #include "simulator/RecordingSink.h"
 
 #include <stdexcept>
+#include <utility>
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::ComPtr;
@@ -90,16 +91,16 @@ HRESULT RecordingSink::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* paramet
         alarm = ComPtr<IDispatch>(subject.pdispVal).query<IZrAlarm>();
     if (inside)
         inside(text);
-    record(text, alarm);
+    record(text, std::move(alarm));
     return S_OK;
 }
 
-void RecordingSink::record(const std::string& text, const Alarm& alarm) {
+void RecordingSink::record(const std::string& text, Alarm alarm) {
     {
         Lock lock(mutex);
         texts.push_back(text);
         if (alarm)
-            subjects.push_back(alarm);
+            subjects.push_back(std::move(alarm));
         lastThread = std::this_thread::get_id();
     }
     arrived.notify_all();

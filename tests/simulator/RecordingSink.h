@@ -40,7 +40,8 @@ public:
                                      VARIANT*, EXCEPINFO*, UINT*) override;
 
 private:
-    void record(const std::string& text, const Alarm& alarm);
+    /// Holds no reference of its own any more when others see the notification.
+    void record(const std::string& text, Alarm alarm);
 
     Mutex mutex;
     std::condition_variable_any arrived;

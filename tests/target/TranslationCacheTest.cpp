@@ -96,7 +96,7 @@ public:
                       return outcome();
                   });
               } catch (const std::exception& exception) {
-                  translation = {ResultPair(), exception.what()};
+                  translation.result = {ErrorValue::request_failed, exception.what()};
               }
           }) {
         begun.get_future().wait();
@@ -118,63 +118,68 @@ private:
     std::thread thread;
 };
 
-struct Outcome {
-    const char* what;
-    std::function<Answer()> answer;
-    bool isKept;
+std::uint64_t lookUps(const TranslationCache& cache) {
+    return cache.statistics().hits + cache.statistics().misses;
+}
+
+/// Threads that ask for what is being asked already, once all of them wait.
+class Waiting {
+public:
+    Waiting(TranslationCache& cache, std::size_t count) : answers(count) {
+        const auto before = lookUps(cache);
+        for (Translation& answer : answers)
+            threads.emplace_back([this, &cache, &answer] {
+                answer = cache.get(keyOf(1), [this] {
+                    ++asked;
+                    return kept("asked again");
+                });
+            });
+        while (lookUps(cache) < before + count)
+            std::this_thread::yield();
+    }
+    ~Waiting() { join(); }
+    const std::vector<Translation>& join() {
+        for (std::thread& thread : std::exchange(threads, {}))
+            thread.join();
+        return answers;
+    }
+
+    std::atomic<int> asked = 0;
+
+private:
+    std::vector<Translation> answers;
+    std::vector<std::thread> threads;
 };
 
 TEST(TranslationCache, OneThreadAsksForAllThatMissTheSame) {
-    const Outcome outcomes[] = {
-        {"kept", [] { return kept("text"); }, true},
-        {"not kept",
-         [] {
-             return Answer{{ResultPair(), "text"}, false};
-         },
-         false},
-        {"failed",
-         [] {
-             return Answer{{{ErrorValue::request_failed, "text"}, "text"}, false};
-         },
-         false},
-        {"thrown", []() -> Answer { throw std::runtime_error("text"); }, false},
-    };
-    for (const Outcome& outcome : outcomes) {
-        SCOPED_TRACE(outcome.what);
+    const Answer outcomes[] = {{{ResultPair(), "text"}, true},
+                               {{ResultPair(), "text"}, false},
+                               {{{ErrorValue::request_failed, "text"}, "text"}, false}};
+    for (const Answer& outcome : outcomes) {
         TranslationCache cache;
-        OpenQuestion first(cache, outcome.answer);
-        std::atomic<int> asked = 0;
-        std::vector<std::thread> waiting;
-        std::vector<Translation> answers(3);
-        for (Translation& answer : answers)
-            waiting.emplace_back([&] {
-                try {
-                    answer = cache.get(keyOf(1), [&] {
-                        ++asked;
-                        return kept("asked twice");
-                    });
-                } catch (const std::exception& exception) {
-                    answer = {ResultPair(), exception.what()};
-                }
-            });
-        while (cache.statistics().misses < 4)
-            std::this_thread::yield();
+        OpenQuestion first(cache, [&] { return outcome; });
+        Waiting others(cache, 3);
         EXPECT_EQ(cache.get(keyOf(2), [] { return kept("other"); }).value.get_string(), "other")
             << "another text waits for nothing";
-        const Translation led = first.answer();
-        for (std::thread& thread : waiting)
-            thread.join();
-        EXPECT_EQ(asked, 0);
-        for (const Translation& answer : answers) {
+        first.answer();
+        for (const Translation& answer : others.join()) {
             EXPECT_EQ(answer.value.get_string(), "text");
-            EXPECT_EQ(answer.result.result(), led.result.result());
+            EXPECT_EQ(answer.result.result(), outcome.translation.result.result());
         }
-        cache.get(keyOf(1), [&] {
-            ++asked;
-            return kept("asked again");
-        });
-        EXPECT_EQ(asked, outcome.isKept ? 0 : 1);
+        EXPECT_EQ(others.asked, 0);
+        EXPECT_EQ(cache.get(keyOf(1), [] { return kept("asked again"); }).value.get_string(),
+                  outcome.keep ? "text" : "asked again");
     }
+}
+
+TEST(TranslationCache, AnotherThreadAsksWhenAskingThrew) {
+    TranslationCache cache;
+    OpenQuestion first(cache, []() -> Answer { throw std::runtime_error("no memory"); });
+    Waiting others(cache, 3);
+    EXPECT_EQ(first.answer().result.text().view(), "no memory");
+    for (const Translation& answer : others.join())
+        EXPECT_EQ(answer.value.get_string(), "asked again");
+    EXPECT_EQ(others.asked, 1);
 }
 
 TEST(TranslationCache, WhatWasAskedForBeforeClearIsNotKeptAfterIt) {
@@ -183,14 +188,10 @@ TEST(TranslationCache, WhatWasAskedForBeforeClearIsNotKeptAfterIt) {
     cache.clear();
     OpenQuestion after(cache, [] { return kept("new"); });
     EXPECT_EQ(before.answer().value.get_string(), "old");
-    Translation joined;
-    std::thread waiting([&] { joined = cache.get(keyOf(1), [] { return kept("third"); }); });
-    while (cache.statistics().misses < 3)
-        std::this_thread::yield();
+    Waiting others(cache, 1);
     EXPECT_EQ(after.answer().value.get_string(), "new");
-    waiting.join();
-    EXPECT_EQ(joined.value.get_string(), "new");
-    EXPECT_EQ(cache.get(keyOf(1), [] { return kept("third"); }).value.get_string(), "new");
+    EXPECT_EQ(others.join().front().value.get_string(), "new");
+    EXPECT_EQ(others.asked, 0);
 }
 
 }  // namespace

@@ -2,7 +2,13 @@
 
 #include <utility>
 
+#include "target/proxy/CatchToHresult.h"
+
 namespace ZrAtlCom {
+
+EventCookie::~EventCookie() {
+    catchToHresult([this] { return unadvise(); });
+}
 
 HRESULT EventCookie::advise(IUnknown* source, IUnknown* sink, REFIID eventsId) {
     if (advised())
@@ -29,7 +35,17 @@ HRESULT EventCookie::unadvise() {
         Lock lock(mutex);
         std::swap(ended, connection);
     }
-    return ended.cookie == notAdvised ? S_OK : ended.point->Unadvise(ended.cookie);
+    if (ended.cookie == notAdvised)
+        return S_OK;
+    try {
+        const HRESULT hr = ended.point->Unadvise(ended.cookie);
+        if (FAILED(hr) && hr != CONNECT_E_NOCONNECTION)
+            keep(ended);
+        return hr;
+    } catch (...) {
+        keep(ended);
+        throw;
+    }
 }
 
 bool EventCookie::advised() const {

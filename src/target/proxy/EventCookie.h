@@ -15,11 +15,12 @@ public:
     EventCookie() = default;
     EventCookie(const EventCookie&) = delete;
     EventCookie& operator=(const EventCookie&) = delete;
-    ~EventCookie() { unadvise(); }
+    ~EventCookie();
 
     /// Connects `sink` to the events `eventsId` of `source`; S_FALSE when it is connected already.
     HRESULT advise(IUnknown* source, IUnknown* sink, REFIID eventsId);
-    /// Of several callers only one unadvises; the others get S_OK at once.
+    /// Of several callers only one unadvises; the others get S_OK at once. After a failure the
+    /// sink is still advised, as the source may call it yet; unadvising can be tried again.
     HRESULT unadvise();
     bool advised() const;
 

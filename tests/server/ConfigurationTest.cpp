@@ -1,0 +1,128 @@
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include <boost/json/parse.hpp>
+#include <boost/json/serialize.hpp>
+#include <gmock/gmock.h>
+
+#include "server/config/ConfigurationStore.h"
+#include "server/config/ConfigurationWatch.h"
+
+namespace fs = std::filesystem;
+namespace json = boost::json;
+using ZrHmiSrv::ErrorValue;
+using ZrHmiSrv::ResultPair;
+using ZrHmiSrv::Value;
+using ZrHmiSrv::ValueType;
+
+namespace hmi {
+
+namespace {
+
+ConfigurationPath path(std::string_view text) {
+    return ConfigurationPath::parse(text).value();
+}
+
+class ConfigurationStoreTest : public testing::Test {
+protected:
+    ConfigurationStoreTest() {
+        fs::create_directory(directory);
+        std::ofstream(file)
+            << R"({"TIMEOUT": "PT2.5S", "TARGET_SYSTEMS": {"A": {"ENABLED": true}}})";
+    }
+    ~ConfigurationStoreTest() override { fs::remove_all(directory); }
+
+    json::value written() const {
+        std::ifstream stream(file);
+        return json::parse(std::string(std::istreambuf_iterator<char>(stream), {}));
+    }
+
+    const fs::path directory = fs::temp_directory_path() /
+                               ("configuration-test-" + std::to_string(std::random_device()()));
+    const fs::path file = directory / "config.json";
+};
+
+TEST_F(ConfigurationStoreTest, ReadsAsTheExtensionExpects) {
+    const ConfigurationStore store(file);
+    EXPECT_EQ(store.read({}).type(), ValueType::map);
+    EXPECT_EQ(store.read(path("TIMEOUT")).type(), ValueType::timespan);
+    EXPECT_EQ(store.read(path("TIMEOUT")).get_timespan().milliseconds(), 2500);
+    EXPECT_TRUE(static_cast<bool>(store.read(path("TARGET_SYSTEMS::A::ENABLED"))));
+    EXPECT_FALSE(store.read(path("TARGET_SYSTEMS::B")).isset());
+    EXPECT_FALSE(store.read(path("TIMEOUT::X")).isset());
+    std::ofstream(file) << "{}";
+    EXPECT_FALSE(ConfigurationStore(file).read({}).isset()) << "empty is no configuration";
+}
+
+TEST_F(ConfigurationStoreTest, IsWrittenWhenAcceptedAndRolledBackWhenRefused) {
+    ConfigurationStore store(file);
+    const json::value before = written();
+    const auto refused = store.change(path("TARGET_SYSTEMS::A::ENABLED"), json::value(false), [&] {
+        EXPECT_FALSE(static_cast<bool>(store.read(path("TARGET_SYSTEMS::A::ENABLED"))));
+        EXPECT_EQ(written(), before) << "not before it is accepted";
+        return ResultPair(ErrorValue::invalid_configuration);
+    });
+    EXPECT_FALSE(refused.succeeded());
+    EXPECT_TRUE(static_cast<bool>(store.read(path("TARGET_SYSTEMS::A::ENABLED"))));
+    EXPECT_EQ(written(), before);
+
+    const auto accept = [] { return ResultPair(); };
+    store.change(path("NEW::DEEP"), json::value(1), accept);
+    store.change(path("TARGET_SYSTEMS::A"), std::nullopt, accept);
+    store.change(path("NOT::THERE"), std::nullopt, accept);
+    EXPECT_EQ(written(),
+              json::parse(R"({"TIMEOUT": "PT2.5S", "TARGET_SYSTEMS": {}, "NEW": {"DEEP": 1}})"));
+    EXPECT_EQ(store.get({}), written());
+    EXPECT_THROW(store.change(path("TIMEOUT::X"), json::value(1), accept), ConfigurationError);
+    EXPECT_THROW(store.change(path("LIMIT_EVENT_COUNT"), json::value("x"), accept),
+                 ConfigurationError);
+    EXPECT_EQ(std::distance(fs::directory_iterator(directory), fs::directory_iterator()), 1)
+        << "no temporary file stays";
+}
+
+TEST_F(ConfigurationStoreTest, KeepsWhatItHasWhenTheFileCannotBeWritten) {
+    ConfigurationStore store(file);
+    fs::remove_all(directory);
+    EXPECT_THROW(store.change(path("A"), json::value(1), [] { return ResultPair(); }),
+                 std::system_error);
+    EXPECT_FALSE(store.get(path("A")));
+}
+
+TEST(ConfigurationWatchTest, TellsChangesBelowAWatchedPathAsASet) {
+    Value settings;
+    settings << Value(ValueType::structure);
+    settings[std::size_t{0}].insert("flags", 48);
+    settings[std::size_t{0}]["paths"] << Value("TARGETS::*");
+    settings << Value(ValueType::structure);
+    settings[std::size_t{1}].insert("flags", 16);
+    settings[std::size_t{1}]["paths"] << Value("LIMIT");
+    const ConfigurationWatch watch(settings);
+    const struct {
+        const char* changed;
+        bool deleted;
+        const char* told;  // "+": set, "-": deleted, then the path
+    } cases[] = {
+        {"TARGETS::A", false, "+TARGETS::A"},
+        {"TARGETS::A", true, "-TARGETS::A"},
+        {"TARGETS::A::X", false, "+TARGETS::A"},
+        {"TARGETS::A::X::Y", true, "+TARGETS::A"},
+        {"TARGETS", false, ""},
+        {"OTHER::A", false, ""},
+        {"LIMIT", false, "+LIMIT"},
+        {"LIMIT", true, ""},
+    };
+    for (const auto& item : cases) {
+        const auto match = watch.match(path(item.changed), item.deleted);
+        const std::string told =
+            match ? (match->event == ConfigurationWatch::Event::valueSet ? "+" : "-") +
+                        match->path.text()
+                  : "";
+        EXPECT_EQ(told, item.told) << item.changed << item.deleted;
+    }
+    EXPECT_FALSE(ConfigurationWatch(Value("nonsense")).match(path("A"), false));
+}
+
+}  // namespace
+
+}  // namespace hmi
