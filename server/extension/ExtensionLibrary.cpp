@@ -1,10 +1,12 @@
 #include "server/extension/ExtensionLibrary.h"
 
 #include <string>
+#include <type_traits>
 
 #include <boost/dll/shared_library.hpp>
 
 #include "server/StartError.h"
+#include "server/extension/KeepLoaded.h"
 
 namespace hmi {
 
@@ -29,6 +31,7 @@ ExtensionLibrary::ExtensionLibrary(const std::filesystem::path& file,
     library->file.load(std::filesystem::absolute(file), error);
     if (error)
         throw StartError(file.string() + ": cannot be loaded: " + error.message());
+    keepLoaded(library->file);
     if (!library->file.has("ext_interface"))
         throw StartError(file.string() + ": no extension, it does not export ext_interface");
     const auto create =

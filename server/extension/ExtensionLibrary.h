@@ -7,8 +7,8 @@
 
 namespace hmi {
 
-/// An extension library and the extension object that it has made; both go with this object. The
-/// host and the listener registry must outlive it.
+/// An extension library and the extension object that it has made, which goes with this object;
+/// the library stays loaded. The host and the listener registry must outlive it.
 class ExtensionLibrary {
 public:
     /// Throws StartError when the file is no extension of our interface version.

@@ -4,6 +4,7 @@
 
 #include "server/JsonFile.h"
 #include "server/StartError.h"
+#include "server/extension/KeepLoaded.h"
 #include "server/json/ParseJson.h"
 #include "simulator/Control.h"
 
@@ -25,6 +26,7 @@ boost::dll::shared_library open(const std::filesystem::path& extension) {
     if (error)
         throw StartError(std::string("the library ") + libraryName +
                          " cannot be loaded: " + error.message());
+    keepLoaded(library);
     return library;
 }
 

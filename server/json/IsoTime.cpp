@@ -10,6 +10,8 @@ namespace {
 
 using namespace std::chrono;
 
+using Ticks = duration<std::int64_t, std::ratio<1, 10'000'000>>;
+
 constexpr std::int64_t second = 1'000'000'000;
 
 struct Unit {
@@ -67,10 +69,11 @@ bool addProduct(std::int64_t& sum, std::int64_t count, std::int64_t unit) {
 }  // namespace
 
 std::string isoTime(ZrHmiSrv::Timestamp time) {
-    const sys_time<nanoseconds> point{nanoseconds(time.nanoseconds())};
+    // Days from 1677 on fit into 64 bits of these, but not into nanoseconds.
+    const auto point = floor<Ticks>(sys_time<nanoseconds>{nanoseconds(time.nanoseconds())});
     const auto day = floor<days>(point);
     const year_month_day date{day};
-    const hh_mm_ss clock{floor<duration<std::int64_t, std::ratio<1, 10'000'000>>>(point - day)};
+    const hh_mm_ss clock{point - day};
     char text[40];
     const int length = std::snprintf(
         text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d.%07dZ", static_cast<int>(date.year()),

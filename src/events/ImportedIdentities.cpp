@@ -24,8 +24,8 @@ void combine(std::size_t& seed, const Value* value) {
     if (value->type() == ValueType::binary) {
         const auto content = value->get_binary();
         const auto bytes = content.bytes();
-        return combine(seed, std::string_view(reinterpret_cast<const char*>(bytes.data()),
-                                              bytes.size()));
+        return combine(seed,
+                       std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
     }
     if (value->is_number())
         return boost::hash_combine(seed, static_cast<double>(*value));
@@ -40,6 +40,12 @@ ImportedIdentities::MessageIdentity ImportedIdentities::identityOf(const Message
                             &keys::sourceGuid, &keys::numArguments, &keys::types, &keys::data})
         combine(digest, message.parameters().lookup(key->view()));
     return {message.time_raised().nanoseconds(), digest};
+}
+
+std::size_t ImportedIdentities::Hash::operator()(const MessageIdentity& identity) const {
+    std::size_t seed = identity.digest;
+    boost::hash_combine(seed, identity.timeRaised);
+    return seed;
 }
 
 void ImportedIdentities::addMessage(const Message& message) {

@@ -37,7 +37,7 @@ private:
         friend bool operator==(const MessageIdentity&, const MessageIdentity&) = default;
     };
     struct Hash {
-        std::size_t operator()(const MessageIdentity& identity) const { return identity.digest; }
+        std::size_t operator()(const MessageIdentity& identity) const;
     };
     static MessageIdentity identityOf(const ZrHmiSrv::Message& message);
 

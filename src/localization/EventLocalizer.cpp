@@ -22,6 +22,7 @@ namespace {
 
 const Text eventClassNameKey("eventClassName");
 const Text localizedSourceNameKey("localizedSourceName");
+constexpr std::size_t localizedParameterCount = 4;
 
 /// What is known of an event in the client's language.
 struct LocalizedTexts {
@@ -35,9 +36,10 @@ bool isSupported(ILocalizable::Kind kind) {
     return kind == ILocalizable::Kind::alarm || kind == ILocalizable::Kind::message;
 }
 
-Value parameter(const Value& parameters, const Text& key) {
+const Value& parameter(const Value& parameters, const Text& key) {
+    static const Value unset;
     const Value* found = parameters.lookup(key.view());
-    return found ? *found : Value();
+    return found ? *found : unset;
 }
 
 /// A class that is no GUID is the all-zero one.
@@ -74,6 +76,7 @@ ResultPair lookUp(TextLookup& lookup, const EventReference& event, LCID language
 }
 
 Value withTexts(Value parameters, const LocalizedTexts& texts) {
+    parameters.reserve(parameters.size() + localizedParameterCount);
     parameters.insert_or_update(eventClassNameKey, texts.eventClassName);
     if (texts.sourceName.isset())
         parameters.insert_or_update(localizedSourceNameKey, texts.sourceName);

@@ -214,6 +214,24 @@ TEST_F(HostTest, LogKeepsItsOrderAndPages) {
                 testing::HasSubstr("hmi_log_messages_total{name=\"ENTRY4\",target=\"\"} 1\n"));
 }
 
+TEST_F(HostTest, AStreamClientThatDoesNotReadIsDroppedAlone) {
+    StreamClient idle(server.port());
+    StreamClient reader(server.port());
+    const json::array messages{
+        {{"call", "message"}, {"extra", std::string(std::size_t{600} << 10, 'x')}}};
+    const auto isDropped = [&] {
+        return server.get("/metrics").body.find("hmi_stream_slow_clients_total 1\n") !=
+               std::string::npos;
+    };
+    for (int megabytes = 0; megabytes < 100 && !isDropped(); ++megabytes) {
+        call(messages);
+        ASSERT_EQ(reader.next().value().at("type"), "message");
+    }
+    EXPECT_TRUE(isDropped());
+    call(messages);
+    EXPECT_EQ(reader.next().value().at("type"), "message");
+}
+
 TEST_F(HostTest, ListenersComeAndGoInsideTheirCallsAndTheExtensionLeavesInOrder) {
     EXPECT_EQ(command("throw").status, 500U) << "an exception is an answer, not the end";
     EXPECT_EQ(command("echo", {{"a", {1, 2.5, "x", nullptr, true}}}).json().at(0),

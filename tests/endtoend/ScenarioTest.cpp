@@ -1,7 +1,9 @@
 /// The real extension and simulated runtimes, seen through the server.
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <set>
+#include <vector>
 
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
@@ -182,6 +184,25 @@ TEST_F(Scenario, TargetSystemsComeAndGoWhileTheServerRuns) {
     EXPECT_EQ(refused.json().at("result"), 269);
     EXPECT_FALSE(
         json::parse(server.configFile()).at("TARGET_SYSTEMS").as_object().contains("Third"));
+}
+
+TEST_F(Scenario, RequestsThatHangInARuntimeHoldUpNoOthers) {
+    act(filler, {{"do", "pause"}, {"call", "GetEventText"}});
+    std::vector<std::future<HttpAnswer>> hanging;
+    for (int i = 0; i < 40; ++i)
+        hanging.push_back(std::async(std::launch::async, [this] {
+            return server.get("/api/events?target=Filler&locale=en-US");
+        }));
+    ASSERT_TRUE(eventually([&] {
+        const json::value calls = simulated(filler).at("calls");
+        const json::value* const waiting = calls.as_object().if_contains("GetEventText");
+        return waiting && waiting->as_int64() > 0;
+    }));
+    act(packer, raise("jam", 1));
+    EXPECT_TRUE(eventually([&] { return countOf("target=Packer&state=active") == 1; }));
+    act(filler, {{"do", "resume"}});
+    for (auto& answer : hanging)
+        EXPECT_EQ(answer.get().status, 200U);
 }
 
 TEST_F(Scenario, BadActionsChangeNothing) {

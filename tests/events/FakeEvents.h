@@ -87,7 +87,7 @@ public:
 
     FakeEventData data;
     LONG references = 0;
-    std::vector<SourceAttribute> asked;  ///< of the source, in order
+    ULONG asked = 0;  ///< the parts of the source that were asked for, one octal digit each
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
         *object = offer(iid);
@@ -110,7 +110,7 @@ public:
         return answer(value, data.severity);
     }
     HRESULT STDMETHODCALLTYPE HasSource(SourceAttribute kind, VARIANT_BOOL* value) override {
-        asked.push_back(kind);
+        asked = 8 * asked + static_cast<ULONG>(kind);
         const bool has = kind == SourceAttribute::id     ? data.sourceId.has_value()
                          : kind == SourceAttribute::name ? data.sourceName.has_value()
                                                          : data.sourceGuid.has_value();

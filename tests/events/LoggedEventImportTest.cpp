@@ -17,7 +17,7 @@ using ZrHmiEventLogger::NotificationKind;
 using Lines = std::vector<std::string>;
 
 /// A target's pieces around one fake logger, whose events `logged` and `live` make.
-struct LoggedEventImport : testing::Test {
+struct ImportWorld {
     ImportResultPtr import() { return importer.run(logger); }
 
     FakeLoggedEvent& logged(int raised, ULONG instance, LoggedEventType type,
@@ -92,6 +92,8 @@ struct LoggedEventImport : testing::Test {
     ZrHmiEventLogger::LoggedEventImport importer{world.context, world.store, notifications,
                                                  world.lifecycle};
 };
+
+struct LoggedEventImport : testing::Test, ImportWorld {};
 
 constexpr auto loggedMessage = LoggedEventType::message;
 constexpr auto loggedAlarm = LoggedEventType::alarm;
@@ -284,6 +286,35 @@ TEST_F(LoggedEventImport, AnAlarmThatIsRaisedAgainAtItsTimeIsTakenSeriously) {
     source.data.severity = 4;
     raised(source);
     EXPECT_THAT(world.host.take(), ElementsAre("ACTIVE_ALARM_RAISED_AGAIN Filler 1 1s", "raise 1"));
+    cleared(source, VARIANT_TRUE);
+    cleared(source, VARIANT_TRUE);
+    EXPECT_THAT(world.host.take(),
+                ElementsAre("KNOWN_ALARM_CLEARED Filler true 1 1s now", "remove 1",
+                            "UNKNOWN_ALARM_CLEARED Filler true 1s -"));
+}
+
+/// It is, in front of every call of an import.
+TEST(LoggedEventImportRace, AnAlarmThatIsRaisedAgainMeanwhileIsKnownByItsNewTime) {
+    int change = 0;
+    for (bool changed = true; changed; ++change) {
+        ImportWorld target;
+        FakeAlarm& source = target.active(1, 1);
+        changed = false;
+        target.world.border.onCall = [&, call = 0]() mutable {
+            if (call++ != change)
+                return;
+            changed = true;
+            source.data.raised = at(2);
+            target.raised(source);
+        };
+        target.import();
+        target.world.border.onCall = [] {};
+        target.cleared(source, VARIANT_TRUE);
+        const std::string known = changed ? "KNOWN_ALARM_CLEARED Filler true 1 2s now"
+                                          : "KNOWN_ALARM_CLEARED Filler true 1 1s now";
+        EXPECT_THAT(target.world.host.take(), ElementsAre(known, "remove 1"));
+    }
+    EXPECT_GT(change, 15);
 }
 
 /// Every call of an import fails once, those of the replay included.

@@ -74,54 +74,59 @@ TEST_F(EventLocalizerTest, AnEventOfNoTargetKeepsItsText) {
     EXPECT_EQ(item.parameters(), expected);
 }
 
-TEST_F(EventLocalizerTest, WritesNothingWhenAnyStepFails) {
+TEST_F(EventLocalizerTest, WritesNothingForWhatItCannotLocalize) {
     struct Case {
         const char* what;
         const char* locale;
-        ILocalizable::Kind kind;
+        int kind;
         const char* key;  ///< of the parameter that differs
         Value value;
-        const char* failingCall;
         ErrorValue result;
         const char* text;
     };
-    constexpr auto alarm = ILocalizable::Kind::alarm;
-    constexpr auto message = ILocalizable::Kind::message;
-    constexpr auto otherKind = static_cast<ILocalizable::Kind>(67);
     constexpr const char* exceptionText = "An exception was raised.";
     using enum ErrorValue;
     const Case cases[] = {
-        {"unknown locale", "xx_YY", alarm, "x", 0, "", request_failed, ""},
-        {"no locale", nullptr, otherKind, "x", 0, "", request_failed, ""},
-        {"unknown kind", "de-DE", otherKind, "x", 0, "", unsupported_item, ""},
-        {"unknown target", "de-DE", alarm, "targetName", "Packer", "", unknown_target_system,
+        {"unknown locale", "xx_YY", 65, "x", 0, request_failed, ""},
+        {"no locale", nullptr, 67, "x", 0, request_failed, ""},
+        {"unknown kind", "de-DE", 67, "x", 0, unsupported_item, ""},
+        {"unknown target", "de-DE", 65, "targetName", "Packer", unknown_target_system,
          "TARGET_NOT_FOUND"},
-        {"target of a wrong type", "de-DE", alarm, "targetName", 1, "", unknown_target_system,
+        {"target of a wrong type", "de-DE", 65, "targetName", 1, unknown_target_system,
          "TARGET_NOT_FOUND"},
-        {"class is no GUID", "de-DE", alarm, "eventClass", "{0000ABCD}", "", request_failed,
+        {"class is no GUID", "de-DE", 65, "eventClass", "{0000ABCD}", request_failed,
          exceptionText},
-        {"id out of range", "de-DE", alarm, "eventId", 4294967297.0, "", request_failed,
-         exceptionText},
-        {"arguments make no sense", "de-DE", alarm, "data", bytes("x"), "", request_failed,
-         exceptionText},
-        {"text", "de-DE", message, "x", 0, "GetEventText", request_failed, exceptionText},
-        {"class name", "de-DE", alarm, "x", 0, "GetEventClassName", request_failed, exceptionText},
-        {"source", "de-DE", message, "x", 0, "GetSourceName", request_failed, exceptionText},
-        {"remedies", "de-DE", alarm, "x", 0, "GetCauseRemedy", request_failed, exceptionText},
-        {"details", "de-DE", message, "x", 0, "GetDetails", request_failed, exceptionText},
+        {"id out of range", "de-DE", 65, "eventId", 4294967297.0, request_failed, exceptionText},
+        {"arguments make no sense", "de-DE", 65, "data", bytes("x"), request_failed, exceptionText},
     };
-    for (const Case& failing : cases) {
-        SCOPED_TRACE(failing.what);
+    for (const Case& refused : cases) {
+        SCOPED_TRACE(refused.what);
         Value parameters = hotTank();
-        parameters.insert_or_update(failing.key, failing.value);
-        if (*failing.failingCall)
-            target.fail(failing.failingCall);
-        LocalizableItem item(parameters, failing.kind);
-        const ResultPair result = localize(failing.locale, item);
-        EXPECT_EQ(result, failing.result);
-        EXPECT_EQ(result.text().view(), failing.text);
+        parameters.insert_or_update(refused.key, refused.value);
+        LocalizableItem item(parameters, static_cast<ILocalizable::Kind>(refused.kind));
+        const ResultPair result = localize(refused.locale, item);
+        EXPECT_EQ(result, refused.result);
+        EXPECT_EQ(result.text().view(), refused.text);
         EXPECT_EQ(text.name().view(), "before");
         EXPECT_EQ(item.parameters(), parameters);
+    }
+}
+
+TEST_F(EventLocalizerTest, WritesNothingAndReportsWhenACallFailsAndAsksAnewNextTime) {
+    for (const char* operation : {"IsConnected", "GetEventText", "GetEventClassName",
+                                  "GetSourceName", "GetCauseRemedy", "GetDetails", "GetItem"}) {
+        SCOPED_TRACE(operation);
+        target.lookup.clearCache();
+        target.fail(operation);
+        LocalizableItem item(hotTank());
+        const ResultPair result = localize("de-DE", item);
+        EXPECT_EQ(result, ErrorValue::request_failed);
+        EXPECT_EQ(result.text().view(), "An exception was raised.");
+        EXPECT_EQ(text.name().view(), "before");
+        EXPECT_EQ(item.parameters(), hotTank());
+        EXPECT_EQ(target.logging.takeReports(), std::vector<std::string>{"Filler"});
+        EXPECT_EQ(localize("de-DE", item), ErrorValue::success);
+        EXPECT_TRUE(target.logging.takeReports().empty());
     }
 }
 

@@ -1,7 +1,6 @@
 #include "robustness/ContentCheck.h"
 
 #include <algorithm>
-#include <iterator>
 #include <map>
 
 using namespace ZrHmiSrv;
@@ -82,19 +81,6 @@ void checkHost(Findings& findings, RecordingHost& host, const Content& store) {
 }
 
 }  // namespace
-
-void compareImages(Findings& findings, const char* here, const EventImages& a, const char* there,
-                   const EventImages& b) {
-    const auto add = [&](const char* where, const EventImages& more, const EventImages& less) {
-        std::vector<std::string> missing;
-        std::set_difference(more.begin(), more.end(), less.begin(), less.end(),
-                            std::back_inserter(missing));
-        for (const std::string& image : missing)
-            findings.push_back(std::string("only ") + where + " has " + image);
-    };
-    add(here, a, b);
-    add(there, b, a);
-}
 
 Findings checkContent(TargetSystem& target, RecordingHost& host, const LoggerContent& logger) {
     Findings findings;

@@ -1,6 +1,7 @@
 #include "robustness/EventImage.h"
 
 #include <algorithm>
+#include <iterator>
 #include <sstream>
 
 #include "events/ProxyValue.h"
@@ -10,7 +11,6 @@ using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;
 using ZrAtlCom::ComPtr;
 using ZrHmiEventLogger::readValue;
-using ZrHmiEventLogger::toTimestamp;
 using ZrHmiSrv::Alarm;
 using ZrHmiSrv::AlarmConfirmationState;
 using ZrHmiSrv::AlarmState;
@@ -65,6 +65,11 @@ Fields fieldsOf(const char* kind, const HostEvent& event) {
     if (fields.arguments > 0 && !parameters.lookup("data"))
         fields.remark += " without its arguments";
     return fields;
+}
+
+Timestamp toTimestamp(FILETIME time) {
+    const auto ticks = (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+    return Timestamp::from_file_time(static_cast<long long>(ticks));
 }
 
 template <class Object, class Owner>
@@ -141,6 +146,19 @@ std::string imageOf(IZrLoggedEvent& event) {
 std::string sourceOf(const Alarm& alarm) {
     const Value* name = alarm.payload().lookup("sourceName");
     return name ? name->get_string() : std::string();
+}
+
+void compareImages(Findings& findings, const char* here, const EventImages& a, const char* there,
+                   const EventImages& b) {
+    const auto add = [&](const char* where, const EventImages& more, const EventImages& less) {
+        std::vector<std::string> missing;
+        std::set_difference(more.begin(), more.end(), less.begin(), less.end(),
+                            std::back_inserter(missing));
+        for (const std::string& image : missing)
+            findings.push_back(std::string("only ") + where + " has " + image);
+    };
+    add(here, a, b);
+    add(there, b, a);
 }
 
 }  // namespace bridge_test

@@ -2,6 +2,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 #include "host/Event.h"
 #include "target/proxy/ZrEventLoggerFnxProxy.h"
@@ -21,5 +22,12 @@ std::string imageOf(ZrEventLoggerFnxProxyLib::IZrLoggedEvent& event);
 
 /// The name of an event's source, by which tests tell alarms apart.
 std::string sourceOf(const ZrHmiSrv::Alarm& alarm);
+
+/// What a check has found, one line each.
+using Findings = std::vector<std::string>;
+
+/// Adds a line for each image that only one side has.
+void compareImages(Findings& findings, const char* here, const EventImages& a, const char* there,
+                   const EventImages& b);
 
 }  // namespace bridge_test

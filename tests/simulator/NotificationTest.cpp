@@ -92,8 +92,8 @@ TEST_F(NotificationTest, MayDisconnectAndUnadviseFromInside) {
     done.get_future().wait();
     EXPECT_FALSE(client.isConnected());
 
-    client.sink.inside = nullptr;
     client.sink.waitFor(1);
+    client.sink.inside = nullptr;
     EXPECT_EQ(client.advise(), S_OK);
     EXPECT_EQ(client.connect(), S_OK);
     send(3);

@@ -69,32 +69,6 @@ TEST(TextLookup, AsksTheLoggerOnceForEachText) {
     EXPECT_EQ(target.calls("GetEventText"), 4);
 }
 
-TEST(TextLookup, AFailedCallIsReportedAndAskedAgain) {
-    struct Case {
-        const char* operation;
-        Translation (TextLookup::*ask)(const EventReference&, LCID);
-    };
-    const Case cases[] = {{"GetEventText", &TextLookup::eventText},
-                          {"IsConnected", &TextLookup::eventText},
-                          {"GetEventClassName", &TextLookup::eventClassName},
-                          {"GetSourceName", &TextLookup::sourceName},
-                          {"GetCauseRemedy", &TextLookup::guidance},
-                          {"GetItem", &TextLookup::guidance},
-                          {"GetDetails", &TextLookup::guidance}};
-    ConnectedLookup target;
-    for (const auto& [operation, ask] : cases) {
-        SCOPED_TRACE(operation);
-        target.lookup.clearCache();
-        target.fail(operation);
-        const Translation failed = (target.lookup.*ask)(hotTank(), german);
-        EXPECT_EQ(failed.result, ErrorValue::request_failed);
-        EXPECT_EQ(failed.result.text().view(), "An exception was raised.");
-        EXPECT_EQ(target.logging.takeReports(), std::vector<std::string>{"Filler"});
-        EXPECT_EQ((target.lookup.*ask)(hotTank(), german).result, ErrorValue::success);
-        EXPECT_TRUE(target.logging.takeReports().empty());
-    }
-}
-
 TEST(TextLookup, WithoutAConnectionOnlyTheCacheAnswers) {
     ConnectedLookup target;
     ASSERT_EQ(target.lookup.eventText(hotTank(), english).result, ErrorValue::success);

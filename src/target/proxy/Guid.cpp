@@ -1,13 +1,22 @@
 #include "target/proxy/Guid.h"
 
 #include <charconv>
-#include <cstdio>
+#include <iterator>
 
 namespace ZrAtlCom {
 
 namespace {
 
 constexpr std::string_view form = "{00000000-0000-0000-0000-000000000000}";
+constexpr std::size_t bytesAt[] = {20, 22, 25, 27, 29, 31, 33, 35};
+
+template <class Field>
+void writeField(std::string& text, std::size_t offset, Field field) {
+    for (std::size_t digit = 2 * sizeof(Field); digit-- > 0;) {
+        text[offset + digit] = "0123456789ABCDEF"[field & 0xF];
+        field = static_cast<Field>(field >> 4);
+    }
+}
 
 template <class Field>
 bool readField(std::string_view text, std::size_t offset, Field& field) {
@@ -29,17 +38,16 @@ bool hasForm(std::string_view text) {
 }  // namespace
 
 std::string guidText(const GUID& guid) {
-    std::string text(form.size(), '\0');
-    const auto& d = guid.Data4;
-    std::snprintf(text.data(), text.size() + 1,
-                  "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
-                  static_cast<unsigned>(guid.Data1), guid.Data2, guid.Data3, d[0], d[1], d[2], d[3],
-                  d[4], d[5], d[6], d[7]);
+    std::string text(form);
+    writeField(text, 1, guid.Data1);
+    writeField(text, 10, guid.Data2);
+    writeField(text, 15, guid.Data3);
+    for (std::size_t i = 0; i < std::size(bytesAt); ++i)
+        writeField(text, bytesAt[i], guid.Data4[i]);
     return text;
 }
 
 GUID parseGuid(std::string_view text) {
-    constexpr std::size_t bytesAt[] = {20, 22, 25, 27, 29, 31, 33, 35};
     GUID guid{};
     bool valid = hasForm(text) && readField(text, 1, guid.Data1) &&
                  readField(text, 10, guid.Data2) && readField(text, 15, guid.Data3);

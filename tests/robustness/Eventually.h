@@ -1,0 +1,20 @@
+#pragma once
+
+#include <chrono>
+#include <thread>
+
+namespace bridge_test {
+
+/// For conditions that nobody signals: true as soon as it holds, false when it did not in time.
+template <class Condition>
+bool eventually(Condition condition) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return true;
+}
+
+}  // namespace bridge_test

@@ -1,0 +1,103 @@
+#include <functional>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "robustness/Eventually.h"
+#include "robustness/RunningServer.h"
+#include "robustness/Watchdog.h"
+#include "support/Simulation.h"
+
+using namespace bridge_test;
+using testing::IsEmpty;
+using ZrHmiSrv::Value;
+
+namespace {
+
+/// A call of the target "Filler" that does not return before its time-out.
+struct HangingCall {
+    const char* operation;
+    /// What makes the extension call, unless its timer does; may take as long as the call.
+    void (*trigger)(Simulation& simulation, RunningServer& server);
+};
+
+hmi::EventRecordPtr firstAlarm(RunningServer& server) {
+    hmi::EventFilter filler;
+    filler.target = "Filler";
+    return server.events.select(filler, 0, 1).events.front();
+}
+
+void drop(Simulation& simulation, RunningServer&) {
+    simulation.act(R"({"do": "drop"})");
+}
+
+const HangingCall hangingCalls[] = {
+    {"IsConnected", [](Simulation&, RunningServer&) {}},
+    {"ConnectWithSettings", drop},
+    {"GetLoggedEvents", drop},
+    {"GetActiveAlarms", drop},
+    {"GetItem", drop},
+    {"Severity", [](Simulation& simulation, RunningServer&) { simulation.raise("new"); }},
+    {"Confirm", [](Simulation&,
+                   RunningServer& server) { server.calls.confirm(*firstAlarm(server)->alarm()); }},
+    {"GetEventText",
+     [](Simulation&, RunningServer& server) {
+         server.calls.localize(*firstAlarm(server), "de-DE");
+     }},
+    {"Disconnect",
+     [](Simulation&, RunningServer& server) { server.command("ForceReconnect", "Filler"); }},
+};
+
+class Hang : public testing::TestWithParam<HangingCall> {
+protected:
+    std::int64_t calls() {
+        return simulation.status().at("calls").at(GetParam().operation).to_number<std::int64_t>();
+    }
+    std::string stateOf(const char* target) {
+        return server.diagnostics(target).get_map().get("connectionState").get_string();
+    }
+    std::size_t alarmsOf(const char* target) {
+        hmi::EventFilter filter;
+        filter.target = target;
+        return server.events.select(filter, 0, 1).total;
+    }
+
+    const Watchdog watchdog{std::chrono::minutes(1)};
+    Simulation simulation;
+    RunningServer server;
+};
+
+TEST_P(Hang, KeepsNobodyElseWaiting) {
+    simulation.raise("old");
+    ASSERT_TRUE(eventually([&] { return alarmsOf("Filler") == 1; }));
+    const auto before = calls();
+    simulation.act(std::string(R"({"do": "pause", "call": ")") + GetParam().operation + "\"}");
+    std::thread trigger([&] { GetParam().trigger(simulation, server); });
+    EXPECT_TRUE(eventually([&] { return calls() > before; }));
+    const std::size_t entries = server.logged("Filler");
+
+    simulation.raise("urgent", 1, packerNetId);
+    EXPECT_TRUE(eventually([&] { return alarmsOf("Packer") == 1; }));
+    EXPECT_EQ(stateOf("Packer"), "Good");
+    EXPECT_NE(stateOf("Filler"), "");
+    // The end of the call, be it the time-out's, would have been told.
+    EXPECT_EQ(server.logged("Filler"), entries) << "it waited for the hanging call";
+
+    simulation.act(R"({"do": "resume"})");
+    trigger.join();
+    Findings findings;
+    eventually([&] {
+        findings = server.compare("Filler", fillerNetId);
+        return findings.empty();
+    });
+    EXPECT_THAT(findings, IsEmpty());
+}
+
+std::string nameOf(const testing::TestParamInfo<HangingCall>& call) {
+    return call.param.operation;
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, Hang, testing::ValuesIn(hangingCalls), nameOf);
+
+}  // namespace

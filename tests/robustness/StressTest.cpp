@@ -1,0 +1,57 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "robustness/Crowd.h"
+#include "robustness/Eventually.h"
+#include "robustness/RunningServer.h"
+#include "robustness/Watchdog.h"
+#include "support/Simulation.h"
+
+using namespace bridge_test;
+using testing::IsEmpty;
+
+namespace {
+
+TEST(Stress, EverythingAtATimeLeavesTheServerWithWhatTheLoggersHold) {
+    const Watchdog watchdog(std::chrono::minutes(2));
+    Simulation simulation;
+    RunningServer server;
+    for (unsigned seed = 100; seed <= 300; seed += 100) {
+        SCOPED_TRACE(seed);
+        Crowd crowd(simulation, server, seed);
+        crowd.waitForSteps(1000);
+        crowd.leave();
+        EXPECT_GT(crowd.confirmed, 0);
+        EXPECT_GT(crowd.localized, 0);
+        EXPECT_GT(crowd.reconfigured, 0);
+
+        server.configure("Packer", packerNetId, true);
+        Findings findings;
+        eventually([&] {
+            findings = server.compare("Filler", fillerNetId);
+            for (const std::string& finding : server.compare("Packer", packerNetId))
+                findings.push_back(finding);
+            return findings.empty();
+        });
+        EXPECT_THAT(findings, IsEmpty());
+    }
+    server.stop();
+    EXPECT_EQ(simulation.liveObjects(fillerNetId), 0);
+    EXPECT_EQ(simulation.liveObjects(packerNetId), 0);
+}
+
+TEST(Stress, ShutdownInTheMiddleOfEverything) {
+    const Watchdog watchdog(std::chrono::minutes(2));
+    for (unsigned seed = 1000; seed <= 5000; seed += 1000) {
+        SCOPED_TRACE(seed);
+        Simulation simulation;
+        RunningServer server;
+        Crowd crowd(simulation, server, seed);
+        crowd.waitForSteps(100);
+        server.stop();
+        EXPECT_EQ(simulation.liveObjects(fillerNetId), 0);
+        EXPECT_EQ(simulation.liveObjects(packerNetId), 0);
+    }
+}
+
+}  // namespace
