@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <deque>
 #include <random>
 #include <stdexcept>
@@ -99,7 +100,8 @@ public:
                   translation.result = {ErrorValue::request_failed, exception.what()};
               }
           }) {
-        begun.get_future().wait();
+        EXPECT_EQ(begun.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready)
+            << "waits for another's answer";
     }
     ~OpenQuestion() {
         if (thread.joinable())
