@@ -26,7 +26,7 @@ FakeEventData raisedAt(int seconds) {
 
 TEST(AlarmLifecycle, TellsTheLogAndThenTheHost) {
     LifecycleWorld world;
-    FakeAlarm alarm(world.border, raisedAt(5));
+    FakeAlarm& alarm = world.alarm(raisedAt(5));
     world.raise(alarm);
     alarm.data.confirmed = at(6);
     alarm.data.confirmationState = 3;
@@ -50,8 +50,8 @@ TEST(AlarmLifecycle, TellsTheLogAndThenTheHost) {
 
 TEST(AlarmLifecycle, RaisedAgainKeepsTheIdAndSpendsAnother) {
     LifecycleWorld world;
-    FakeAlarm alarm(world.border, raisedAt(5));
-    FakeAlarm next(world.border, raisedAt(5));
+    FakeAlarm& alarm = world.alarm(raisedAt(5));
+    FakeAlarm& next = world.alarm(raisedAt(5));
     alarm.data.instanceId = 1;
     next.data.instanceId = 2;
     world.raise(alarm);
@@ -66,7 +66,7 @@ TEST(AlarmLifecycle, RaisedAgainKeepsTheIdAndSpendsAnother) {
     EXPECT_THAT(world.stored(), ElementsAre("5s alarm 3", "9s alarm 1"));
 
     // It is known by its new time, and of two at one time the number tells which.
-    FakeAlarm standIn(world.border, next.data);
+    FakeAlarm& standIn = world.alarm(next.data);
     alarm.data.cleared = standIn.data.cleared = at(10);
     world.clear(alarm, VARIANT_FALSE);
     world.clear(standIn, VARIANT_FALSE);
@@ -79,8 +79,8 @@ TEST(AlarmLifecycle, RaisedAgainKeepsTheIdAndSpendsAnother) {
 
 TEST(AlarmLifecycle, TakesATimeThatTheLoggerLeavesOut) {
     LifecycleWorld world;
-    FakeAlarm known(world.border, raisedAt(5));
-    FakeAlarm unknown(world.border, raisedAt(6));
+    FakeAlarm& known = world.alarm(raisedAt(5));
+    FakeAlarm& unknown = world.alarm(raisedAt(6));
     world.raise(known);
     world.host.take();
     world.clear(known, 1);  // not the one value that counts as true
@@ -97,7 +97,7 @@ TEST(AlarmLifecycle, TakesATimeThatTheLoggerLeavesOut) {
 
 TEST(AlarmLifecycle, QuietChangesTheStoreAndTheLogOnly) {
     LifecycleWorld world;
-    FakeAlarm alarm(world.border, raisedAt(5));
+    FakeAlarm& alarm = world.alarm(raisedAt(5));
     FakeMessage message(world.border, raisedAt(6));
     world.raise(alarm, quiet);
     world.raise(alarm, quiet);
@@ -116,7 +116,7 @@ TEST(AlarmLifecycle, ReportsAnEvictionBeforeItsCauseUnlessItIsItsOwn) {
     FakeMessage first(world.border, raisedAt(2));
     FakeMessage second(world.border, raisedAt(4));
     FakeMessage late(world.border, raisedAt(1));
-    FakeAlarm alarm(world.border, raisedAt(3));
+    FakeAlarm& alarm = world.alarm(raisedAt(3));
     world.lifecycle.onMessageSent(first, false);
     world.lifecycle.onMessageSent(second, false);
     EXPECT_EQ(world.host.take(),
@@ -134,7 +134,7 @@ TEST(AlarmLifecycle, ReportsAnEvictionBeforeItsCauseUnlessItIsItsOwn) {
                                         "NEW_ALARM_RAISED Filler 2 5s", "raise 2"}));
 
     LifecycleWorld without(0);
-    FakeAlarm lone(without.border, raisedAt(1));
+    FakeAlarm& lone = without.alarm(raisedAt(1));
     without.raise(lone);
     EXPECT_THAT(without.stored(), ElementsAre("1s alarm 1"));
     without.clear(lone, VARIANT_TRUE);
@@ -144,7 +144,7 @@ TEST(AlarmLifecycle, ReportsAnEvictionBeforeItsCauseUnlessItIsItsOwn) {
 
 TEST(Confirmation, ReachesTheLiveAlarmOrFails) {
     LifecycleWorld world;
-    FakeAlarm alarm(world.border, raisedAt(5));
+    FakeAlarm& alarm = world.alarm(raisedAt(5));
     EXPECT_EQ(world.confirmByOperator(1), E_FAIL);
     EXPECT_THAT(world.host.take(), IsEmpty());
     world.raise(alarm);
@@ -209,7 +209,7 @@ TEST(AlarmLifecycle, ANotificationThatFailsLeavesNoTrace) {
             data.argumentCount = 1;
             data.layout = {1, 0, 1, 1, 1};
             data.block = {1, 2};
-            FakeAlarm alarm(world.border, data);
+            FakeAlarm& alarm = world.alarm(data);
             if (known)
                 world.raise(alarm);
             world.host.take();
@@ -258,8 +258,8 @@ private:
 
 TEST(AlarmLifecycle, CallsNobodyWithTheStoreLocked) {
     LifecycleWorld world(1);
-    FakeAlarm first(world.border, raisedAt(1));
-    FakeAlarm second(world.border, raisedAt(2));
+    FakeAlarm& first = world.alarm(raisedAt(1));
+    FakeAlarm& second = world.alarm(raisedAt(2));
     FakeMessage message(world.border, raisedAt(3));
     LockProbe probe(world.store);
     std::size_t calls = 0;

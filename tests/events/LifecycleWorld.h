@@ -1,6 +1,8 @@
 #pragma once
 
 #include <atomic>
+#include <deque>
+#include <utility>
 
 #include "events/AlarmLifecycle.h"
 #include "events/EventStore.h"
@@ -15,12 +17,17 @@ struct LifecycleWorld {
         : context{"Filler", "Domain", host, ids, limit} {}
 
     FakeBorder border;
+    std::deque<FakeAlarm> alarms;  ///< live as long as the store that refers to them
     RecordingLogging host;
     std::atomic<std::int32_t> ids = 1;
     const ZrHmiEventLogger::EventContext context;
     ZrHmiEventLogger::EventStore store{context};
     ZrHmiEventLogger::AlarmLifecycle lifecycle{context, store};
 
+    template <class Data>
+    FakeAlarm& alarm(Data data) {
+        return alarms.emplace_back(border, std::move(data));
+    }
     void raise(FakeAlarm& alarm, bool quiet = false) { lifecycle.onAlarmRaised(alarm, quiet); }
     void clear(FakeAlarm& alarm, VARIANT_BOOL removed, bool quiet = false) {
         lifecycle.onAlarmCleared(alarm, removed, quiet);
