@@ -1,5 +1,7 @@
 #include "robustness/Deliveries.h"
 
+#include <utility>
+
 namespace bridge_test {
 
 Deliveries& Deliveries::instance() {
@@ -15,6 +17,16 @@ LONG Deliveries::nextFence() {
 bool& Deliveries::onThisThread() {
     thread_local bool delivering = false;
     return delivering;
+}
+
+void Deliveries::complain(std::string complaint) {
+    Lock lock(mutex);
+    complaints.push_back(std::move(complaint));
+}
+
+std::vector<std::string> Deliveries::takeComplaints() {
+    Lock lock(mutex);
+    return std::exchange(complaints, {});
 }
 
 void Deliveries::fenceDelivered(LONG fence) {

@@ -2,6 +2,8 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <string>
+#include <vector>
 
 #include "platform/Automation.h"
 #include "platform/Mutex.h"
@@ -22,6 +24,10 @@ public:
     /// Whether this thread is delivering a notification.
     static bool& onThisThread();
 
+    /// Something that a sink must not do. Taken once.
+    void complain(std::string complaint);
+    std::vector<std::string> takeComplaints();
+
     void fenceDelivered(LONG fence);
     /// True when the fence was delivered in time.
     bool waitFor(LONG fence, std::chrono::milliseconds time);
@@ -33,6 +39,7 @@ private:
     std::condition_variable_any changed;
     LONG given GUARDED_BY(mutex) = lastRealReason;
     LONG delivered GUARDED_BY(mutex) = lastRealReason;
+    std::vector<std::string> complaints GUARDED_BY(mutex);
 };
 
 }  // namespace bridge_test

@@ -94,6 +94,27 @@ TEST_P(Hang, KeepsNobodyElseWaiting) {
     EXPECT_THAT(findings, IsEmpty());
 }
 
+/// The timer's call hangs while the target goes and comes back.
+TEST(HangingTarget, CanBeReplaced) {
+    const Watchdog watchdog(std::chrono::minutes(1));
+    Simulation simulation;
+    RunningServer server;
+    const auto calls = [&] {
+        return simulation.status().at("calls").at("IsConnected").to_number<std::int64_t>();
+    };
+    const auto before = calls();
+    simulation.act(R"({"do": "pause", "call": "IsConnected"})");
+    EXPECT_TRUE(eventually([&] { return calls() > before; }));
+    server.remove("Filler");
+    EXPECT_FALSE(server.diagnostics("Filler").isset());
+    EXPECT_EQ(server.logged("Filler", "CORVANE_EVENTLOGGER_ERROR"), 0U) << "after its time-out";
+
+    simulation.act(R"({"do": "resume"})");
+    EXPECT_TRUE(eventually([&] { return simulation.liveObjects() == 0; }));
+    server.configure("Filler", fillerNetId, true);
+    EXPECT_THAT(server.compare("Filler", fillerNetId), IsEmpty());
+}
+
 std::string nameOf(const testing::TestParamInfo<HangingCall>& call) {
     return call.param.operation;
 }

@@ -186,8 +186,8 @@ Findings Harness::settle(bool importAgain) {
     }
     if (const auto texts = localize(shown("waiting")); texts != expectedTexts)
         findings.push_back("texts: " + texts);
-    for (const std::string& conflict : link.idConflicts())
-        findings.push_back(conflict);
+    for (const auto& more : {link.idConflicts(), Deliveries::instance().takeComplaints()})
+        findings.insert(findings.end(), more.begin(), more.end());
     FaultPlan::instance().suspend(false);
     return findings;
 }

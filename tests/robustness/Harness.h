@@ -78,12 +78,12 @@ private:
     LONG postFence();
     /// The references and stand-ins that came since the harness was made.
     std::int64_t references() { return simulation.liveObjects() - referencesBefore; }
-    int standIns() const { return liveProxyObjects - standInsBefore; }
+    int standIns() const { return liveProxyObjects() - standInsBefore; }
     bool tryCreate();
     void refresh() { target->provideEvents(link); }
 
     const std::int64_t referencesBefore = simulation.liveObjects();
-    const int standInsBefore = liveProxyObjects;
+    const int standInsBefore = liveProxyObjects();
     std::atomic<bool> stopFlag = false;
     std::atomic<std::int32_t> hostIds = 1;
 };

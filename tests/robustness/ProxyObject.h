@@ -11,7 +11,7 @@
 namespace bridge_test {
 
 /// How many stand-ins of the library's objects exist.
-inline std::atomic<int> liveProxyObjects = 0;
+std::atomic<int>& liveProxyObjects();
 
 /// Stands before an object of the simulated library: every call of the extension passes the
 /// fault plan first. It begins with one reference, which its creator owns, and offers just the
@@ -60,9 +60,9 @@ public:
 protected:
     explicit ProxyObject(const ZrAtlCom::ComPtr<First>& object)
         : reals(object, object.template query<Others>()...) {
-        ++liveProxyObjects;
+        ++liveProxyObjects();
     }
-    virtual ~ProxyObject() { --liveProxyObjects; }
+    virtual ~ProxyObject() { --liveProxyObjects(); }
 
     ULONG letGo() {
         const ULONG left = dropReference();

@@ -99,11 +99,12 @@ Value RunningServer::diagnostics(const char* target) {
     return answer.get_map().get("TARGET_SYSTEMS").get_map().get(target);
 }
 
-std::size_t RunningServer::logged(const char* target) const {
+std::size_t RunningServer::logged(const char* target, const char* name) const {
     const auto entries = log.read(0, std::numeric_limits<std::size_t>::max()).entries;
     return static_cast<std::size_t>(
         std::count_if(entries.begin(), entries.end(), [&](const auto& entry) {
-            return entry->message.parameters().get_map().get("0") == Value(target);
+            return (!name || entry->message.name().view() == name) &&
+                   entry->message.parameters().get_map().get("0") == Value(target);
         }));
 }
 

@@ -36,8 +36,8 @@ public:
     unsigned command(const char* name, ZrHmiSrv::Value input = {});
     /// The "Diagnostics" entry of a target system.
     ZrHmiSrv::Value diagnostics(const char* target);
-    /// How many entries of the log are about a target system.
-    std::size_t logged(const char* target) const;
+    /// How many entries of the log are about a target system, of this name or of any.
+    std::size_t logged(const char* target, const char* name = nullptr) const;
 
     /// What differs between the server, the extension's counters and the logger.
     Findings compare(const char* target, const char* netId);

@@ -33,6 +33,11 @@ HRESULT create(REFCLSID classId, void** object) {
 
 }  // namespace
 
+std::atomic<int>& liveProxyObjects() {
+    static std::atomic<int> count = 0;
+    return count;
+}
+
 SimulatedLibrary::SimulatedLibrary()
     : library(boost::dll::program_location().parent_path() / "ZrEventLoggerFnxProxy",
               boost::dll::load_mode::append_decorations) {}

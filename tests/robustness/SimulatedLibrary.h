@@ -8,8 +8,8 @@
 
 namespace bridge_test {
 
-/// The simulated proxy library, loaded at run time: this program has functions of the same names,
-/// which are those that the code under test calls. Never unloaded.
+/// The simulated proxy library, loaded at run time, because what is here has functions of the same
+/// names: those that the code under test calls. Never unloaded.
 class SimulatedLibrary {
 public:
     static SimulatedLibrary& instance();

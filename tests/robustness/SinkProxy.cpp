@@ -1,8 +1,7 @@
 #include "robustness/SinkProxy.h"
 
+#include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "robustness/AlarmProxy.h"
 #include "robustness/Deliveries.h"
@@ -66,15 +65,17 @@ void SinkProxy::notify(DISPID id, DISPPARAMS& parameters) {
         event.pdispVal = nullptr;
 
     DISPPARAMS handedOn{reversed.data(), nullptr, parameters.cArgs, 0};
+    auto& deliveries = Deliveries::instance();
     try {
         const HRESULT hr =
             real()->Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &handedOn, nullptr, nullptr, nullptr);
-        EXPECT_EQ(hr, S_OK) << "of notification " << id;
+        if (hr != S_OK)
+            deliveries.complain("notification " + std::to_string(id) + " was refused");
     } catch (...) {
-        ADD_FAILURE() << "an exception left the sink, from notification " << id;
+        deliveries.complain("an exception left the sink, from notification " + std::to_string(id));
     }
     if (fence)
-        Deliveries::instance().fenceDelivered(event.lVal);
+        deliveries.fenceDelivered(event.lVal);
 }
 
 }  // namespace bridge_test
