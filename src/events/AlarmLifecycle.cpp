@@ -43,6 +43,13 @@ EventStore::AlarmPointer pointerTo(IZrAlarm& alarm) {
     return std::make_shared<ScopedEventPointer<IZrAlarm>>(&alarm);
 }
 
+EventStore::Container::Entry* findUnsettled(const EventStore::Container& events,
+                                            const UnsettledAlarm& alarm) {
+    return events.findInGroup(alarm.key.timeRaised.nanoseconds(), [&](const auto& entry) {
+        return alarmOf(entry.event()).id() == alarm.hostId;
+    });
+}
+
 }  // namespace
 
 /// What clearing and confirming have in common, read from the proxy before anything is changed.
@@ -55,6 +62,12 @@ struct AlarmLifecycle::Change {
     Timestamp loggerTime;  ///< of the clear or the confirmation, as the logger has it
     Timestamp storedTime;  ///< the same as the store takes it over
     void (*setTime)(Alarm& alarm, Timestamp time);
+};
+
+struct AlarmLifecycle::Raised {
+    IZrAlarm& source;
+    AlarmKey key;
+    std::optional<UnsettledAlarm> unsettled;  ///< an import has taken it over without its end
 };
 
 void AlarmLifecycle::handle(const RecordedCallback& notification, bool quiet) {
@@ -90,13 +103,20 @@ void AlarmLifecycle::onMessageSent(IZrMessage& source, bool quiet) {
         store.forget(evicted);
 }
 
-std::optional<Alarm> AlarmLifecycle::findLive(const IZrAlarm& source) {
+std::optional<Alarm> AlarmLifecycle::findStored(const Raised& raised) {
     std::optional<Alarm> stored;
     store.read([&](const Container& events) {
-        if (const auto* entry = events.findByPointer(&source))
+        if (const auto* entry = findRaised(events, raised))
             stored = alarmOf(entry->event());
     });
     return stored;
+}
+
+AlarmLifecycle::Container::Entry* AlarmLifecycle::findRaised(const Container& events,
+                                                             const Raised& raised) {
+    if (auto* entry = events.findByPointer(&raised.source))
+        return entry;
+    return raised.unsettled ? findUnsettled(events, *raised.unsettled) : nullptr;
 }
 
 void AlarmLifecycle::convert(Alarm& alarm, IZrAlarm& source, bool keepId) {
@@ -104,13 +124,16 @@ void AlarmLifecycle::convert(Alarm& alarm, IZrAlarm& source, bool keepId) {
 }
 
 void AlarmLifecycle::onAlarmRaised(IZrAlarm& source, bool quiet) {
-    const AlarmKey key = alarmKeyOf(source);
-    const auto stored = findLive(source);
-    const bool late = identities.takeAlarm(key, NotificationKind::alarmRaised);
+    Raised raised{source, alarmKeyOf(source), {}};
+    const bool late = identities.takeAlarm(raised.key, NotificationKind::alarmRaised);
+    if (!late && identities.anyUnsettled())
+        if (const auto instance = alarmInstanceOf(source, raised.key))
+            raised.unsettled = identities.unsettled(*instance);
+    const auto stored = findStored(raised);
     if (stored && !(late && isCurrent(*stored, source)))
-        raiseAgain(source, key, *stored, quiet);
+        raiseAgain(raised, *stored, quiet);
     else if (!stored && !late)
-        raise(source, key, quiet);
+        raise(raised, quiet);
 }
 
 /// Whether the alarm stands in the store just as the logger has it.
@@ -120,30 +143,29 @@ bool AlarmLifecycle::isCurrent(const Alarm& stored, IZrAlarm& source) const {
     return Value(current) == Value(stored);
 }
 
-void AlarmLifecycle::raise(IZrAlarm& source, const AlarmKey& key, bool quiet) {
+void AlarmLifecycle::raise(const Raised& raised, bool quiet) {
     static const Text name("NEW_ALARM_RAISED");
     Alarm alarm;
-    convert(alarm, source, false);
-    announce(name, source, alarm, key, quiet);
+    convert(alarm, raised.source, false);
+    announce(name, raised, alarm, quiet);
 }
 
-void AlarmLifecycle::raiseAgain(IZrAlarm& source, const AlarmKey& key, const Alarm& stored,
-                                bool quiet) {
+void AlarmLifecycle::raiseAgain(const Raised& raised, const Alarm& stored, bool quiet) {
     static const Text name("ACTIVE_ALARM_RAISED_AGAIN");
     Alarm alarm = stored;
     // The id that is drawn here is spent: the alarm keeps the one under which the host knows it.
-    convert(alarm, source, true);
-    announce(name, source, alarm, key, quiet);
+    convert(alarm, raised.source, true);
+    announce(name, raised, alarm, quiet);
 }
 
-void AlarmLifecycle::announce(const Text& name, IZrAlarm& source, const Alarm& alarm,
-                              const AlarmKey& key, bool quiet) {
+void AlarmLifecycle::announce(const Text& name, const Raised& raised, const Alarm& alarm,
+                              bool quiet) {
     Container::Removed former;
-    auto pointer = pointerTo(source);
+    auto pointer = pointerTo(raised.source);
     store.forget(store.change([&](Container& events) {
-        if (auto* entry = events.findByPointer(&source))
+        if (auto* entry = findRaised(events, raised))
             former = events.erase(*entry);
-        events.insert(eventOf(alarm), {std::move(pointer), storeKeyOf(alarm, key)},
+        events.insert(eventOf(alarm), {std::move(pointer), storeKeyOf(alarm, raised.key)},
                       context.eventLimit);
     }));
     context.logging.logMessage(
@@ -154,10 +176,10 @@ void AlarmLifecycle::announce(const Text& name, IZrAlarm& source, const Alarm& a
 
 void AlarmLifecycle::refresh(const RecordedCallback& notification) {
     IZrAlarm& source = *notification.alarm;
-    const auto stored = findLive(source);
+    const AlarmKey key = alarmKeyOf(source);
+    const auto stored = findStored({source, key, {}});
     if (!stored)
         return;
-    const AlarmKey key = alarmKeyOf(source);
     Alarm alarm = *stored;
     toHostAlarm(alarm, source, context.domain, context.targetName, 0, true);
     if (notification.kind == NotificationKind::alarmCleared)
@@ -252,16 +274,12 @@ void AlarmLifecycle::onAlarmChanged(const Change& change, bool removed, bool qui
         store.forget(evicted);
 }
 
-AlarmLifecycle::Container::Entry* AlarmLifecycle::findKnown(Container& events,
+AlarmLifecycle::Container::Entry* AlarmLifecycle::findKnown(const Container& events,
                                                             const AlarmKey& key) const {
     if (auto* entry = events.find(key))
         return entry;
-    const auto hostId = identities.unsettled(key);
-    if (!hostId)
-        return nullptr;
-    return events.findInGroup(key.timeRaised.nanoseconds(), [&](const Container::Entry& entry) {
-        return alarmOf(entry.event()).id() == *hostId;
-    });
+    const auto unsettled = identities.unsettled(key);
+    return unsettled ? findUnsettled(events, *unsettled) : nullptr;
 }
 
 HRESULT AlarmLifecycle::confirm(const Alarm& alarm) {

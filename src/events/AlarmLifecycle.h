@@ -41,17 +41,20 @@ private:
     using Container = EventStore::Container;
     struct Change;
 
-    std::optional<ZrHmiSrv::Alarm> findLive(const IZrAlarm& source);
+    /// An alarm that was raised, and what a raise of it replaces if it stands in the store already.
+    struct Raised;
+
+    std::optional<ZrHmiSrv::Alarm> findStored(const Raised& raised);
     void convert(ZrHmiSrv::Alarm& alarm, IZrAlarm& source, bool keepId);
-    void raise(IZrAlarm& source, const AlarmKey& key, bool quiet);
-    void raiseAgain(IZrAlarm& source, const AlarmKey& key, const ZrHmiSrv::Alarm& stored,
-                    bool quiet);
+    void raise(const Raised& raised, bool quiet);
+    void raiseAgain(const Raised& raised, const ZrHmiSrv::Alarm& stored, bool quiet);
     /// Stores the alarm in the place of what was stored of it, logs and tells the host.
-    void announce(const ZrHmiSrv::Text& name, IZrAlarm& source, const ZrHmiSrv::Alarm& alarm,
-                  const AlarmKey& key, bool quiet);
+    void announce(const ZrHmiSrv::Text& name, const Raised& raised, const ZrHmiSrv::Alarm& alarm,
+                  bool quiet);
     bool isCurrent(const ZrHmiSrv::Alarm& stored, IZrAlarm& source) const;
     void onAlarmChanged(const Change& change, bool removed, bool quiet);
-    Container::Entry* findKnown(Container& events, const AlarmKey& key) const;
+    static Container::Entry* findRaised(const Container& events, const Raised& raised);
+    Container::Entry* findKnown(const Container& events, const AlarmKey& key) const;
 
     const EventContext& context;
     EventStore& store;

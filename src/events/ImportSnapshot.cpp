@@ -28,11 +28,6 @@ bool isStillActive(const ComPtr<IZrLoggedEvent>& item) {
            readValue(*extended, &IZrLoggedEvent2::get_IsActive) == VARIANT_TRUE;
 }
 
-bool isSameEvent(IZrEvent& a, IZrEvent& b) {
-    return readValue(a, &IZrEvent::get_EventId) == readValue(b, &IZrEvent::get_EventId) &&
-           readValue(a, &IZrEvent::get_EventClass) == readValue(b, &IZrEvent::get_EventClass);
-}
-
 }  // namespace
 
 void ImportSnapshot::fetch(Logger& logger) {
@@ -118,16 +113,20 @@ void ImportSnapshot::build() {
 std::vector<ImportSnapshot::Skipped> ImportSnapshot::unlisted() const {
     std::vector<Skipped> missing;
     for (const Skipped& entry : skipped)
-        if (!activeKeys.contains(entry.key) && !wasRaisedAgain(entry))
+        if (!activeKeys.contains(entry.key))
             missing.push_back(entry);
+    if (missing.empty())
+        return missing;
+    // The active list may hold an alarm under a later time than the log did.
+    std::unordered_set<AlarmInstance> listed;
+    for (const Active& entry : active)
+        if (const auto instance = alarmInstanceOf(*entry.source, entry.key))
+            listed.insert(*instance);
+    std::erase_if(missing, [&](const Skipped& entry) {
+        const auto instance = alarmInstanceOf(*entry.item, entry.key);
+        return instance && listed.contains(*instance);
+    });
     return missing;
-}
-
-/// The active list may hold the alarm under a later time than the log did.
-bool ImportSnapshot::wasRaisedAgain(const Skipped& entry) const {
-    return entry.key.number && std::any_of(active.begin(), active.end(), [&](const Active& other) {
-               return other.key.number == entry.key.number && isSameEvent(*other.source, *entry.item);
-           });
 }
 
 }  // namespace ZrHmiEventLogger

@@ -65,7 +65,6 @@ private:
     std::optional<int> keepOnce(std::optional<int> hostId);
     void convertActive();
     void build();
-    bool wasRaisedAgain(const Skipped& entry) const;
 
     const EventContext& context;
     const EventStore& running;

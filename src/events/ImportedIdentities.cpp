@@ -52,9 +52,12 @@ void ImportedIdentities::addMessage(const Message& message) {
     messages.insert(identityOf(message));
 }
 
-void ImportedIdentities::addUnsettled(const AlarmKey& key, int hostId) {
-    addAlarm(key);
-    unsettledAlarms.insert_or_assign(key, hostId);
+void ImportedIdentities::addUnsettled(const UnsettledAlarm& alarm,
+                                      const std::optional<AlarmInstance>& instance) {
+    addAlarm(alarm.key);
+    unsettledAlarms.insert_or_assign(alarm.key, alarm.hostId);
+    if (instance)
+        unsettledInstances.insert_or_assign(*instance, alarm.key);
 }
 
 bool ImportedIdentities::takeAlarm(const AlarmKey& key, NotificationKind kind) {
@@ -76,9 +79,16 @@ bool ImportedIdentities::takeMessage(const Message& message) {
     return true;
 }
 
-std::optional<int> ImportedIdentities::unsettled(const AlarmKey& key) const {
+std::optional<UnsettledAlarm> ImportedIdentities::unsettled(const AlarmKey& key) const {
     const auto found = unsettledAlarms.find(key);
-    return found == unsettledAlarms.end() ? std::nullopt : std::optional<int>(found->second);
+    if (found == unsettledAlarms.end())
+        return std::nullopt;
+    return UnsettledAlarm{key, found->second};
+}
+
+std::optional<UnsettledAlarm> ImportedIdentities::unsettled(const AlarmInstance& instance) const {
+    const auto found = unsettledInstances.find(instance);
+    return found != unsettledInstances.end() ? unsettled(found->second) : std::nullopt;
 }
 
 }  // namespace ZrHmiEventLogger

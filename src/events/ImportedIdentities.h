@@ -12,6 +12,12 @@
 
 namespace ZrHmiEventLogger {
 
+/// Names an alarm of the store that no proxy object stands for.
+struct UnsettledAlarm {
+    AlarmKey key;
+    int hostId;
+};
+
 /// What an import took over, so that a notification that the library delivers only afterwards
 /// does not double it. Each identity holds against one notification of a kind. Used with the
 /// target's sinkMutex held.
@@ -20,15 +26,17 @@ public:
     void addAlarm(const AlarmKey& key) { alarms.try_emplace(key); }
     void addMessage(const ZrHmiSrv::Message& message);
     /// A logged alarm that the log showed as alive but the active list did not hold: its end may
-    /// still be told.
-    void addUnsettled(const AlarmKey& key, int hostId);
+    /// still be told, and before it that the alarm was raised again.
+    void addUnsettled(const UnsettledAlarm& alarm, const std::optional<AlarmInstance>& instance);
 
     bool holdsAlarm(const AlarmKey& key) const { return alarms.contains(key); }
     /// True once for each kind of notification of an alarm that was taken over.
     bool takeAlarm(const AlarmKey& key, NotificationKind kind);
     /// True once for each message that was taken over.
     bool takeMessage(const ZrHmiSrv::Message& message);
-    std::optional<int> unsettled(const AlarmKey& key) const;
+    bool anyUnsettled() const { return !unsettledAlarms.empty(); }
+    std::optional<UnsettledAlarm> unsettled(const AlarmKey& key) const;
+    std::optional<UnsettledAlarm> unsettled(const AlarmInstance& instance) const;
 
 private:
     struct MessageIdentity {
@@ -43,6 +51,7 @@ private:
 
     std::unordered_map<AlarmKey, std::uint8_t> alarms;  ///< with a bit for each kind taken
     std::unordered_map<AlarmKey, int> unsettledAlarms;  ///< with their host ids
+    std::unordered_map<AlarmInstance, AlarmKey> unsettledInstances;
     std::unordered_multiset<MessageIdentity, Hash> messages;
 };
 

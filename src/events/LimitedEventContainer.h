@@ -80,10 +80,10 @@ public:
     Entry* findById(int id) const { return live.findByHostId(id); }
     /// The first entry stored under this key, live or not, for which `matches` holds.
     template <class Predicate>
-    Entry* findInGroup(std::int64_t key, Predicate matches) {
+    Entry* findInGroup(std::int64_t key, Predicate matches) const {
         const auto [first, last] = order.equal_range(key);
         const auto found = std::find_if(first, last, matches);
-        return found != last ? &*found : nullptr;
+        return found != last ? const_cast<Entry*>(&*found) : nullptr;
     }
 
     Removed erase(Entry& entry) { return take(entry); }

@@ -10,6 +10,7 @@ struct LoggedEventImport::Replay {
     const ImportSnapshot& snapshot;
     std::unordered_set<const IZrAlarm*> raised;  ///< in this replay
     std::unordered_set<AlarmKey> met;
+    std::unordered_set<AlarmInstance> metInstances;
 };
 
 ImportResultPtr LoggedEventImport::run(Logger& logger) {
@@ -44,7 +45,7 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
 
     records = notifications.takeRecords();
     result.recorded = records.size();
-    Replay state{snapshot, {}, {}};
+    Replay state{snapshot, {}, {}, {}};
     for (auto& record : records) {
         if (record->kind == NotificationKind::databaseChanged) {
             result.databaseChange = record->reason;
@@ -75,6 +76,8 @@ void LoggedEventImport::replayAlarm(const RecordedCallback& record, Replay& stat
     if (known)
         return;
     state.met.insert(key);
+    if (const auto instance = alarmInstanceOf(*record.alarm, key))
+        state.metInstances.insert(*instance);
     // A change of an alarm that nobody has seen begins with the alarm itself.
     if (state.raised.insert(record.alarm.get()).second &&
         record.kind != NotificationKind::alarmRaised)
@@ -86,12 +89,13 @@ void LoggedEventImport::replayAlarm(const RecordedCallback& record, Replay& stat
 /// notification told so far.
 void LoggedEventImport::importUnlisted(const Replay& state) {
     for (const ImportSnapshot::Skipped& skipped : state.snapshot.unlisted()) {
-        if (state.met.contains(skipped.key))
+        const auto instance = alarmInstanceOf(*skipped.item, skipped.key);
+        if (state.met.contains(skipped.key) || (instance && state.metInstances.contains(*instance)))
             continue;
         Event event;
         const int hostId = context.drawHostId();
         toHostEvent(event, *skipped.item, context.domain, context.targetName, hostId);
-        lifecycle.imported().addUnsettled(skipped.key, hostId);
+        lifecycle.imported().addUnsettled({skipped.key, hostId}, instance);
         store.forget(store.change([&](EventStore::Container& events) {
             events.insert(std::move(event), {}, context.eventLimit);
         }));

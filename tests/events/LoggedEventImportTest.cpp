@@ -167,6 +167,20 @@ TEST_F(LoggedEventImport, KeepsTheIdsOfAlarmsThatItKnows) {
     EXPECT_THAT(world.stored(), ElementsAre("1s alarm 10", "1s alarm 12"));
 }
 
+TEST_F(LoggedEventImport, AConfirmationMissesAnObjectThatIsReplacedMeanwhile) {
+    active(1, 1).onConfirm = [] { return ADD_FAILURE() << "the former object", S_OK; };
+    import();
+    world.host.onCall = [&](const std::string& line) {
+        if (line.starts_with("CALL_CONFIRM")) {
+            logger.active = {&alarm(1, 1)};
+            import();
+        }
+    };
+    EXPECT_EQ(world.confirmByOperator(1), E_FAIL);
+    world.host.onCall = [](const std::string&) {};
+    EXPECT_EQ(world.confirmByOperator(1), S_OK) << "the new one, under the same id";
+}
+
 TEST_F(LoggedEventImport, ReplaysWhatItDoesNotKnow) {
     FakeAlarm& fleeting = alarm(4, 1);
     FakeAlarm& lasting = alarm(5, 2);
@@ -273,6 +287,30 @@ TEST_F(LoggedEventImport, HoldsAgainstLateNotificationsOnce) {
                                                "NEW_ALARM_RAISED Filler 4 1s", "raise 4",
                                                "FORGET_EVENT Filler 1s", "forget 1", "send 3s"))
         << "each is held back once";
+}
+
+/// The log shows the alarm under its first time, the active list does not show it any more.
+TEST_F(LoggedEventImport, AnAlarmThatIsRaisedAgainAndEndsMeanwhileStandsThereOnce) {
+    for (const bool late : {false, true}) {
+        SCOPED_TRACE(late);
+        logger.logged.clear();
+        logged(1, 1, loggedAlarm, true);
+        logged(1, 2, loggedAlarm, true);  // of another instance: its end nobody tells
+        FakeAlarm& again = alarm(4, 1);
+        again.data.cleared = at(5);
+        const auto tell = [&] {
+            raised(again);
+            cleared(again, VARIANT_TRUE);
+        };
+        logger.betweenTheLists = late ? std::function<void()>([] {}) : tell;
+        import();
+        if (late)
+            tell();
+        EXPECT_THAT(world.stored(),
+                    ElementsAre(testing::StartsWith("1s invalid"), testing::HasSubstr("4s alarm")));
+        EXPECT_THAT(world.stored(), testing::Contains(testing::HasSubstr("cleared 5s")));
+    }
+    EXPECT_THAT(world.host.take(), testing::Contains(testing::StartsWith("ACTIVE_ALARM_RAISED_AGAIN")));
 }
 
 TEST_F(LoggedEventImport, AnAlarmThatIsRaisedAgainAtItsTimeIsTakenSeriously) {

@@ -111,6 +111,7 @@ void Harness::retire() {
 }
 
 LONG Harness::postFence() {
+    Lock lock(fenceMutex);
     const LONG fence = Deliveries::instance().nextFence();
     simulation.act(R"({"do": "databaseChanged", "reason": )" + std::to_string(fence) + "}");
     return fence;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "robustness/ContentCheck.h"
+#include "platform/Mutex.h"
 #include "robustness/HostLink.h"
 #include "robustness/ProxyObject.h"
 #include "support/RecordingHost.h"
@@ -84,6 +85,7 @@ private:
 
     const std::int64_t referencesBefore = simulation.liveObjects();
     const int standInsBefore = liveProxyObjects();
+    Mutex fenceMutex;  ///< fences are posted in the order of their numbers
     std::atomic<bool> stopFlag = false;
     std::atomic<std::int32_t> hostIds = 1;
 };

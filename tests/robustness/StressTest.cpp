@@ -15,7 +15,7 @@ namespace {
 // Disabled: an open fault. About one run in four under the thread sanitizer ends with a logged
 // alarm that stays invalid in the server after the logger has told of its end.
 TEST(Stress, DISABLED_EverythingAtATimeLeavesTheServerWithWhatTheLoggersHold) {
-    const Watchdog watchdog(std::chrono::minutes(2));
+    const Watchdog watchdog(std::chrono::seconds(100));
     Simulation simulation;
     RunningServer server;
     for (unsigned seed = 100; seed <= 300; seed += 100) {
@@ -47,7 +47,7 @@ TEST(Stress, DISABLED_EverythingAtATimeLeavesTheServerWithWhatTheLoggersHold) {
 }
 
 TEST(Stress, ShutdownInTheMiddleOfEverything) {
-    const Watchdog watchdog(std::chrono::minutes(2));
+    const Watchdog watchdog(std::chrono::seconds(100));
     for (unsigned seed = 1000; seed <= 5000; seed += 1000) {
         SCOPED_TRACE(seed);
         Simulation simulation;
