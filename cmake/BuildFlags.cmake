@@ -1,17 +1,21 @@
 # Warnings for the project's own targets (link bridge_flags) and sanitizers for everything.
 add_library(bridge_flags INTERFACE)
 target_compile_options(bridge_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Werror -Wshadow=local -Wnon-virtual-dtor -Woverloaded-virtual
+    -Wall -Wextra -Wpedantic -Werror -Wshadow=local -Woverloaded-virtual
     -Wold-style-cast -Wcast-qual -Wconversion -Wsign-conversion)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     target_compile_options(bridge_flags INTERFACE -Wthread-safety -Wno-unknown-warning-option
         -Wno-shadow -Wshadow-uncaptured-local)
 endif()
-if(NOT WIN32)
+if(WIN32)
+    target_compile_definitions(bridge_flags INTERFACE
+        UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+else()
+    # On Windows every automation interface would be warned of.
+    target_compile_options(bridge_flags INTERFACE -Wnon-virtual-dtor)
     target_link_options(bridge_flags INTERFACE -Wl,--no-undefined)
 endif()
 target_include_directories(bridge_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
-target_compile_definitions(bridge_flags INTERFACE $<$<PLATFORM_ID:Windows>:UNICODE _UNICODE>)
 
 if(BRIDGE_SANITIZE)
     add_compile_options(-fsanitize=${BRIDGE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g)

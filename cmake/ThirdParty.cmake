@@ -2,7 +2,11 @@
 # where a platform takes them from.
 find_package(Threads REQUIRED)
 
-find_package(Boost 1.81 REQUIRED COMPONENTS thread)
+if(WIN32)
+    include(WindowsBoost)
+else()
+    find_package(Boost 1.81 REQUIRED COMPONENTS thread)
+endif()
 add_library(bridge_boost INTERFACE)
 target_link_libraries(bridge_boost INTERFACE Boost::headers Threads::Threads)
 target_compile_definitions(bridge_boost INTERFACE

@@ -1,5 +1,8 @@
 #include "endtoend/ChildProcess.h"
 
+#include <algorithm>
+#include <iterator>
+
 ChildProcess::ChildProcess(const std::filesystem::path& program,
                            const std::vector<std::string>& arguments)
     : native(spawn(program, arguments)) {
@@ -20,7 +23,8 @@ void ChildProcess::collect(Stream stream) {
     char buffer[4096];
     while (const std::size_t size = read(*native, stream, buffer, sizeof buffer)) {
         const std::lock_guard lock(mutex);
-        texts[stream].append(buffer, size);
+        // Windows ends a line with two characters.
+        std::remove_copy(buffer, buffer + size, std::back_inserter(texts[stream]), '\r');
         changed.notify_all();
     }
     const std::lock_guard lock(mutex);

@@ -6,7 +6,6 @@
 
 struct ChildProcess::Native {
     HANDLE process = nullptr;
-    DWORD id = 0;
     HANDLE pipes[2] = {};
 
     ~Native() {
@@ -17,6 +16,17 @@ struct ChildProcess::Native {
 };
 
 namespace {
+
+/// Interrupting reaches all programs of a console: the test and its children have one of their own,
+/// where the test takes no notice of it.
+void leaveConsoleOfOthers() {
+    static const bool left = [] {
+        FreeConsole();
+        return AllocConsole() && SetConsoleCtrlHandler([](DWORD) -> BOOL { return TRUE; }, TRUE);
+    }();
+    if (!left)
+        throw std::runtime_error("no console");
+}
 
 /// The tests' arguments have neither quotation marks nor backslashes at their end.
 std::wstring commandLine(const std::filesystem::path& program,
@@ -33,6 +43,7 @@ std::wstring commandLine(const std::filesystem::path& program,
 
 std::shared_ptr<ChildProcess::Native> ChildProcess::spawn(
     const std::filesystem::path& program, const std::vector<std::string>& arguments) {
+    leaveConsoleOfOthers();
     auto native = std::make_shared<Native>();
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
     STARTUPINFOW startup{};
@@ -46,16 +57,14 @@ std::shared_ptr<ChildProcess::Native> ChildProcess::spawn(
     }
     std::wstring line = commandLine(program, arguments);
     PROCESS_INFORMATION process{};
-    const BOOL started =
-        CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NEW_PROCESS_GROUP,
-                       nullptr, nullptr, &startup, &process);
+    const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                        nullptr, &startup, &process);
     CloseHandle(startup.hStdOutput);
     CloseHandle(startup.hStdError);
     if (!started)
         throw std::runtime_error(program.string() + " does not start");
     CloseHandle(process.hThread);
     native->process = process.hProcess;
-    native->id = process.dwProcessId;
     return native;
 }
 
@@ -66,8 +75,8 @@ std::size_t ChildProcess::read(Native& native, Stream stream, char* buffer, std:
     return read ? count : 0;
 }
 
-void ChildProcess::interrupt(Native& native) {
-    GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, native.id);
+void ChildProcess::interrupt(Native&) {
+    GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
 }
 
 void ChildProcess::kill(Native& native) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <boost/config.hpp>
+
 #include "host/IZrHmiSrvExtHost.h"
 
 using namespace ZrHmiSrv;
@@ -225,8 +227,8 @@ private:
 
 }  // namespace
 
-extern "C" ZRHMISRV_API int ext_interface(IZrHmiSrvExtHost* host, IZrHmiSrvExt** extension,
-                                          double* version) {
+extern "C" BOOST_SYMBOL_EXPORT int ext_interface(IZrHmiSrvExtHost* host, IZrHmiSrvExt** extension,
+                                                 double* version) {
     initialize_api(host);
     *extension = new (std::nothrow) TestExtension(host);
     *version = interface_version;
