@@ -16,16 +16,9 @@ namespace ZrHmiEventLogger {
 /// reconnection.
 struct AlarmKey {
     ZrHmiSrv::Timestamp timeRaised;
-    std::optional<std::uint32_t> number;  ///< the instance id, where the logger has one
+    /// The instance id, where the logger has one: stays when a live alarm is raised again.
+    std::optional<std::uint32_t> number;
     friend bool operator==(const AlarmKey&, const AlarmKey&) = default;
-};
-
-/// What stays the same when an alarm that lives is raised again, at another time.
-struct AlarmInstance {
-    std::uint32_t number;
-    ULONG event;
-    GUID eventClass;
-    friend bool operator==(const AlarmInstance&, const AlarmInstance&) = default;
 };
 
 /// The key of a live or logged alarm, read from it. Throws ZrAtlCom::CAtlException.
@@ -39,18 +32,6 @@ AlarmKey alarmKeyOf(Source& source) {
     return key;
 }
 
-/// Of an alarm that has this key; none where the logger numbers no instances. Throws
-/// ZrAtlCom::CAtlException.
-template <class Source>
-std::optional<AlarmInstance> alarmInstanceOf(Source& source, const AlarmKey& key) {
-    using ZrEventLoggerFnxProxyLib::IZrEvent;
-    if (!key.number)
-        return std::nullopt;
-    return AlarmInstance{*key.number,
-                         readValue(source, &IZrEvent::get_EventId),
-                         readValue(source, &IZrEvent::get_EventClass)};
-}
-
 }  // namespace ZrHmiEventLogger
 
 template <>
@@ -58,15 +39,6 @@ struct std::hash<ZrHmiEventLogger::AlarmKey> {
     std::size_t operator()(const ZrHmiEventLogger::AlarmKey& key) const noexcept {
         std::size_t seed = std::hash<std::int64_t>()(key.timeRaised.nanoseconds());
         boost::hash_combine(seed, key.number ? *key.number + 1ULL : 0ULL);
-        return seed;
-    }
-};
-
-template <>
-struct std::hash<ZrHmiEventLogger::AlarmInstance> {
-    std::size_t operator()(const ZrHmiEventLogger::AlarmInstance& instance) const noexcept {
-        std::size_t seed = instance.number;
-        boost::hash_combine(seed, instance.event);
         return seed;
     }
 };

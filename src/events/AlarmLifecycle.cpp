@@ -126,9 +126,8 @@ void AlarmLifecycle::convert(Alarm& alarm, IZrAlarm& source, bool keepId) {
 void AlarmLifecycle::onAlarmRaised(IZrAlarm& source, bool quiet) {
     Raised raised{source, alarmKeyOf(source), {}};
     const bool late = identities.takeAlarm(raised.key, NotificationKind::alarmRaised);
-    if (!late && identities.anyUnsettled())
-        if (const auto instance = alarmInstanceOf(source, raised.key))
-            raised.unsettled = identities.unsettled(*instance);
+    if (!late)
+        raised.unsettled = identities.raisedAgain(raised.key);
     const auto stored = findStored(raised);
     if (stored && !(late && isCurrent(*stored, source)))
         raiseAgain(raised, *stored, quiet);

@@ -1,7 +1,5 @@
 #include "events/ImportSnapshot.h"
 
-#include <algorithm>
-
 #include "events/Conversion.h"
 #include "events/ProxyValue.h"
 
@@ -110,22 +108,17 @@ void ImportSnapshot::build() {
     }
 }
 
+/// The active list may hold an alarm under a later time than the log did.
 std::vector<ImportSnapshot::Skipped> ImportSnapshot::unlisted() const {
+    std::unordered_set<std::uint32_t> listed;
+    for (const Active& entry : active)
+        if (entry.key.number)
+            listed.insert(*entry.key.number);
     std::vector<Skipped> missing;
     for (const Skipped& entry : skipped)
-        if (!activeKeys.contains(entry.key))
+        if (!activeKeys.contains(entry.key) &&
+            !(entry.key.number && listed.contains(*entry.key.number)))
             missing.push_back(entry);
-    if (missing.empty())
-        return missing;
-    // The active list may hold an alarm under a later time than the log did.
-    std::unordered_set<AlarmInstance> listed;
-    for (const Active& entry : active)
-        if (const auto instance = alarmInstanceOf(*entry.source, entry.key))
-            listed.insert(*instance);
-    std::erase_if(missing, [&](const Skipped& entry) {
-        const auto instance = alarmInstanceOf(*entry.item, entry.key);
-        return instance && listed.contains(*instance);
-    });
     return missing;
 }
 

@@ -52,12 +52,11 @@ void ImportedIdentities::addMessage(const Message& message) {
     messages.insert(identityOf(message));
 }
 
-void ImportedIdentities::addUnsettled(const UnsettledAlarm& alarm,
-                                      const std::optional<AlarmInstance>& instance) {
-    addAlarm(alarm.key);
-    unsettledAlarms.insert_or_assign(alarm.key, alarm.hostId);
-    if (instance)
-        unsettledInstances.insert_or_assign(*instance, alarm.key);
+void ImportedIdentities::addUnsettled(const AlarmKey& key, int hostId) {
+    addAlarm(key);
+    unsettledAlarms.insert_or_assign(key, hostId);
+    if (key.number)
+        unsettledNumbers.insert_or_assign(*key.number, key);
 }
 
 bool ImportedIdentities::takeAlarm(const AlarmKey& key, NotificationKind kind) {
@@ -86,9 +85,11 @@ std::optional<UnsettledAlarm> ImportedIdentities::unsettled(const AlarmKey& key)
     return UnsettledAlarm{key, found->second};
 }
 
-std::optional<UnsettledAlarm> ImportedIdentities::unsettled(const AlarmInstance& instance) const {
-    const auto found = unsettledInstances.find(instance);
-    return found != unsettledInstances.end() ? unsettled(found->second) : std::nullopt;
+std::optional<UnsettledAlarm> ImportedIdentities::raisedAgain(const AlarmKey& key) const {
+    if (!key.number)
+        return std::nullopt;
+    const auto found = unsettledNumbers.find(*key.number);
+    return found != unsettledNumbers.end() ? unsettled(found->second) : std::nullopt;
 }
 
 }  // namespace ZrHmiEventLogger

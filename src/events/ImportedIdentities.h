@@ -27,16 +27,16 @@ public:
     void addMessage(const ZrHmiSrv::Message& message);
     /// A logged alarm that the log showed as alive but the active list did not hold: its end may
     /// still be told, and before it that the alarm was raised again.
-    void addUnsettled(const UnsettledAlarm& alarm, const std::optional<AlarmInstance>& instance);
+    void addUnsettled(const AlarmKey& key, int hostId);
 
     bool holdsAlarm(const AlarmKey& key) const { return alarms.contains(key); }
     /// True once for each kind of notification of an alarm that was taken over.
     bool takeAlarm(const AlarmKey& key, NotificationKind kind);
     /// True once for each message that was taken over.
     bool takeMessage(const ZrHmiSrv::Message& message);
-    bool anyUnsettled() const { return !unsettledAlarms.empty(); }
     std::optional<UnsettledAlarm> unsettled(const AlarmKey& key) const;
-    std::optional<UnsettledAlarm> unsettled(const AlarmInstance& instance) const;
+    /// The one that is raised again under this key.
+    std::optional<UnsettledAlarm> raisedAgain(const AlarmKey& key) const;
 
 private:
     struct MessageIdentity {
@@ -51,7 +51,7 @@ private:
 
     std::unordered_map<AlarmKey, std::uint8_t> alarms;  ///< with a bit for each kind taken
     std::unordered_map<AlarmKey, int> unsettledAlarms;  ///< with their host ids
-    std::unordered_map<AlarmInstance, AlarmKey> unsettledInstances;
+    std::unordered_map<std::uint32_t, AlarmKey> unsettledNumbers;
     std::unordered_multiset<MessageIdentity, Hash> messages;
 };
 

@@ -10,7 +10,7 @@ struct LoggedEventImport::Replay {
     const ImportSnapshot& snapshot;
     std::unordered_set<const IZrAlarm*> raised;  ///< in this replay
     std::unordered_set<AlarmKey> met;
-    std::unordered_set<AlarmInstance> metInstances;
+    std::unordered_set<std::uint32_t> metNumbers;
 };
 
 ImportResultPtr LoggedEventImport::run(Logger& logger) {
@@ -76,8 +76,8 @@ void LoggedEventImport::replayAlarm(const RecordedCallback& record, Replay& stat
     if (known)
         return;
     state.met.insert(key);
-    if (const auto instance = alarmInstanceOf(*record.alarm, key))
-        state.metInstances.insert(*instance);
+    if (key.number)
+        state.metNumbers.insert(*key.number);
     // A change of an alarm that nobody has seen begins with the alarm itself.
     if (state.raised.insert(record.alarm.get()).second &&
         record.kind != NotificationKind::alarmRaised)
@@ -89,13 +89,13 @@ void LoggedEventImport::replayAlarm(const RecordedCallback& record, Replay& stat
 /// notification told so far.
 void LoggedEventImport::importUnlisted(const Replay& state) {
     for (const ImportSnapshot::Skipped& skipped : state.snapshot.unlisted()) {
-        const auto instance = alarmInstanceOf(*skipped.item, skipped.key);
-        if (state.met.contains(skipped.key) || (instance && state.metInstances.contains(*instance)))
+        const AlarmKey& key = skipped.key;
+        if (state.met.contains(key) || (key.number && state.metNumbers.contains(*key.number)))
             continue;
         Event event;
         const int hostId = context.drawHostId();
         toHostEvent(event, *skipped.item, context.domain, context.targetName, hostId);
-        lifecycle.imported().addUnsettled({skipped.key, hostId}, instance);
+        lifecycle.imported().addUnsettled(key, hostId);
         store.forget(store.change([&](EventStore::Container& events) {
             events.insert(std::move(event), {}, context.eventLimit);
         }));
