@@ -16,8 +16,7 @@ namespace ZrHmiEventLogger {
 /// reconnection.
 struct AlarmKey {
     ZrHmiSrv::Timestamp timeRaised;
-    /// The instance id, where the logger has one: stays when a live alarm is raised again.
-    std::optional<std::uint32_t> number;
+    std::optional<std::uint32_t> number;  ///< the instance id, where the logger has one
     friend bool operator==(const AlarmKey&, const AlarmKey&) = default;
 };
 
@@ -32,6 +31,22 @@ AlarmKey alarmKeyOf(Source& source) {
     return key;
 }
 
+/// What stays the same when a live alarm is raised again, at another time.
+struct AlarmInstance {
+    GUID eventClass;
+    std::uint32_t number;
+    friend bool operator==(const AlarmInstance&, const AlarmInstance&) = default;
+};
+
+/// None where the logger does not number its alarms. Throws ZrAtlCom::CAtlException.
+template <class Source>
+std::optional<AlarmInstance> alarmInstanceOf(Source& source, const AlarmKey& key) {
+    using ZrEventLoggerFnxProxyLib::IZrEvent;
+    if (!key.number)
+        return std::nullopt;
+    return AlarmInstance{readValue(source, &IZrEvent::get_EventClass), *key.number};
+}
+
 }  // namespace ZrHmiEventLogger
 
 template <>
@@ -40,5 +55,12 @@ struct std::hash<ZrHmiEventLogger::AlarmKey> {
         std::size_t seed = std::hash<std::int64_t>()(key.timeRaised.nanoseconds());
         boost::hash_combine(seed, key.number ? *key.number + 1ULL : 0ULL);
         return seed;
+    }
+};
+
+template <>
+struct std::hash<ZrHmiEventLogger::AlarmInstance> {
+    std::size_t operator()(const ZrHmiEventLogger::AlarmInstance& instance) const noexcept {
+        return instance.number;
     }
 };

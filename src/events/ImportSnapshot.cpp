@@ -70,7 +70,7 @@ void ImportSnapshot::keepIds() {
         entry.keptId = keepOnce(running.findHostId(entry.source.get()));
     for (Active& entry : active)
         if (!entry.keptId)
-            entry.keptId = keepOnce(running.findHostId(entry.key));
+            entry.keptId = keepOnce(running.findHostId(entry.key, keptIds));
 }
 
 std::optional<int> ImportSnapshot::keepOnce(std::optional<int> hostId) {
@@ -108,17 +108,22 @@ void ImportSnapshot::build() {
     }
 }
 
-/// The active list may hold an alarm under a later time than the log did.
 std::vector<ImportSnapshot::Skipped> ImportSnapshot::unlisted() const {
-    std::unordered_set<std::uint32_t> listed;
-    for (const Active& entry : active)
-        if (entry.key.number)
-            listed.insert(*entry.key.number);
     std::vector<Skipped> missing;
     for (const Skipped& entry : skipped)
-        if (!activeKeys.contains(entry.key) &&
-            !(entry.key.number && listed.contains(*entry.key.number)))
+        if (!activeKeys.contains(entry.key))
             missing.push_back(entry);
+    if (missing.empty())
+        return missing;
+    // The active list may hold an alarm under a later time than the log did.
+    std::unordered_set<AlarmInstance> listed;
+    for (const Active& entry : active)
+        if (const auto instance = alarmInstanceOf(*entry.source, entry.key))
+            listed.insert(*instance);
+    std::erase_if(missing, [&](const Skipped& entry) {
+        const auto instance = alarmInstanceOf(*entry.item, entry.key);
+        return instance && listed.contains(*instance);
+    });
     return missing;
 }
 

@@ -41,7 +41,7 @@ public:
     void keepUntilTheEnd(std::shared_ptr<Container> replaced) { former = std::move(replaced); }
 
     bool tookOver(const IZrAlarm* alarm) const { return activeAlarms.contains(alarm); }
-    /// The skipped alarms that the active list did not hold.
+    /// The skipped alarms that the active list did not hold. Throws what the proxy throws.
     std::vector<Skipped> unlisted() const;
     std::uint64_t loggedCount() const { return logged.size() + skipped.size(); }
     std::uint64_t activeCount() const { return activeAlarms.size(); }

@@ -52,19 +52,26 @@ void ImportedIdentities::addMessage(const Message& message) {
     messages.insert(identityOf(message));
 }
 
-void ImportedIdentities::addUnsettled(const AlarmKey& key, int hostId) {
-    addAlarm(key);
-    unsettledAlarms.insert_or_assign(key, hostId);
-    if (key.number)
-        unsettledNumbers.insert_or_assign(*key.number, key);
+void ImportedIdentities::addUnsettled(const UnsettledAlarm& alarm,
+                                      const std::optional<AlarmInstance>& instance) {
+    addAlarm(alarm.key);
+    unsettledAlarms.insert_or_assign(alarm.key, alarm.hostId);
+    if (instance)
+        unsettledInstances.insert_or_assign(*instance, alarm.key);
+}
+
+void ImportedIdentities::settle(const AlarmKey& key) {
+    unsettledAlarms.erase(key);
 }
 
 bool ImportedIdentities::takeAlarm(const AlarmKey& key, NotificationKind kind) {
     const auto found = alarms.find(key);
-    const auto bit = static_cast<std::uint8_t>(1U << static_cast<unsigned>(kind));
-    if (found == alarms.end() || (found->second & bit) != 0)
+    if (found == alarms.end())
         return false;
-    found->second = static_cast<std::uint8_t>(found->second | bit);
+    std::size_t& taken = found->second.taken[static_cast<std::size_t>(kind)];
+    if (taken == found->second.count)
+        return false;
+    ++taken;
     return true;
 }
 
@@ -85,11 +92,9 @@ std::optional<UnsettledAlarm> ImportedIdentities::unsettled(const AlarmKey& key)
     return UnsettledAlarm{key, found->second};
 }
 
-std::optional<UnsettledAlarm> ImportedIdentities::raisedAgain(const AlarmKey& key) const {
-    if (!key.number)
-        return std::nullopt;
-    const auto found = unsettledNumbers.find(*key.number);
-    return found != unsettledNumbers.end() ? unsettled(found->second) : std::nullopt;
+std::optional<UnsettledAlarm> ImportedIdentities::unsettled(const AlarmInstance& instance) const {
+    const auto found = unsettledInstances.find(instance);
+    return found != unsettledInstances.end() ? unsettled(found->second) : std::nullopt;
 }
 
 }  // namespace ZrHmiEventLogger

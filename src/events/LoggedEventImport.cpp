@@ -10,28 +10,30 @@ struct LoggedEventImport::Replay {
     const ImportSnapshot& snapshot;
     std::unordered_set<const IZrAlarm*> raised;  ///< in this replay
     std::unordered_set<AlarmKey> met;
-    std::unordered_set<std::uint32_t> metNumbers;
+    std::unordered_set<AlarmInstance> metInstances;
 };
 
 ImportResultPtr LoggedEventImport::run(Logger& logger) {
-    // Outlive sinkMutex: they hold what is to be released without a lock.
-    ImportSnapshot snapshot(context, store);
+    // Both outlive sinkMutex: they hold what is to be released without it.
+    const auto snapshot = std::make_shared<ImportSnapshot>(context, store);
     NotificationRecorder::Records discarded;
 
     const auto start = std::chrono::steady_clock::now();
     auto result = std::make_shared<ImportResult>();
+    result->released = snapshot;
+    storeExchanged = false;
     notifications.startRecording();
     try {
-        snapshot.fetch(logger);
-        swapAndReplay(snapshot, *result);
+        snapshot->fetch(logger);
+        swapAndReplay(*snapshot, *result);
     } catch (...) {
         discarded = abandon();
         throw;
     }
     result->number = ++completedImports;
-    result->loggedEvents = snapshot.loggedCount();
-    result->activeAlarms = snapshot.activeCount();
-    result->keptIds = snapshot.keptIdCount();
+    result->loggedEvents = snapshot->loggedCount();
+    result->activeAlarms = snapshot->activeCount();
+    result->keptIds = snapshot->keptIdCount();
     result->duration = std::chrono::steady_clock::now() - start;
     return result;
 }
@@ -41,6 +43,7 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
     Lock lock(notifications.sinkMutex);
     lifecycle.imported() = snapshot.takeIdentities();
     snapshot.keepUntilTheEnd(store.exchange(snapshot.takeStore()));
+    storeExchanged = true;
     store.forget(snapshot.evictions());
 
     records = notifications.takeRecords();
@@ -54,7 +57,8 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
         replay(*record, state);
         record.reset();
     }
-    importUnlisted(state);
+    if (!result.databaseChange)
+        importUnlisted(state);
     notifications.stopRecording();
 }
 
@@ -76,8 +80,8 @@ void LoggedEventImport::replayAlarm(const RecordedCallback& record, Replay& stat
     if (known)
         return;
     state.met.insert(key);
-    if (key.number)
-        state.metNumbers.insert(*key.number);
+    if (const auto instance = alarmInstanceOf(*record.alarm, key))
+        state.metInstances.insert(*instance);
     // A change of an alarm that nobody has seen begins with the alarm itself.
     if (state.raised.insert(record.alarm.get()).second &&
         record.kind != NotificationKind::alarmRaised)
@@ -89,13 +93,13 @@ void LoggedEventImport::replayAlarm(const RecordedCallback& record, Replay& stat
 /// notification told so far.
 void LoggedEventImport::importUnlisted(const Replay& state) {
     for (const ImportSnapshot::Skipped& skipped : state.snapshot.unlisted()) {
-        const AlarmKey& key = skipped.key;
-        if (state.met.contains(key) || (key.number && state.metNumbers.contains(*key.number)))
+        const auto instance = alarmInstanceOf(*skipped.item, skipped.key);
+        if (state.met.contains(skipped.key) || (instance && state.metInstances.contains(*instance)))
             continue;
         Event event;
         const int hostId = context.drawHostId();
         toHostEvent(event, *skipped.item, context.domain, context.targetName, hostId);
-        lifecycle.imported().addUnsettled(key, hostId);
+        lifecycle.imported().addUnsettled({skipped.key, hostId}, instance);
         store.forget(store.change([&](EventStore::Container& events) {
             events.insert(std::move(event), {}, context.eventLimit);
         }));

@@ -60,6 +60,9 @@ Translation TextLookup::guidance(const EventReference& event, LCID language) {
 }
 
 Translation TextLookup::lookUp(const TranslationKey& key, Read read) {
+    // The proxy library then has the texts at hand, and they are never older than its own.
+    if (context.logging.preloadTranslations())
+        return ask(key, read).translation;
     return cache.get(key, [&] { return ask(key, read); });
 }
 
@@ -68,8 +71,7 @@ TranslationCache::Answer TextLookup::ask(const TranslationKey& key, Read read) {
         return {{std::move(ready), Value()}, false};
     try {
         Value value = read(*connection.get(), key.event(), key.language());
-        const bool keep = !context.logging.preloadTranslations() && isKeepable(key.event());
-        return {{ResultPair(), std::move(value)}, keep};
+        return {{ResultPair(), std::move(value)}, isKeepable(key.event())};
     } catch (...) {
         return {{reportException(), Value()}, false};
     }
