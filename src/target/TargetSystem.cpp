@@ -128,6 +128,9 @@ bool TargetSystem::CheckConnection(ImportResultPtr& importResult) {
             removeAlarms();
     }
     settle(before && !before->connected);
+    if (const auto news = textLookup.takeNews())
+        logging.logMessage(diagnosticMessage(
+            "TRANSLATION_CACHE_USED", {name(), news->hits, news->misses}, Severity::verbose));
     return hostIsStale.exchange(false);
 }
 

@@ -14,6 +14,8 @@ namespace {
 /// texts is one in memory too.
 constexpr std::size_t maxKeptArguments = 4096;
 
+constexpr std::chrono::seconds newsPeriod{10};
+
 bool isKeepable(const EventReference& event) {
     return event.types.size() + event.data.size() <= maxKeptArguments;
 }
@@ -60,10 +62,18 @@ Translation TextLookup::guidance(const EventReference& event, LCID language) {
 }
 
 Translation TextLookup::lookUp(const TranslationKey& key, Read read) {
-    // The proxy library then has the texts at hand, and they are never older than its own.
-    if (context.logging.preloadTranslations())
-        return ask(key, read).translation;
     return cache.get(key, [&] { return ask(key, read); });
+}
+
+std::optional<CacheStatistics> TextLookup::takeNews() {
+    const auto now = std::chrono::steady_clock::now();
+    const CacheStatistics current = cache.statistics();
+    Lock lock(newsMutex);
+    if (current == taken || now - takenAt < newsPeriod)
+        return std::nullopt;
+    taken = current;
+    takenAt = now;
+    return current;
 }
 
 TranslationCache::Answer TextLookup::ask(const TranslationKey& key, Read read) {
@@ -71,7 +81,8 @@ TranslationCache::Answer TextLookup::ask(const TranslationKey& key, Read read) {
         return {{std::move(ready), Value()}, false};
     try {
         Value value = read(*connection.get(), key.event(), key.language());
-        return {{ResultPair(), std::move(value)}, isKeepable(key.event())};
+        const bool keep = !context.logging.preloadTranslations() && isKeepable(key.event());
+        return {{ResultPair(), std::move(value)}, keep};
     } catch (...) {
         return {{reportException(), Value()}, false};
     }
