@@ -20,6 +20,7 @@ install() {
 native_packages=(g++ cmake ninja-build libboost1.81-dev libboost-thread1.81-dev
     libffi-dev libgmock-dev libbenchmark-dev)
 lint_packages=(clang-14)
+windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 xz-utils)
 
 # build PRESET [TARGET...]
 build() {
@@ -27,4 +28,14 @@ build() {
     shift
     [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
     cmake --build --preset "$preset" ${*:+--target "$@"}
+}
+
+# start_wine: one Wine server for all that follows, until the script ends. Without it every test
+# would start one of its own, which takes 2 seconds.
+start_wine() {
+    export WINEPREFIX=${WINEPREFIX:-$PWD/build/wine}
+    mkdir -p "$WINEPREFIX"
+    trap 'wineserver -k >/dev/null 2>&1 || :' EXIT
+    wineserver -p >/dev/null 2>&1 </dev/null || : # runs already
+    cmake/wine-run.sh cmd /c exit >/dev/null 2>&1 </dev/null
 }

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "server/Metrics.h"
+#include "server/metrics/Metrics.h"
 #include "server/Options.h"
 #include "server/WorkerLanes.h"
 #include "server/api/CommandsResource.h"

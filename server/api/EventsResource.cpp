@@ -77,7 +77,7 @@ Response EventsResource::confirm(const Request& request) {
     const auto answer = extension.confirm(*event->alarm());
     if (!answer)
         return Response::error(503, "the extension takes no confirmations");
-    metrics.countConfirmation(answer->result());
+    metrics.targets.countConfirmation(event->target, answer->result());
     return Response::json({{"result", static_cast<std::uint32_t>(answer->result())},
                            {"text", toJson(answer->text().view())}});
 }

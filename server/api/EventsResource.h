@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "server/Metrics.h"
+#include "server/metrics/Metrics.h"
 #include "server/events/EventBook.h"
 #include "server/extension/ExtensionCalls.h"
 #include "server/http/Router.h"

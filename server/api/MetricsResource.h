@@ -1,7 +1,7 @@
 #pragma once
 
-#include "server/Metrics.h"
-#include "server/PrometheusText.h"
+#include "server/metrics/Metrics.h"
+#include "server/metrics/PrometheusText.h"
 #include "server/events/EventBook.h"
 #include "server/extension/ExtensionCalls.h"
 #include "server/http/Router.h"

@@ -23,9 +23,9 @@ std::filesystem::path resolved(const std::filesystem::path& file) {
     return missing ? file : target;
 }
 
-/// An entry that is no object is the extension's to refuse.
-bool isMalformedEntry(const ConfigurationPath& path, const std::optional<json::value>& value) {
-    return path.depth() == 2 && path.name(0) == "TARGET_SYSTEMS" && value && !value->is_object();
+/// A target system's entry is the extension's to refuse, also where it is malformed.
+bool isEntry(const ConfigurationPath& path) {
+    return path.depth() >= 2 && path.name(0) == "TARGET_SYSTEMS";
 }
 
 }  // namespace
@@ -70,12 +70,11 @@ ResultPair ConfigurationStore::change(const ConfigurationPath& path,
         Lock lock(mutex);
         next.document = state.document;
     }
-    const bool judgedByExtension = isMalformedEntry(path, value);
     if (!value)
         path.erase(next.document);
     else if (!path.assign(next.document, std::move(*value)))
         throw ConfigurationError("a value above it is not an object");
-    if (!judgedByExtension) {
+    if (!isEntry(path)) {
         if (const auto fault = findFieldFault(next.document))
             throw ConfigurationError(*fault);
     }

@@ -80,11 +80,7 @@ void EventBook::change(const Alarm& alarm, ChangeType type) {
     }
 }
 
-bool EventBook::drop(const Event& event) {
-    std::optional<EventContent> content = contentOf(event);
-    if (!content)
-        return false;
-    const EventRecord dropped(std::move(*content), 0);
+bool EventBook::drop(const EventRecord& dropped) {
     Lock lock(mutex);
     if (draft)
         takeOut(draft->store, dropped);

@@ -32,7 +32,7 @@ public:
     void end(ZrHmiSrv::Alarm alarm);
     void add(ZrHmiSrv::Message message);
     /// Takes out an alarm by its id, a message by its content, one copy a call. False: not held.
-    bool drop(const ZrHmiSrv::Event& event);
+    bool drop(const EventRecord& dropped);
 
     /// The steps of a reset, from one thread at a time: begin, one replacement for each target
     /// system, then publish; or abandon, which leaves everything as it is.

@@ -91,18 +91,18 @@ EventRecord::EventRecord(EventContent from, std::uint64_t arrival, bool ended)
       life(lifeOf(content, ended)),
       unconfirmed(isUnconfirmed(content)),
       severity(severityOf(content)),
-      target(toValidUtf8(stringParameter("targetName"))),
+      target(targetOf(event().payload())),
       contentHash(hashOfMessage(content, position.time)) {}
 
 const Event& EventRecord::event() const noexcept {
     return baseOf(content);
 }
 
-std::string_view EventRecord::stringParameter(const char* name) const {
-    const Value* const value = event().payload().lookup(name);
+std::string targetOf(const Value& parameters) {
+    const Value* const value = parameters.lookup("targetName");
     return value && value->type() == ValueType::string
-               ? std::string_view(static_cast<const char*>(*value))
-               : std::string_view();
+               ? toValidUtf8(static_cast<const char*>(*value))
+               : std::string();
 }
 
 bool isSameMessage(const EventRecord& a, const EventRecord& b) {

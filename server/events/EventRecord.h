@@ -48,8 +48,6 @@ struct EventRecord {
     const ZrHmiSrv::Event& event() const noexcept;
     /// Null for a message.
     const ZrHmiSrv::Alarm* alarm() const noexcept { return std::get_if<0>(&content.event); }
-    std::string_view stringParameter(const char* name) const;
-
     EventContent content;
     bool ended;
     EventPosition position;
@@ -58,12 +56,15 @@ struct EventRecord {
     EventLife life;
     bool unconfirmed;
     std::uint32_t severity;
-    std::string target;  ///< empty when the event names none
+    std::string target;  ///< as `targetOf` tells it
     std::size_t
         contentHash;  ///< of a message: equal for messages that are the same to the extension
 };
 
 using EventRecordPtr = std::shared_ptr<const EventRecord>;
+
+/// The target system that an alarm or a message names; empty when it names none.
+std::string targetOf(const ZrHmiSrv::Value& parameters);
 
 /// Whether two messages are the same to the extension, which does not number them.
 bool isSameMessage(const EventRecord& a, const EventRecord& b);

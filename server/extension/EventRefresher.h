@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "platform/Mutex.h"
-#include "server/Metrics.h"
+#include "server/metrics/Metrics.h"
 #include "server/events/EventBook.h"
 #include "server/extension/ExtensionCalls.h"
 

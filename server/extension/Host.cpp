@@ -41,10 +41,12 @@ void Host::writeLog(Message message) {
 
 ResultPair Host::send_message(const Context&, Message& message, bool publish) {
     return serve(1, [&]() -> ResultPair {
-        if (publish)
-            to.events.add(message);
-        else
+        if (!publish) {
             writeLog(message);
+            return ErrorValue::success;
+        }
+        to.metrics.targets.countHostCall(message.parameters(), "message");
+        to.events.add(message);
         return ErrorValue::success;
     });
 }
@@ -71,14 +73,18 @@ ResultPair Host::unregister_listener(const Context&, IZrHmiSrvListener* listener
 
 ResultPair Host::apply_alarm(const Context&, AlarmOperation operation, ZrHmiSrv::Alarm alarm) {
     return serve(13, [&]() -> ResultPair {
+        auto& counters = to.metrics.targets;
         switch (operation) {
             case AlarmOperation::raise:
+                counters.countHostCall(alarm.payload(), "raise");
                 to.events.raise(std::move(alarm));
                 return ErrorValue::success;
             case AlarmOperation::update:
+                counters.countHostCall(alarm.payload(), "update");
                 to.events.update(std::move(alarm));
                 return ErrorValue::success;
             case AlarmOperation::remove:
+                counters.countHostCall(alarm.payload(), "remove");
                 to.events.end(std::move(alarm));
                 return ErrorValue::success;
         }
@@ -88,8 +94,11 @@ ResultPair Host::apply_alarm(const Context&, AlarmOperation operation, ZrHmiSrv:
 
 ResultPair Host::drop_event(const Context&, ZrHmiSrv::Event event) {
     return serve(14, [&]() -> ResultPair {
-        if (to.events.drop(event))
-            to.metrics.countForgotten();
+        if (const auto content = contentOf(event)) {
+            const EventRecord dropped(std::move(*content), 0);
+            to.metrics.targets.countForgotten(dropped.target);
+            to.events.drop(dropped);
+        }
         return ErrorValue::success;
     });
 }

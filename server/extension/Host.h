@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "host/IZrHmiSrvExtHost.h"
-#include "server/Metrics.h"
+#include "server/metrics/Metrics.h"
 #include "server/config/ConfigurationStore.h"
 #include "server/events/EventBook.h"
 #include "server/events/LogBook.h"

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "server/Metrics.h"
+#include "server/metrics/Metrics.h"
 #include "server/WorkerLanes.h"
 #include "server/http/OriginPolicy.h"
 #include "server/http/Router.h"

@@ -8,7 +8,7 @@
 #include <boost/asio/io_context.hpp>
 
 #include "platform/Mutex.h"
-#include "server/Metrics.h"
+#include "server/metrics/Metrics.h"
 #include "server/events/Change.h"
 
 namespace hmi {

@@ -20,14 +20,6 @@ struct AlarmKey {
     friend bool operator==(const AlarmKey&, const AlarmKey&) = default;
 };
 
-/// What stays the same when an alarm that lives is raised again, at another time.
-struct AlarmInstance {
-    std::uint32_t number;
-    ULONG event;
-    GUID eventClass;
-    friend bool operator==(const AlarmInstance&, const AlarmInstance&) = default;
-};
-
 /// The key of a live or logged alarm, read from it. Throws ZrAtlCom::CAtlException.
 template <class Source>
 AlarmKey alarmKeyOf(Source& source) {
@@ -39,16 +31,20 @@ AlarmKey alarmKeyOf(Source& source) {
     return key;
 }
 
-/// Of an alarm that has this key; none where the logger numbers no instances. Throws
-/// ZrAtlCom::CAtlException.
+/// What stays the same when a live alarm is raised again, at another time.
+struct AlarmInstance {
+    GUID eventClass;
+    std::uint32_t number;
+    friend bool operator==(const AlarmInstance&, const AlarmInstance&) = default;
+};
+
+/// None where the logger does not number its alarms. Throws ZrAtlCom::CAtlException.
 template <class Source>
 std::optional<AlarmInstance> alarmInstanceOf(Source& source, const AlarmKey& key) {
     using ZrEventLoggerFnxProxyLib::IZrEvent;
     if (!key.number)
         return std::nullopt;
-    return AlarmInstance{*key.number,
-                         readValue(source, &IZrEvent::get_EventId),
-                         readValue(source, &IZrEvent::get_EventClass)};
+    return AlarmInstance{readValue(source, &IZrEvent::get_EventClass), *key.number};
 }
 
 }  // namespace ZrHmiEventLogger
@@ -65,8 +61,6 @@ struct std::hash<ZrHmiEventLogger::AlarmKey> {
 template <>
 struct std::hash<ZrHmiEventLogger::AlarmInstance> {
     std::size_t operator()(const ZrHmiEventLogger::AlarmInstance& instance) const noexcept {
-        std::size_t seed = instance.number;
-        boost::hash_combine(seed, instance.event);
-        return seed;
+        return instance.number;
     }
 };

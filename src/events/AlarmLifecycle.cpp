@@ -155,6 +155,7 @@ void AlarmLifecycle::raiseAgain(const Raised& raised, const Alarm& stored, bool 
     Alarm alarm = stored;
     // The id that is drawn here is spent: the alarm keeps the one under which the host knows it.
     convert(alarm, raised.source, true);
+    alarm.set_alarm_state(AlarmState::standard);
     announce(name, raised, alarm, quiet);
 }
 
@@ -256,6 +257,8 @@ void AlarmLifecycle::onAlarmChanged(const Change& change, bool removed, bool qui
             released = events.release(*entry, context.eventLimit);
     });
     const bool late = identities.takeAlarm(change.key, change.kind);
+    if (removed)
+        identities.settle(change.key);
     if (!alarm) {
         if (!late)
             context.logging.logMessage(diagnosticMessage(

@@ -99,7 +99,7 @@ void addArguments(Value& parameters, LiveEvent& source) {
 
 /// A logged event says so only through its argument block.
 void addArguments(Value& parameters, IZrLoggedEvent& source) {
-    const auto arguments = optionalInterface<IZrEventArguments>(source);
+    const auto arguments = attributeInterface<IZrEventArguments>(source);
     if (!arguments) {
         parameters.insert(keys::numArguments, 0);
         return;
@@ -126,7 +126,7 @@ Value parametersOf(Source& source, const Text& targetName) {
     if (hasSource(source, SourceAttribute::guid))
         parameters.insert(keys::sourceGuid,
                           Text(guidText(readValue(source, &IZrEvent::get_SourceGuid))));
-    if (const auto json = optionalInterface<IZrJsonAttribute>(source))
+    if (const auto json = attributeInterface<IZrJsonAttribute>(source))
         parameters.insert(keys::jsonAttribute,
                           readText(*json, &IZrJsonAttribute::get_JsonAttribute));
     addArguments(parameters, source);

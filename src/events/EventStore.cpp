@@ -59,9 +59,11 @@ std::optional<int> EventStore::findHostId(const IZrAlarm* alarm) const {
     return hostIdOf(events->findByPointer(alarm));
 }
 
-std::optional<int> EventStore::findHostId(const AlarmKey& key) const {
+std::optional<int> EventStore::findHostId(const AlarmKey& key,
+                                          const std::unordered_set<int>& taken) const {
     Lock lock(storeMutex);
-    return hostIdOf(events->find(key));
+    return hostIdOf(events->find(
+        key, [&](const Container::Entry& entry) { return !taken.contains(*hostIdOf(&entry)); }));
 }
 
 EventStore::AlarmPointer EventStore::pin(int hostId) const {

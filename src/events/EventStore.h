@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -52,7 +53,9 @@ public:
 
     /// The host id under which a live alarm is stored.
     std::optional<int> findHostId(const IZrAlarm* alarm) const EXCLUDES(storeMutex);
-    std::optional<int> findHostId(const AlarmKey& key) const EXCLUDES(storeMutex);
+    /// The same of the first that is none of these.
+    std::optional<int> findHostId(const AlarmKey& key, const std::unordered_set<int>& taken) const
+        EXCLUDES(storeMutex);
     /// Keeps the live alarm of a host id alive; null when there is none.
     AlarmPointer pin(int hostId) const EXCLUDES(storeMutex);
     /// Confirms the pinned alarm unless it was released meanwhile (E_FAIL). The lock is held

@@ -2,8 +2,8 @@
 
 namespace ZrHmiEventLogger {
 
-void reportCurrentException(ILoggingFunctions& logging,
-                            const ZrHmiSrv::Text& targetName) noexcept try {
+void reportCurrentException(ILoggingFunctions& logging, const ZrHmiSrv::Text& targetName) noexcept
+    try {
     try {
         throw;
     } catch (const std::exception& exception) {

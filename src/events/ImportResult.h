@@ -19,6 +19,8 @@ struct ImportResult {
     std::chrono::nanoseconds duration{};
     /// The logger's database changed meanwhile: what was imported is stale already.
     std::optional<ZrEventLoggerFnxProxyLib::tagDatabaseChangeReasonEnum> databaseChange;
+    /// The former events and what else the import needed: let it go with no lock held.
+    std::shared_ptr<const void> released;
 };
 
 using ImportResultPtr = std::shared_ptr<const ImportResult>;

@@ -1,7 +1,5 @@
 #include "events/ImportSnapshot.h"
 
-#include <algorithm>
-
 #include "events/Conversion.h"
 #include "events/ProxyValue.h"
 
@@ -72,7 +70,7 @@ void ImportSnapshot::keepIds() {
         entry.keptId = keepOnce(running.findHostId(entry.source.get()));
     for (Active& entry : active)
         if (!entry.keptId)
-            entry.keptId = keepOnce(running.findHostId(entry.key));
+            entry.keptId = keepOnce(running.findHostId(entry.key, keptIds));
 }
 
 std::optional<int> ImportSnapshot::keepOnce(std::optional<int> hostId) {

@@ -60,12 +60,18 @@ void ImportedIdentities::addUnsettled(const UnsettledAlarm& alarm,
         unsettledInstances.insert_or_assign(*instance, alarm.key);
 }
 
+void ImportedIdentities::settle(const AlarmKey& key) {
+    unsettledAlarms.erase(key);
+}
+
 bool ImportedIdentities::takeAlarm(const AlarmKey& key, NotificationKind kind) {
     const auto found = alarms.find(key);
-    const auto bit = static_cast<std::uint8_t>(1U << static_cast<unsigned>(kind));
-    if (found == alarms.end() || (found->second & bit) != 0)
+    if (found == alarms.end())
         return false;
-    found->second = static_cast<std::uint8_t>(found->second | bit);
+    std::size_t& taken = found->second.taken[static_cast<std::size_t>(kind)];
+    if (taken == found->second.count)
+        return false;
+    ++taken;
     return true;
 }
 

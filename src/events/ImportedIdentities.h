@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -18,27 +19,33 @@ struct UnsettledAlarm {
     int hostId;
 };
 
-/// What an import took over, so that a notification that the library delivers only afterwards
-/// does not double it. Each identity holds against one notification of a kind. Used with the
-/// target's sinkMutex held.
+/// What an import took over, so that a notification that the library delivers only afterwards, on
+/// the same connection, does not double it. Each identity holds against one notification of a
+/// kind. Used with the target's sinkMutex held.
 class ImportedIdentities {
 public:
-    void addAlarm(const AlarmKey& key) { alarms.try_emplace(key); }
+    void addAlarm(const AlarmKey& key) { ++alarms[key].count; }
     void addMessage(const ZrHmiSrv::Message& message);
     /// A logged alarm that the log showed as alive but the active list did not hold: its end may
     /// still be told, and before it that the alarm was raised again.
     void addUnsettled(const UnsettledAlarm& alarm, const std::optional<AlarmInstance>& instance);
+    /// Its end was told.
+    void settle(const AlarmKey& key);
 
     bool holdsAlarm(const AlarmKey& key) const { return alarms.contains(key); }
     /// True once for each kind of notification of an alarm that was taken over.
     bool takeAlarm(const AlarmKey& key, NotificationKind kind);
     /// True once for each message that was taken over.
     bool takeMessage(const ZrHmiSrv::Message& message);
-    bool anyUnsettled() const { return !unsettledAlarms.empty(); }
     std::optional<UnsettledAlarm> unsettled(const AlarmKey& key) const;
+    bool anyUnsettled() const { return !unsettledAlarms.empty(); }
     std::optional<UnsettledAlarm> unsettled(const AlarmInstance& instance) const;
 
 private:
+    struct Copies {
+        std::size_t count = 0;
+        std::array<std::size_t, notificationKinds> taken{};
+    };
     struct MessageIdentity {
         std::int64_t timeRaised;
         std::size_t digest;  ///< of class, id, source and arguments
@@ -49,7 +56,7 @@ private:
     };
     static MessageIdentity identityOf(const ZrHmiSrv::Message& message);
 
-    std::unordered_map<AlarmKey, std::uint8_t> alarms;  ///< with a bit for each kind taken
+    std::unordered_map<AlarmKey, Copies> alarms;
     std::unordered_map<AlarmKey, int> unsettledAlarms;  ///< with their host ids
     std::unordered_map<AlarmInstance, AlarmKey> unsettledInstances;
     std::unordered_multiset<MessageIdentity, Hash> messages;

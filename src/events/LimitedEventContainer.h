@@ -74,7 +74,13 @@ public:
     }
 
     /// The live entry of this alarm, stored under the time that the key names.
-    Entry* find(const AlarmKey& key) const { return live.find(key); }
+    Entry* find(const AlarmKey& key) const {
+        return find(key, [](const Entry&) { return true; });
+    }
+    template <class Accept>
+    Entry* find(const AlarmKey& key, Accept accept) const {
+        return live.find(key, accept);
+    }
     Entry* findByPointer(const Interface* object) const { return live.findByObject(object); }
     /// The live entry whose alarm has this host id.
     Entry* findById(int id) const { return live.findByHostId(id); }

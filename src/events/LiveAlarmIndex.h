@@ -63,14 +63,16 @@ public:
         nodes.modify(nodes.iterator_to(node), [&](Node& changed) { changed.hostId = hostId; });
     }
 
-    /// An alarm is looked for among the entries stored under its own time only.
-    Entry* find(const AlarmKey& key) const {
+    /// An alarm is looked for among the entries stored under its own time only, of which `accept`
+    /// is asked in turn.
+    template <class Accept>
+    Entry* find(const AlarmKey& key, Accept accept) const {
         const std::int64_t time = key.timeRaised.nanoseconds();
-        const auto& index = nodes.template get<ByKey>();
-        const auto found = index.lower_bound(std::tuple(time, key.number, time));
-        const bool matches =
-            found != index.end() && found->alarm.key == key && found->storeKey() == time;
-        return matches ? found->entry : nullptr;
+        const auto [first, last] =
+            nodes.template get<ByKey>().equal_range(std::tuple(time, key.number, time));
+        const auto found = std::find_if(
+            first, last, [&](const Node& node) { return accept(std::as_const(*node.entry)); });
+        return found != last ? found->entry : nullptr;
     }
     Entry* findByObject(const Interface* object) const {
         return first(nodes.template get<ByObject>().equal_range(object));

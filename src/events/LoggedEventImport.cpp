@@ -14,24 +14,26 @@ struct LoggedEventImport::Replay {
 };
 
 ImportResultPtr LoggedEventImport::run(Logger& logger) {
-    // Outlive sinkMutex: they hold what is to be released without a lock.
-    ImportSnapshot snapshot(context, store);
+    // Both outlive sinkMutex: they hold what is to be released without it.
+    const auto snapshot = std::make_shared<ImportSnapshot>(context, store);
     NotificationRecorder::Records discarded;
 
     const auto start = std::chrono::steady_clock::now();
     auto result = std::make_shared<ImportResult>();
+    result->released = snapshot;
+    storeExchanged = false;
     notifications.startRecording();
     try {
-        snapshot.fetch(logger);
-        swapAndReplay(snapshot, *result);
+        snapshot->fetch(logger);
+        swapAndReplay(*snapshot, *result);
     } catch (...) {
         discarded = abandon();
         throw;
     }
     result->number = ++completedImports;
-    result->loggedEvents = snapshot.loggedCount();
-    result->activeAlarms = snapshot.activeCount();
-    result->keptIds = snapshot.keptIdCount();
+    result->loggedEvents = snapshot->loggedCount();
+    result->activeAlarms = snapshot->activeCount();
+    result->keptIds = snapshot->keptIdCount();
     result->duration = std::chrono::steady_clock::now() - start;
     return result;
 }
@@ -41,6 +43,7 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
     Lock lock(notifications.sinkMutex);
     lifecycle.imported() = snapshot.takeIdentities();
     snapshot.keepUntilTheEnd(store.exchange(snapshot.takeStore()));
+    storeExchanged = true;
     store.forget(snapshot.evictions());
 
     records = notifications.takeRecords();
@@ -54,7 +57,8 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
         replay(*record, state);
         record.reset();
     }
-    importUnlisted(state);
+    if (!result.databaseChange)
+        importUnlisted(state);
     notifications.stopRecording();
 }
 

@@ -27,6 +27,8 @@ public:
     /// the replay failed; the notifications that were recorded are gone. One import at a time,
     /// called with no lock held that a notification takes.
     ImportResultPtr run(Logger& logger) EXCLUDES(notifications.sinkMutex);
+    /// Whether the last run, failed or not, left another store behind than it found.
+    bool exchangedStore() const { return storeExchanged; }
 
 private:
     using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
@@ -44,6 +46,7 @@ private:
     NotificationRecorder& notifications;
     AlarmLifecycle& lifecycle;
     std::uint64_t completedImports = 0;
+    bool storeExchanged = false;
 };
 
 }  // namespace ZrHmiEventLogger

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace ZrHmiEventLogger {
@@ -12,6 +13,7 @@ enum class NotificationKind : std::uint8_t {
     alarmConfirmed = 3,
     databaseChanged = 4,
 };
+constexpr std::size_t notificationKinds = 5;
 
 /// The notification's name; empty for anything else.
 constexpr const char* toText(NotificationKind kind) {

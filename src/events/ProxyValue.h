@@ -15,8 +15,8 @@ T readValue(Object& object, HRESULT (STDMETHODCALLTYPE Owner::*getter)(T*)) {
     return value;
 }
 
-/// Takes the object that a call hands out: `receiveObject<Item>([&](Item** item) { return call(item); })`.
-/// A success without an object is a failure like any other.
+/// Takes the object that a call hands out: `receiveObject<Item>([&](Item** item) { return
+/// call(item); })`. A success without an object is a failure like any other.
 template <class Object, class Call>
 ZrAtlCom::ComPtr<Object> receiveObject(Call call) {
     ZrAtlCom::ComPtr<Object> object;
@@ -25,8 +25,8 @@ ZrAtlCom::ComPtr<Object> receiveObject(Call call) {
     return object;
 }
 
-/// The interface of an object that need not have it; empty when it has not. Not to get to know
-/// that is a failure like any other.
+/// The interface of an object that need not have it, without which the object would be taken for
+/// something else: not to get to know whether it has it is a failure like any other.
 template <class Interface, class Object>
 ZrAtlCom::ComPtr<Interface> optionalInterface(Object& object) {
     void* found = nullptr;
@@ -38,6 +38,12 @@ ZrAtlCom::ComPtr<Interface> optionalInterface(Object& object) {
     ZrAtlCom::ComPtr<Interface> result;
     result.attach(static_cast<Interface*>(found));
     return result;
+}
+
+/// The interface to a part of an object that may as well be missing; empty however the query fails.
+template <class Interface, class Object>
+ZrAtlCom::ComPtr<Interface> attributeInterface(Object& object) {
+    return ZrAtlCom::ComPtr<Object>(&object).template query<Interface>();
 }
 
 ZrHmiSrv::Timestamp toTimestamp(FILETIME time);

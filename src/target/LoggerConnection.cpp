@@ -18,11 +18,15 @@ namespace {
 /// A runtime of an older kind: it knows only the plain connect.
 constexpr HRESULT serviceNotSupported = static_cast<HRESULT>(0x98110701);
 
-constexpr VARIANT_BOOL toVariantBool(bool value) { return value ? VARIANT_TRUE : VARIANT_FALSE; }
+constexpr VARIANT_BOOL toVariantBool(bool value) {
+    return value ? VARIANT_TRUE : VARIANT_FALSE;
+}
 
 }  // namespace
 
-HRESULT LoggerConnection::create() { return ZrAtlCom::createInstance(CLSID_EventLogger, logger); }
+HRESULT LoggerConnection::create() {
+    return ZrAtlCom::createInstance(CLSID_EventLogger, logger);
+}
 
 void LoggerConnection::setTimeout(ULONG milliseconds) {
     if (const auto settings = optionalInterface<IZrLoggerSettings>(*logger))

@@ -72,7 +72,9 @@ bool TargetSystem::import(ImportResultPtr& importResult) {
     try {
         // Before the import: what asks for another one meanwhile is not to be overlooked.
         imported = true;
+        textLookup.clearCache();
         const ImportResultPtr result = importer.run(*connection.get());
+        // Also what was asked for on the connection before, while the import ran.
         textLookup.clearCache();
         logImport(*result);
         if (result->databaseChange)
@@ -81,7 +83,8 @@ bool TargetSystem::import(ImportResultPtr& importResult) {
         return true;
     } catch (...) {
         reportFailure();
-        textLookup.clearCache();
+        if (importer.exchangedStore())
+            hostIsStale = true;
         abandonConnection();
         return false;
     }
@@ -95,13 +98,12 @@ void TargetSystem::abandonConnection() {
 }
 
 void TargetSystem::logImport(const ImportResult& result) {
-    const auto milliseconds =
-        std::chrono::duration<double, std::milli>(result.duration).count();
-    logging.logMessage(diagnosticMessage(
-        "LOGGED_EVENTS_IMPORTED",
-        {name(), result.number, result.loggedEvents, result.activeAlarms, result.keptIds,
-         result.recorded, milliseconds},
-        Severity::verbose));
+    const auto milliseconds = std::chrono::duration<double, std::milli>(result.duration).count();
+    logging.logMessage(
+        diagnosticMessage("LOGGED_EVENTS_IMPORTED",
+                          {name(), result.number, result.loggedEvents, result.activeAlarms,
+                           result.keptIds, result.recorded, milliseconds},
+                          Severity::verbose));
 }
 
 void TargetSystem::ConnectFailed(HRESULT hr) {
@@ -126,6 +128,9 @@ bool TargetSystem::CheckConnection(ImportResultPtr& importResult) {
             removeAlarms();
     }
     settle(before && !before->connected);
+    if (const auto news = textLookup.takeNews())
+        logging.logMessage(diagnosticMessage(
+            "TRANSLATION_CACHE_USED", {name(), news->hits, news->misses}, Severity::verbose));
     return hostIsStale.exchange(false);
 }
 
@@ -172,6 +177,11 @@ void TargetSystem::unsubscribe() {
 
 void TargetSystem::removeAlarms() {
     imported = false;
+    {
+        // They are of the connection that is over.
+        Lock lock(notifications.sinkMutex);
+        lifecycle.imported() = {};
+    }
     if (store.removeAlarms())
         hostIsStale = true;
 }
@@ -215,8 +225,9 @@ ResultPair TargetSystem::confirm(const ZrHmiSrv::Alarm& alarm) {
     if (!ready.succeeded())
         return ready;
     const HRESULT hr = lifecycle.confirm(alarm);
-    return SUCCEEDED(hr) ? ResultPair()
-                         : ResultPair(ErrorValue::operation_failed, ZrHmiSrv::Text(ZrAtlCom::describe(hr)));
+    return SUCCEEDED(hr)
+               ? ResultPair()
+               : ResultPair(ErrorValue::operation_failed, ZrHmiSrv::Text(ZrAtlCom::describe(hr)));
 }
 
 void TargetSystem::provideEvents(ZrHmiSrv::IEventReceiver& receiver) {

@@ -21,10 +21,11 @@ namespace ZrHmiEventLogger {
 /// holds the events that stand in the host. Held by shared pointer; created with `make` of
 /// TargetSystemPlatformSpecific. Any thread may call any public function. Nothing but
 /// RequestReconnect and retire may be called from inside a notification.
-class TargetSystem : public ZrAtlCom::IDispEventSimpleImpl<
-                         0, TargetSystem, &ZrEventLoggerFnxProxyLib::IID__IZrEventLoggerEvents>,
-                     public TargetSystemBase,
-                     public std::enable_shared_from_this<TargetSystem> {
+class TargetSystem
+    : public ZrAtlCom::IDispEventSimpleImpl<0, TargetSystem,
+                                            &ZrEventLoggerFnxProxyLib::IID__IZrEventLoggerEvents>,
+      public TargetSystemBase,
+      public std::enable_shared_from_this<TargetSystem> {
 public:
     using Alarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
     using DatabaseChangeReason = ZrEventLoggerFnxProxyLib::tagDatabaseChangeReasonEnum;

@@ -14,6 +14,8 @@ namespace {
 /// texts is one in memory too.
 constexpr std::size_t maxKeptArguments = 4096;
 
+constexpr std::chrono::seconds newsPeriod{10};
+
 bool isKeepable(const EventReference& event) {
     return event.types.size() + event.data.size() <= maxKeptArguments;
 }
@@ -61,6 +63,17 @@ Translation TextLookup::guidance(const EventReference& event, LCID language) {
 
 Translation TextLookup::lookUp(const TranslationKey& key, Read read) {
     return cache.get(key, [&] { return ask(key, read); });
+}
+
+std::optional<CacheStatistics> TextLookup::takeNews() {
+    const auto now = std::chrono::steady_clock::now();
+    const CacheStatistics current = cache.statistics();
+    Lock lock(newsMutex);
+    if (current == taken || now - takenAt < newsPeriod)
+        return std::nullopt;
+    taken = current;
+    takenAt = now;
+    return current;
 }
 
 TranslationCache::Answer TextLookup::ask(const TranslationKey& key, Read read) {

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
+#include <optional>
 
 #include "events/EventContext.h"
 #include "host/Result.h"
+#include "platform/Mutex.h"
 #include "target/EventReference.h"
 #include "target/LoggerConnection.h"
 #include "target/TranslationCache.h"
@@ -33,6 +36,8 @@ public:
     /// What was looked up so far may be stale.
     void clearCache() { cache.clear(); }
     CacheStatistics cacheStatistics() const { return cache.statistics(); }
+    /// The same, when they have changed since they were taken last and that was ten seconds ago.
+    std::optional<CacheStatistics> takeNews() EXCLUDES(newsMutex);
 
 private:
     using Read = ZrHmiSrv::Value (*)(LoggerConnection::Logger& logger, const EventReference& event,
@@ -46,6 +51,9 @@ private:
     LoggerConnection& connection;
     const std::atomic<bool>& disabled;
     TranslationCache cache;
+    Mutex newsMutex;  ///< guards what was taken last
+    CacheStatistics taken GUARDED_BY(newsMutex);
+    std::chrono::steady_clock::time_point takenAt GUARDED_BY(newsMutex);
 };
 
 }  // namespace ZrHmiEventLogger

@@ -30,6 +30,7 @@ struct Translation {
 struct CacheStatistics {
     std::uint64_t hits = 0;
     std::uint64_t misses = 0;  ///< also those that were served by another thread's question
+    friend bool operator==(const CacheStatistics&, const CacheStatistics&) = default;
 };
 
 /// Translations that were looked up before; the least recently used goes first. Threads that miss

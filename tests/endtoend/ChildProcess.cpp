@@ -1,65 +1,88 @@
 #include "endtoend/ChildProcess.h"
 
-#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <fstream>
 #include <iterator>
+#include <random>
+#include <thread>
 
-ChildProcess::ChildProcess(const std::filesystem::path& program,
-                           const std::vector<std::string>& arguments)
-    : native(spawn(program, arguments)) {
-    for (const Stream stream : {standardOutput, standardError})
-        readers.emplace_back([this, stream] { collect(stream); });
-}
+#include <boost/process/args.hpp>
+#include <boost/process/exe.hpp>
+#include <boost/process/extend.hpp>
+#include <boost/process/io.hpp>
 
-ChildProcess::~ChildProcess() {
-    if (!awaited) {
-        kill(*native);
-        awaitExit(*native);
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+namespace fs = std::filesystem;
+namespace process = boost::process;
+
+namespace {
+
+/// Windows interrupts all programs of a console: the test and its children have one of their own,
+/// where the test takes no notice of it.
+struct OwnConsole : process::extend::handler {
+    template <class Executor>
+    void on_setup(Executor&) const {
+#ifdef _WIN32
+        [[maybe_unused]] static const bool made = [] {
+            FreeConsole();
+            return AllocConsole() &&
+                   SetConsoleCtrlHandler([](DWORD) -> BOOL { return TRUE; }, TRUE);
+        }();
+#endif
     }
-    for (std::thread& reader : readers)
-        reader.join();
-}
+};
 
-void ChildProcess::collect(Stream stream) {
-    char buffer[4096];
-    while (const std::size_t size = read(*native, stream, buffer, sizeof buffer)) {
-        const std::lock_guard lock(mutex);
-        // Windows ends a line with two characters.
-        std::remove_copy(buffer, buffer + size, std::back_inserter(texts[stream]), '\r');
-        changed.notify_all();
+}  // namespace
+
+bool eventually(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    const std::lock_guard lock(mutex);
-    --openStreams;
-    changed.notify_all();
+    return true;
 }
 
-std::string ChildProcess::output() const {
-    const std::lock_guard lock(mutex);
-    return texts[standardOutput];
+std::string readFile(const fs::path& path) {
+    std::ifstream stream(path);  // as text, which has other ends of lines on Windows
+    return std::string(std::istreambuf_iterator<char>(stream), {});
 }
 
-std::string ChildProcess::errors() const {
-    const std::lock_guard lock(mutex);
-    return texts[standardError];
+TemporaryDirectory::TemporaryDirectory() {
+    std::random_device random;
+    const auto name = std::to_string(random()) + "-" + std::to_string(random());
+    directory = fs::temp_directory_path() / ("hmi-server-test-" + name);
+    fs::create_directory(directory);
 }
 
-bool ChildProcess::waitForOutput(const std::string& text, std::chrono::seconds patience) {
-    std::unique_lock lock(mutex);
-    const auto found = [&] { return texts[standardOutput].find(text) != std::string::npos; };
-    changed.wait_for(lock, patience, [&] { return found() || openStreams == 0; });
-    return found();
+TemporaryDirectory::~TemporaryDirectory() {
+    std::error_code ignored;
+    fs::remove_all(directory, ignored);
 }
+
+std::string TemporaryDirectory::write(const std::string& name, const std::string& content) const {
+    std::ofstream(path(name), std::ios::binary) << content;
+    return path(name).string();
+}
+
+ChildProcess::ChildProcess(const fs::path& program, const std::vector<std::string>& arguments)
+    : child(process::exe = program.string(), process::args = arguments,
+            process::std_out > files.path("output"), process::std_err > files.path("errors"),
+            OwnConsole()) {}
 
 void ChildProcess::interrupt() {
-    interrupt(*native);
+#ifdef _WIN32
+    GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
+#else
+    kill(child.id(), SIGINT);
+#endif
 }
 
-int ChildProcess::wait(std::chrono::seconds patience) {
-    std::unique_lock lock(mutex);
-    const bool ended = changed.wait_for(lock, patience, [&] { return openStreams == 0; });
-    lock.unlock();
-    if (!ended)
-        kill(*native);
-    const int code = awaitExit(*native);
-    awaited = true;
-    return ended ? code : -1;
+int ChildProcess::wait() {
+    return eventually([&] { return !isRunning(); }) ? child.exit_code() : -1;
 }

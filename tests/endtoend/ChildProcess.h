@@ -1,52 +1,48 @@
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
 #include <filesystem>
-#include <memory>
-#include <mutex>
+#include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
-/// A program that runs beside the test, with what it writes collected. Killed at the end.
-class ChildProcess {
-public:
-    /// Throws std::runtime_error when it cannot be started.
-    ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments);
-    ~ChildProcess();
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
+#include <boost/process/child.hpp>
 
-    std::string output() const;
-    std::string errors() const;
-    /// Returns when standard output contains the text. False when the program ends or the time
-    /// is over before.
-    bool waitForOutput(const std::string& text, std::chrono::seconds patience);
-    /// Asks it to stop, as a person at the keyboard does.
-    void interrupt();
-    /// Its exit code; kills it, and answers -1, when it does not end in time.
-    int wait(std::chrono::seconds patience);
+/// Polls until the condition holds. False when that takes longer than a minute.
+bool eventually(const std::function<bool()>& condition);
+
+std::string readFile(const std::filesystem::path& path);
+
+/// A directory for one test, removed at its end.
+class TemporaryDirectory {
+public:
+    TemporaryDirectory();
+    ~TemporaryDirectory();
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+    std::filesystem::path path(const std::string& name) const { return directory / name; }
+    /// Answers the file's path.
+    std::string write(const std::string& name, const std::string& content) const;
 
 private:
-    struct Native;  // of the platform
-    enum Stream { standardOutput, standardError };
+    std::filesystem::path directory;
+};
 
-    static std::shared_ptr<Native> spawn(const std::filesystem::path& program,
-                                         const std::vector<std::string>& arguments);
-    /// 0 at the end.
-    static std::size_t read(Native& native, Stream stream, char* buffer, std::size_t size);
-    static void interrupt(Native& native);
-    static void kill(Native& native);
-    static int awaitExit(Native& native);
+/// A program that runs beside the test and writes into files of its own. Killed at the end.
+class ChildProcess {
+public:
+    /// Throws std::system_error when it cannot be started.
+    ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments);
 
-    void collect(Stream stream);
+    bool isRunning() { return child.running(); }
+    std::string output() const { return readFile(files.path("output")); }
+    std::string errors() const { return readFile(files.path("errors")); }
+    /// Asks it to stop, as a person at the keyboard does.
+    void interrupt();
+    /// Its exit code, or -1 when it does not end in time.
+    int wait();
 
-    std::shared_ptr<Native> native;
-    mutable std::mutex mutex;  // guards the texts and the number of open streams
-    std::condition_variable changed;
-    std::string texts[2];
-    int openStreams = 2;
-    bool awaited = false;
-    std::vector<std::thread> readers;
+private:
+    TemporaryDirectory files;  ///< outlives the program that writes there
+    boost::process::child child;
 };

@@ -11,7 +11,6 @@
 struct HttpAnswer {
     unsigned status = 0;
     std::string body;
-    std::string contentType;
 
     /// The body, or null when it is no JSON.
     boost::json::value json() const;
@@ -23,8 +22,8 @@ using HttpHeaders = std::vector<std::pair<std::string, std::string>>;
 HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std::string& target,
                        const std::string& body = {}, const HttpHeaders& headers = {});
 
-/// Sends bytes as they are and reads the status of what comes back; 0 when nothing does.
-unsigned sendRaw(std::uint16_t port, const std::string& bytes);
+/// Sends bytes as they are on a connection of their own; status 0 when there is no answer.
+HttpAnswer sendRaw(std::uint16_t port, const std::string& bytes);
 
 /// Follows the stream of the server.
 class StreamClient {

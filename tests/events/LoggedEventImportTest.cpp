@@ -297,6 +297,7 @@ TEST_F(LoggedEventImport, AnAlarmThatIsRaisedAgainAndEndsMeanwhileStandsThereOnc
         logged(1, 1, loggedAlarm, true);
         logged(1, 2, loggedAlarm, true);  // of another instance: its end nobody tells
         FakeAlarm& again = alarm(4, 1);
+        again.data.eventId = 9;  // also as another event
         again.data.cleared = at(5);
         const auto tell = [&] {
             raised(again);

@@ -12,6 +12,8 @@ bool canHit(FaultKind fault, CallKind call) {
         case FaultKind::none:
             return false;
         case FaultKind::failure:
+            return call != CallKind::notification && call != CallKind::release &&
+                   call != CallKind::attributeQuery;
         case FaultKind::exception:
         case FaultKind::foreignException:
             return call != CallKind::notification && call != CallKind::release;

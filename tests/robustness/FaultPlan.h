@@ -22,7 +22,14 @@ enum class FaultKind {
 };
 
 /// Kinds of calls: which of them a fault can hit depends on the fault.
-enum class CallKind { plain, handsOutObject, handsOutText, notification, release };
+enum class CallKind {
+    plain,
+    handsOutObject,
+    attributeQuery,  ///< for what an event may lack: the extension takes a failure for a lack
+    handsOutText,
+    notification,
+    release,
+};
 
 struct Fault {
     FaultKind kind = FaultKind::none;

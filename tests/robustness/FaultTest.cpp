@@ -136,7 +136,7 @@ TEST_P(EveryCall, MayGoWrongOnce) {
 std::vector<FaultCase> faultCases() {
     std::vector<FaultCase> cases{
         {"FailingResult", FaultKind::failure},
-        {"NoObject", FaultKind::noObject, true, 70},
+        {"NoObject", FaultKind::noObject, true, 50},
         {"EmptyText", FaultKind::noText, false, 15},
         {"Exception", FaultKind::exception},
         {"ForeignException", FaultKind::foreignException},

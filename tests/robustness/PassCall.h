@@ -34,8 +34,8 @@ void handOutNothing(const T& parameter) {
 /// call, of which those that receive an object or a text are emptied when none is to be handed
 /// out.
 template <class Call, class... Parameters>
-HRESULT passCall(const char* name, Call call, const Parameters&... parameters) {
-    switch (FaultPlan::instance().enter(name, kindOfCall<Parameters...>())) {
+HRESULT passCall(const char* name, CallKind kind, Call call, const Parameters&... parameters) {
+    switch (FaultPlan::instance().enter(name, kind)) {
         case FaultPlan::Verdict::fail:
             return seededFailure;
         case FaultPlan::Verdict::handOutNothing:

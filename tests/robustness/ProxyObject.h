@@ -7,6 +7,7 @@
 
 #include "robustness/PassCall.h"
 #include "target/proxy/ComPtr.h"
+#include "target/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace bridge_test {
 
@@ -24,8 +25,12 @@ public:
 
     // Without `override`: not every First is dispatch-capable.
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) {
+        using ZrEventLoggerFnxProxyLib::IZrEventArguments;
+        using ZrEventLoggerFnxProxyLib::IZrJsonAttribute;
+        const bool attribute = iid == InterfaceId<IZrJsonAttribute>::value() ||
+                               iid == InterfaceId<IZrEventArguments>::value();
         return passCall(
-            __func__,
+            __func__, attribute ? CallKind::attributeQuery : CallKind::handsOutObject,
             [&]() -> HRESULT {
                 *object = find(iid);
                 if (*object)
@@ -78,7 +83,8 @@ protected:
                     const Arguments&... arguments) {
         using Interface = std::conditional_t<std::is_base_of_v<Owner, First>, First, Owner>;
         return passCall(
-            name, [&] { return (real<Interface>()->*method)(arguments...); }, arguments...);
+            name, kindOfCall<Arguments...>(),
+            [&] { return (real<Interface>()->*method)(arguments...); }, arguments...);
     }
 
     /// Puts a stand-in in the place of what a call has handed out.

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "robustness/EventImage.h"
-#include "server/Metrics.h"
+#include "server/metrics/Metrics.h"
 #include "server/config/ConfigurationStore.h"
 #include "server/events/EventBook.h"
 #include "server/events/LogBook.h"

@@ -57,7 +57,7 @@ HRESULT SimulatedLibrary::createInstance(REFCLSID classId, REFIID interfaceId, v
 
 HRESULT ZrEventLoggerFnxProxyLib::CreateInstance(REFCLSID classId, REFIID, void** object) {
     return bridge_test::passCall(
-        __func__,
+        __func__, bridge_test::CallKind::handsOutObject,
         [&] {
             using namespace bridge_test;
             return classId == CLSID_EventLogger
@@ -70,7 +70,7 @@ HRESULT ZrEventLoggerFnxProxyLib::CreateInstance(REFCLSID classId, REFIID, void*
 HRESULT ZrEventLoggerFnxProxyLibErrorMessage(HRESULT hr, BSTR* text) {
     using Function = HRESULT(HRESULT, BSTR*);
     return bridge_test::passCall(
-        __func__,
+        __func__, bridge_test::CallKind::handsOutText,
         [&] {
             return SimulatedLibrary::instance().get<Function>(
                 "ZrEventLoggerFnxProxyLibErrorMessage")(hr, text);

@@ -1,10 +1,8 @@
 #pragma once
 
 #include <memory>
-#include <string>
 #include <vector>
 
-#include "host/IZrHmiSrvExtHost.h"
 #include "support/RecordingHost.h"
 
 extern "C" int ext_interface(ZrHmiSrv::IZrHmiSrvExtHost* host, ZrHmiSrv::IZrHmiSrvExt** extension,
@@ -17,34 +15,29 @@ namespace bridge_test {
 class LoadedExtension {
 public:
     explicit LoadedExtension(RecordingHost& host);
-    ~LoadedExtension();
+    ~LoadedExtension() { shutdown(); }
 
-    ZrHmiSrv::ResultPair init();
+    ZrHmiSrv::ResultPair init() { return extension->init(context); }
+    /// Nothing when its listener is gone.
     ZrHmiSrv::ResultPair shutdown();
-    void destroy() { extension.reset(); }
-
-    /// Asks the alarm provider for the events that exist.
-    void refresh();
     ZrHmiSrv::ResultPair confirm(const ZrHmiSrv::Alarm& alarm);
     std::vector<ZrHmiSrv::Command> command(std::vector<ZrHmiSrv::Command> commands);
     ZrHmiSrv::Command command(const char* name, ZrHmiSrv::Value input = {});
-    /// The "Diagnostics" entry of a target system.
-    ZrHmiSrv::Value diagnostics(const char* target);
-    ZrHmiSrv::ResultPair setConfiguration(const char* path);
-    ZrHmiSrv::ResultPair deleteConfiguration(const char* path);
+    /// An entry of a target system's "Diagnostics".
+    std::string diagnostics(const char* target, const char* entry);
 
     template <class Listener>
-    Listener& listener(ZrHmiSrv::ListenerType type) {
+    Listener* listener(ZrHmiSrv::ListenerType type) {
         ZrHmiSrv::IZrHmiSrvListener* found = nullptr;
-        host.look([&] { found = host.listeners.at(type); });
-        return dynamic_cast<Listener&>(*found);
+        host.look([&] { found = host.listeners[type]; });
+        return dynamic_cast<Listener*>(found);
     }
 
     const ZrHmiSrv::Context context{"TestDomain"};
+    std::unique_ptr<ZrHmiSrv::IZrHmiSrvExt> extension;
 
 private:
     RecordingHost& host;
-    std::unique_ptr<ZrHmiSrv::IZrHmiSrvExt> extension;
 };
 
 }  // namespace bridge_test

@@ -1,6 +1,7 @@
 #include "support/RecordingHost.h"
 
 #include <algorithm>
+#include <chrono>
 
 using namespace ZrHmiSrv;
 
@@ -8,74 +9,56 @@ namespace bridge_test {
 
 namespace {
 
-const char* nameOf(ListenerType type) {
-    switch (type) {
-        case ListenerType::shutdown:
-            return "shutdown";
-        case ListenerType::alarm_provider:
-            return "alarm provider";
-        case ListenerType::event_localization:
-            return "event localization";
-        case ListenerType::request:
-            return "request";
-        case ListenerType::configuration:
-            return "configuration";
-    }
-    return "?";
+std::string nameOf(const IZrHmiSrvListener& listener) {
+    const char* const names[] = {"shutdown", "alarm provider", "event localization", "request",
+                                 "configuration"};
+    return names[static_cast<std::size_t>(listener.type()) - 1];
 }
 
 }  // namespace
 
-Value RecordingHost::configurationWithLimit(double limit) {
+Value RecordingHost::configurationFor(const std::vector<Target>& targets) {
     Value configuration(ValueType::structure);
     configuration.insert("TIMEOUT", Timespan::from_milliseconds(2000));
-    configuration.insert("LIMIT_EVENT_COUNT", limit);
+    configuration.insert("LIMIT_EVENT_COUNT", 100);
     configuration.insert("TARGET_SYSTEMS", Value(ValueType::map));
+    for (const auto& [name, address, enabled] : targets) {
+        configuration["TARGET_SYSTEMS"][name]["ADDRESS"] = address;
+        configuration["TARGET_SYSTEMS"][name]["ENABLED"] = enabled;
+    }
     return configuration;
 }
 
-void RecordingHost::addTarget(Value& configuration, const char* name, const char* address,
-                              bool enabled) {
-    Value entry(ValueType::structure);
-    entry.insert("ADDRESS", address);
-    entry.insert("ENABLED", enabled);
-    configuration["TARGET_SYSTEMS"].insert_or_update(name, entry);
-}
-
-void RecordingHost::note(std::string call) {
+ResultPair RecordingHost::note(std::string call) {
     calls.push_back(std::move(call));
     changed.notify_all();
+    return {};
 }
 
 ResultPair RecordingHost::send_message(const Context&, Message& message, bool publish) {
     std::lock_guard lock(mutex);
     (publish ? messages : log).push_back(message);
-    note((publish ? "message " : "log ") + std::string(message.name().view()));
-    return {};
+    return note((publish ? "message " : "log ") + std::string(message.name().view()));
 }
 
-ResultPair RecordingHost::register_listener_with_settings(const Context&,
-                                                          IZrHmiSrvListener* listener,
+ResultPair RecordingHost::register_listener_with_settings(const Context&, Listener* listener,
                                                           const Value& settings) {
     std::lock_guard lock(mutex);
     listenerSettings = settings;
     listeners[listener->type()] = listener;
-    note(std::string("register with settings ") + nameOf(listener->type()));
-    return {};
+    return note("register with settings " + nameOf(*listener));
 }
 
-ResultPair RecordingHost::register_listener(const Context&, IZrHmiSrvListener* listener) {
+ResultPair RecordingHost::register_listener(const Context&, Listener* listener) {
     std::lock_guard lock(mutex);
     listeners[listener->type()] = listener;
-    note(std::string("register ") + nameOf(listener->type()));
-    return {};
+    return note("register " + nameOf(*listener));
 }
 
-ResultPair RecordingHost::unregister_listener(const Context&, IZrHmiSrvListener* listener) {
+ResultPair RecordingHost::unregister_listener(const Context&, Listener* listener) {
     std::lock_guard lock(mutex);
     listeners.erase(listener->type());
-    note(std::string("unregister ") + nameOf(listener->type()));
-    return {};
+    return note("unregister " + nameOf(*listener));
 }
 
 ResultPair RecordingHost::apply_alarm(const Context&, AlarmOperation operation, Alarm alarm) {
@@ -83,8 +66,7 @@ ResultPair RecordingHost::apply_alarm(const Context&, AlarmOperation operation, 
     if (operation == AlarmOperation::raise || alarms.contains(alarm.id()))
         alarms[alarm.id()] = alarm;
     const char* const verbs[] = {"raise ", "update ", "remove "};
-    note(verbs[static_cast<int>(operation)] + std::to_string(alarm.id()));
-    return {};
+    return note(verbs[static_cast<int>(operation)] + std::to_string(alarm.id()));
 }
 
 ResultPair RecordingHost::drop_event(const Context&, Event event) {
@@ -92,43 +74,30 @@ ResultPair RecordingHost::drop_event(const Context&, Event event) {
     if (event.payload().type() == ValueType::alarm) {
         const int id = event.payload().get_alarm().id();
         alarms.erase(id);
-        note("drop " + std::to_string(id));
-        return {};
+        return note("drop " + std::to_string(id));
     }
-    const Value payload = event.payload();
     const auto found = std::find_if(messages.begin(), messages.end(), [&](const Message& message) {
-        return Value(message) == payload;
+        return Value(message) == event.payload();
     });
     if (found != messages.end())
         messages.erase(found);
-    note("drop message");
-    return {};
+    return note("drop message");
 }
 
-ResultPair RecordingHost::read_configuration(Value& result, const Context&, const char* path) {
-    std::lock_guard lock(mutex);
-    Value value = configuration;
-    for (std::string_view rest = path; !rest.empty();) {
-        const std::size_t end = std::min(rest.find("::"), rest.size());
-        const Value* found = value.lookup(rest.substr(0, end));
-        value = found ? Value(*found) : Value();
-        rest.remove_prefix(std::min(end + 2, rest.size()));
-    }
-    result = value;
+ResultPair RecordingHost::read_configuration(Value& result, const Context&, const char* name) {
+    const Value* found = *name ? configuration.lookup(name) : &configuration;
+    result = found ? *found : Value();
     return {};
 }
 
 ResultPair RecordingHost::reset_events(const Context&) {
     std::lock_guard lock(mutex);
-    ++resets;
-    note("reset");
-    return {};
+    return note("reset");
 }
 
 ResultPair RecordingHost::announce(const Context&, const char* product) {
     std::lock_guard lock(mutex);
-    note(std::string("announce ") + product);
-    return {};
+    return note(std::string("announce ") + product);
 }
 
 void RecordingHost::replace_events(const char* target, std::span<const Event> events) {
@@ -140,14 +109,13 @@ void RecordingHost::replace_events(const char* target, std::span<const Event> ev
     std::erase_if(alarms, [&](const auto& entry) { return belongs(entry.second.payload()); });
     std::erase_if(messages, [&](const Message& message) { return belongs(message.parameters()); });
     for (const Event& event : events) {
-        if (event.payload().type() == ValueType::alarm) {
-            const Alarm alarm = event.payload().get_alarm();
+        const Alarm alarm = event.payload().get_alarm();
+        if (alarm.isset())
             alarms[alarm.id()] = alarm;
-        } else {
+        else
             messages.push_back(event.payload().get_message());
-        }
     }
-    note(std::string("provided ") + target + " " + std::to_string(events.size()));
+    note(std::string("provided ") + target);
 }
 
 bool RecordingHost::waitFor(const std::function<bool()>& condition) {
@@ -160,32 +128,15 @@ void RecordingHost::look(const std::function<void()>& visit) {
     visit();
 }
 
-void RecordingHost::setConfiguration(const char* name, Value value) {
-    std::lock_guard lock(mutex);
-    configuration.insert_or_update(name, std::move(value));
-}
-
-void RecordingHost::setTarget(const char* name, const char* address, bool enabled) {
-    std::lock_guard lock(mutex);
-    addTarget(configuration, name, address, enabled);
-}
-
-void RecordingHost::removeTarget(const char* name) {
-    std::lock_guard lock(mutex);
-    Value& targets = configuration["TARGET_SYSTEMS"];
-    if (const auto found = targets.find(name); found != targets.end())
-        targets.remove(found);
-}
-
 std::size_t RecordingHost::logged(std::string_view name) const {
     return static_cast<std::size_t>(std::count_if(
         log.begin(), log.end(), [&](const Message& entry) { return entry.name().view() == name; }));
 }
 
 Message RecordingHost::lastLogged(std::string_view name) const {
-    const auto found =
-        std::find_if(log.rbegin(), log.rend(),
-                     [&](const Message& entry) { return entry.name().view() == name; });
+    const auto found = std::find_if(log.rbegin(), log.rend(), [&](const Message& entry) {
+        return entry.name().view() == name;
+    });
     return found == log.rend() ? Message() : *found;
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <map>
@@ -16,33 +15,35 @@ namespace bridge_test {
 /// see them. Any thread; `waitFor` blocks until a condition on it holds.
 class RecordingHost final : public ZrHmiSrv::IZrHmiSrvExtHost, public ZrHmiSrv::IEventReceiver {
 public:
+    using Alarm = ZrHmiSrv::Alarm;
     using Context = ZrHmiSrv::Context;
+    using Listener = ZrHmiSrv::IZrHmiSrvListener;
+    using Message = ZrHmiSrv::Message;
+    using ResultPair = ZrHmiSrv::ResultPair;
     using Value = ZrHmiSrv::Value;
+    struct Target {
+        const char* name;
+        const char* address;
+        bool enabled = true;
+    };
 
     explicit RecordingHost(Value configuration = {}) : configuration(std::move(configuration)) {}
     ~RecordingHost() = default;
 
-    /// `{"TIMEOUT": 2 s, "LIMIT_EVENT_COUNT": limit, "TARGET_SYSTEMS": {}}`
-    static Value configurationWithLimit(double limit);
-    static void addTarget(Value& configuration, const char* name, const char* address,
-                          bool enabled = true);
+    /// With a time-out of 2 s and a limit of 100 events.
+    static Value configurationFor(const std::vector<Target>& targets);
 
-    ZrHmiSrv::ResultPair send_message(const Context&, ZrHmiSrv::Message& message,
-                                      bool publish) override;
-    ZrHmiSrv::ResultPair register_listener_with_settings(const Context&,
-                                                         ZrHmiSrv::IZrHmiSrvListener* listener,
-                                                         const Value& settings) override;
-    ZrHmiSrv::ResultPair register_listener(const Context&,
-                                           ZrHmiSrv::IZrHmiSrvListener* listener) override;
-    ZrHmiSrv::ResultPair unregister_listener(const Context&,
-                                             ZrHmiSrv::IZrHmiSrvListener* listener) override;
-    ZrHmiSrv::ResultPair apply_alarm(const Context&, ZrHmiSrv::AlarmOperation operation,
-                                     ZrHmiSrv::Alarm alarm) override;
-    ZrHmiSrv::ResultPair drop_event(const Context&, ZrHmiSrv::Event event) override;
-    ZrHmiSrv::ResultPair read_configuration(Value& result, const Context&,
-                                            const char* path) override;
-    ZrHmiSrv::ResultPair reset_events(const Context&) override;
-    ZrHmiSrv::ResultPair announce(const Context&, const char* product) override;
+    ResultPair send_message(const Context&, Message& message, bool publish) override;
+    ResultPair register_listener_with_settings(const Context&, Listener* listener,
+                                               const Value& settings) override;
+    ResultPair register_listener(const Context&, Listener* listener) override;
+    ResultPair unregister_listener(const Context&, Listener* listener) override;
+    ResultPair apply_alarm(const Context&, ZrHmiSrv::AlarmOperation operation,
+                           Alarm alarm) override;
+    ResultPair drop_event(const Context&, ZrHmiSrv::Event event) override;
+    ResultPair read_configuration(Value& result, const Context&, const char* name) override;
+    ResultPair reset_events(const Context&) override;
+    ResultPair announce(const Context&, const char* product) override;
     void replace_events(const char* target, std::span<const ZrHmiSrv::Event> events) override;
 
     /// True when the condition held within ten seconds. It is tried after every call of the host,
@@ -51,29 +52,24 @@ public:
     /// Runs with the host's lock held.
     void look(const std::function<void()>& visit);
 
-    void setConfiguration(const char* name, Value value);
-    void setTarget(const char* name, const char* address, bool enabled);
-    void removeTarget(const char* name);
-
     // All of it is read in `waitFor` or `look` only.
     std::vector<std::string> calls;  ///< "slot-name detail"
-    std::vector<ZrHmiSrv::Message> log;
-    std::map<int, ZrHmiSrv::Alarm> alarms;
-    std::vector<ZrHmiSrv::Message> messages;
-    std::size_t resets = 0;
+    std::vector<Message> log;
+    std::map<int, Alarm> alarms;
+    std::vector<Message> messages;
     Value listenerSettings;
-    std::map<ZrHmiSrv::ListenerType, ZrHmiSrv::IZrHmiSrvListener*> listeners;  ///< registered now
+    std::map<ZrHmiSrv::ListenerType, Listener*> listeners;  ///< registered now
 
     std::size_t logged(std::string_view name) const;
     /// The last log entry of a name, unset when there is none.
-    ZrHmiSrv::Message lastLogged(std::string_view name) const;
+    Message lastLogged(std::string_view name) const;
 
 private:
-    void note(std::string call);
+    ResultPair note(std::string call);
 
     std::mutex mutex;
     std::condition_variable changed;
-    Value configuration;
+    const Value configuration;
 };
 
 }  // namespace bridge_test

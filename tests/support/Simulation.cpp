@@ -1,8 +1,7 @@
 #include "support/Simulation.h"
 
-#include <gtest/gtest.h>
-
 #include <boost/json/parse.hpp>
+#include <gtest/gtest.h>
 
 #include "simulator/Control.h"
 
@@ -26,30 +25,33 @@ std::string runtime(const char* netId, const std::string& log) {
            log + "}";
 }
 
-std::string take(char* answer) {
+/// Ends a call of the simulator, which has to answer 200.
+std::string expectSuccess(int result, char* answer) {
     std::string text = answer ? answer : "";
     ZrSimulatorFree(answer);
+    EXPECT_EQ(result, 200) << text;
     return text;
 }
 
 }  // namespace
 
 Simulation::Simulation(const std::string& fillerLog) {
-    const std::string plant = plantHead + runtime(fillerNetId, fillerLog) + "," +
-                              runtime(packerNetId, "[]") + "}}";
+    const std::string plant =
+        plantHead + runtime(fillerNetId, fillerLog) + "," + runtime(packerNetId, "[]") + "}}";
     char* answer = nullptr;
     const int result = ZrSimulatorLoadPlant(plant.c_str(), &answer);
-    const std::string text = take(answer);
-    EXPECT_EQ(result, 200) << text;
+    expectSuccess(result, answer);
 }
 
-Simulation::~Simulation() { ZrSimulatorShutdown(); }
+Simulation::~Simulation() {
+    ZrSimulatorShutdown();
+}
 
 void Simulation::act(const std::string& action, const char* netId) {
+    SCOPED_TRACE(action);
     char* answer = nullptr;
     const int result = ZrSimulatorApply(netId, action.c_str(), &answer);
-    const std::string text = take(answer);
-    EXPECT_EQ(result, 200) << action << ": " << text;
+    expectSuccess(result, answer);
 }
 
 void Simulation::raise(const std::string& name, int event, const char* netId) {
@@ -58,18 +60,20 @@ void Simulation::raise(const std::string& name, int event, const char* netId) {
         netId);
 }
 
-void Simulation::clear(const std::string& name, const char* netId) {
-    act(R"({"do": "clear", "alarm": ")" + name + "\"}", netId);
-}
-
 boost::json::object Simulation::status(const char* netId) {
     char* answer = nullptr;
-    EXPECT_EQ(ZrSimulatorStatus(netId, &answer), 200);
-    return boost::json::parse(take(answer)).as_object();
+    const int result = ZrSimulatorStatus(netId, &answer);
+    return boost::json::parse(expectSuccess(result, answer)).as_object();
 }
 
 std::int64_t Simulation::liveObjects(const char* netId) {
     return status(netId).at("liveObjects").to_number<std::int64_t>();
+}
+
+std::int64_t Simulation::calls(const char* operation) {
+    const auto counted = status().at("calls").as_object();
+    const auto* count = counted.if_contains(operation);
+    return count ? count->to_number<std::int64_t>() : 0;
 }
 
 }  // namespace bridge_test

@@ -22,9 +22,10 @@ public:
     /// Fails the running test when the action is refused.
     void act(const std::string& action, const char* netId = fillerNetId);
     void raise(const std::string& name, int event = 1, const char* netId = fillerNetId);
-    void clear(const std::string& name, const char* netId = fillerNetId);
     boost::json::object status(const char* netId = fillerNetId);
     std::int64_t liveObjects(const char* netId = fillerNetId);
+    /// How often the filler's runtime was asked to do something.
+    std::int64_t calls(const char* operation);
 };
 
 }  // namespace bridge_test

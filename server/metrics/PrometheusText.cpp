@@ -1,4 +1,4 @@
-#include "server/PrometheusText.h"
+#include "server/metrics/PrometheusText.h"
 
 #include <cstdio>
 

@@ -1,9 +1,9 @@
-#include "server/Metrics.h"
+#include "server/metrics/Metrics.h"
 
 #include <string_view>
 #include <utility>
 
-#include "server/PrometheusText.h"
+#include "server/metrics/PrometheusText.h"
 
 namespace hmi {
 
@@ -26,11 +26,6 @@ double number(std::uint64_t count) {
 
 }  // namespace
 
-void Metrics::countConfirmation(ZrHmiSrv::ErrorValue result) {
-    Lock lock(mutex);
-    ++confirmations[static_cast<std::uint32_t>(result)];
-}
-
 std::uint64_t& Metrics::logCounter(std::string name, std::string target) {
     const auto found = logMessages.find({name, target});
     if (found != logMessages.end())
@@ -41,14 +36,10 @@ std::uint64_t& Metrics::logCounter(std::string name, std::string target) {
 }
 
 void Metrics::countLogMessage(const ZrHmiSrv::Message& message) {
+    targets.countLogMessage(message);
     const ZrHmiSrv::Value* const about = message.parameters().lookup("0");
-    const ZrHmiSrv::Value* const milliseconds = message.parameters().lookup("6");
-    const std::string target = about ? about->get_string() : std::string();
     Lock lock(mutex);
-    std::uint64_t& counter = logCounter(std::string(message.name().view()), target);
-    ++counter;
-    if (milliseconds && message.name() == "LOGGED_EVENTS_IMPORTED")
-        importSeconds[target] += static_cast<double>(*milliseconds) / 1000;
+    ++logCounter(std::string(message.name().view()), about ? about->get_string() : std::string());
 }
 
 std::string Metrics::text() const {
@@ -59,8 +50,6 @@ std::string Metrics::text() const {
     text.family("hmi_http_requests_total", "counter", "Answered requests.");
     for (std::size_t hundreds = 2; hundreds < requests.size(); ++hundreds)
         text.sample({{"status", std::to_string(hundreds) + "xx"}}, number(requests[hundreds]));
-    text.family("hmi_events_forgotten_total", "counter", "Events that the extension dropped.");
-    text.sample({}, number(forgotten));
     text.family("hmi_resets_total", "counter", "Times that all events were replaced.");
     text.sample({}, number(resets));
     text.family("hmi_reset_seconds_total", "counter", "Time spent on replacing all events.");
@@ -69,16 +58,11 @@ std::string Metrics::text() const {
     text.sample({}, static_cast<double>(streamClients));
     text.family("hmi_stream_slow_clients_total", "counter", "Clients dropped as too slow.");
     text.sample({}, number(slowClients));
+    targets.write(text);
     Lock lock(mutex);
-    text.family("hmi_confirmations_total", "counter", "Operator confirmations by result code.");
-    for (const auto& [result, count] : confirmations)
-        text.sample({{"result", std::to_string(result)}}, number(count));
     text.family("hmi_log_messages_total", "counter", "Messages written to the log, by name.");
     for (const auto& [key, count] : logMessages)
         text.sample({{"name", key.first}, {"target", key.second}}, number(count));
-    text.family("hmi_import_seconds_total", "counter", "Time spent on imports after connecting.");
-    for (const auto& [target, seconds] : importSeconds)
-        text.sample({{"target", target}}, seconds);
     return text.text();
 }
 
