@@ -1,5 +1,6 @@
 #include "events/EventParameters.h"
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <span>
@@ -43,6 +44,19 @@ Text readText(Object& object, HRESULT (STDMETHODCALLTYPE Owner::*getter)(BSTR*))
     ScopedBstr text;
     check((object.*getter)(text.put()));
     return Text(text.utf8());
+}
+
+/// Events of a plant have few classes: those that were met lately share their text.
+Text classText(const GUID& eventClass) {
+    struct Known {
+        GUID eventClass{};
+        Text text;
+    };
+    thread_local std::array<Known, 16> lately;
+    Known& known = lately[eventClass.Data1 % lately.size()];
+    if (known.text.empty() || known.eventClass != eventClass)
+        known = {eventClass, Text(guidText(eventClass))};
+    return known.text;
 }
 
 bool hasSource(IZrEvent& source, SourceAttribute kind) {
@@ -114,8 +128,7 @@ Value parametersOf(Source& source, const Text& targetName) {
     Value parameters(ValueType::structure);
     parameters.reserve(parameterCount);
     parameters.insert(keys::targetName, targetName);
-    parameters.insert(keys::eventClass,
-                      Text(guidText(readValue(source, &IZrEvent::get_EventClass))));
+    parameters.insert(keys::eventClass, classText(readValue(source, &IZrEvent::get_EventClass)));
     parameters.insert(keys::eventId,
                       static_cast<double>(readValue(source, &IZrEvent::get_EventId)));
     if (hasSource(source, SourceAttribute::id))

@@ -63,18 +63,36 @@ protected:
         return server.events.select(filter, 0, 1).total;
     }
 
+    /// With an alarm that stands already.
+    void startHanging() {
+        simulation.raise("old");
+        ASSERT_TRUE(eventually([&] { return alarmsOf("Filler") == 1; }));
+        const auto before = calls();
+        simulation.act(std::string(R"({"do": "pause", "call": ")") + GetParam().operation + "\"}");
+        trigger = std::thread([this] { GetParam().trigger(simulation, server); });
+        EXPECT_TRUE(eventually([&] { return calls() > before; }));
+    }
+    void resume() {
+        simulation.act(R"({"do": "resume"})");
+        trigger.join();
+    }
+    Findings differences() {
+        Findings findings;
+        eventually([&] {
+            findings = server.compare("Filler", fillerNetId);
+            return findings.empty();
+        });
+        return findings;
+    }
+
     const Watchdog watchdog{std::chrono::minutes(1)};
     Simulation simulation;
     RunningServer server;
+    std::thread trigger;
 };
 
 TEST_P(Hang, KeepsNobodyElseWaiting) {
-    simulation.raise("old");
-    ASSERT_TRUE(eventually([&] { return alarmsOf("Filler") == 1; }));
-    const auto before = calls();
-    simulation.act(std::string(R"({"do": "pause", "call": ")") + GetParam().operation + "\"}");
-    std::thread trigger([&] { GetParam().trigger(simulation, server); });
-    EXPECT_TRUE(eventually([&] { return calls() > before; }));
+    startHanging();
     const std::size_t entries = server.logged("Filler");
 
     simulation.raise("urgent", 1, packerNetId);
@@ -84,35 +102,25 @@ TEST_P(Hang, KeepsNobodyElseWaiting) {
     // The end of the call, be it the time-out's, would have been told.
     EXPECT_EQ(server.logged("Filler"), entries) << "it waited for the hanging call";
 
-    simulation.act(R"({"do": "resume"})");
-    trigger.join();
-    Findings findings;
-    eventually([&] {
-        findings = server.compare("Filler", fillerNetId);
-        return findings.empty();
-    });
-    EXPECT_THAT(findings, IsEmpty());
+    resume();
+    EXPECT_THAT(differences(), IsEmpty());
 }
 
-/// The timer's call hangs while the target goes and comes back.
-TEST(HangingTarget, CanBeReplaced) {
-    const Watchdog watchdog(std::chrono::minutes(1));
-    Simulation simulation;
-    RunningServer server;
-    const auto calls = [&] {
-        return simulation.status().at("calls").at("IsConnected").to_number<std::int64_t>();
-    };
-    const auto before = calls();
-    simulation.act(R"({"do": "pause", "call": "IsConnected"})");
-    EXPECT_TRUE(eventually([&] { return calls() > before; }));
+TEST_P(Hang, TheTargetCanBeRemovedAndComesBack) {
+    startHanging();
     server.remove("Filler");
     EXPECT_FALSE(server.diagnostics("Filler").isset());
     EXPECT_EQ(server.logged("Filler", "CORVANE_EVENTLOGGER_ERROR"), 0U) << "after its time-out";
 
-    simulation.act(R"({"do": "resume"})");
+    resume();
     EXPECT_TRUE(eventually([&] { return simulation.liveObjects() == 0; }));
+    EXPECT_TRUE(eventually([&] { return alarmsOf("Filler") == 0; }));
     server.configure("Filler", fillerNetId, true);
-    EXPECT_THAT(server.compare("Filler", fillerNetId), IsEmpty());
+    EXPECT_THAT(differences(), IsEmpty());
+}
+
+void PrintTo(const HangingCall& call, std::ostream* out) {
+    *out << call.operation;
 }
 
 std::string nameOf(const testing::TestParamInfo<HangingCall>& call) {
