@@ -9,8 +9,9 @@
 
 #ifdef _WIN32
 #include <windows.h>
-//
-#include <boost/winapi/handle_info.hpp>  // that extend.hpp leaves out
+
+#include <boost/system/error_code.hpp>
+#include <boost/winapi/handle_info.hpp>
 #endif
 
 #include <boost/process/args.hpp>
