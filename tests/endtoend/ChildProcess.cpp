@@ -7,14 +7,17 @@
 #include <random>
 #include <thread>
 
+#ifdef _WIN32
+#include <windows.h>
+
+#include <boost/system/error_code.hpp>
+#include <boost/winapi/handle_info.hpp>
+#endif
+
 #include <boost/process/args.hpp>
 #include <boost/process/exe.hpp>
 #include <boost/process/extend.hpp>
 #include <boost/process/io.hpp>
-
-#ifdef _WIN32
-#include <windows.h>
-#endif
 
 namespace fs = std::filesystem;
 namespace process = boost::process;
