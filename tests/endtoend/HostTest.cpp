@@ -1,4 +1,6 @@
-/// The server's side of the extension interface, with an extension that does as it is told.
+/// The server's side of the extension interface and of HTTP, with an extension that does little.
+#include <algorithm>
+
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
 
@@ -11,120 +13,14 @@ namespace {
 class HostTest : public testing::Test {
 protected:
     HttpAnswer command(const char* name, const json::value& input = {}) {
-        return server.post("/api/commands",
+        return server.send("POST", "/api/commands",
                            json::array{{{"command", name}, {"writeValue", input}}});
     }
 
-    /// Makes the extension call the server.
-    void call(const json::value& calls) { ASSERT_EQ(command("host", calls).status, 200U); }
-
-    ServerFixture server{TEST_EXTENSION_FILE, {{"TIMEOUT", "PT5S"}}};
+    ServerFixture server{
+        TEST_EXTENSION_FILE,
+        {{"TIMEOUT", "PT5S"}, {"TARGET_SYSTEMS", {{"A", {{"ADDRESS", "local"}}}}}}};
 };
-
-TEST_F(HostTest, AlarmsLiveAsTheExtensionTells) {
-    StreamClient stream(server.port());
-    call(json::parse(R"([
-        {"do": "raise", "id": 1, "name": "N", "targetName": "A", "raised": 1000, "severity": 3,
-         "confirmation": 2},
-        {"do": "update", "id": 9},
-        {"do": "remove", "id": 9},
-        {"do": "update", "id": 1, "name": "U", "raised": 1000, "cleared": 2000},
-        {"do": "remove", "id": 1, "raised": 1000},
-        {"do": "raise", "id": 1, "raised": 3000},
-        {"do": "drop", "id": 1},
-        {"do": "drop", "id": 1},
-        {"do": "message", "raised": 4000}])"));
-    const json::value raised = stream.next().value();
-    EXPECT_EQ(serialize(raised),
-              R"({"type":"raised","event":{"id":1,"kind":"alarm","name":"N","domain":"",)"
-              R"("severity":3,"timeReceived":"1970-01-01T00:00:01.0000000Z",)"
-              R"("timeRaised":"1970-01-01T00:00:01.0000000Z","timeCleared":null,)"
-              R"("timeConfirmed":null,"alarmState":0,"confirmationState":2,"active":true,)"
-              R"("parameters":{"targetName":"A"}}})");
-    const struct {
-        const char* type;
-        bool active;
-        json::value cleared;
-    } lines[] = {{"updated", false, "1970-01-01T00:00:02.0000000Z"},
-                 {"removed", false, nullptr},  // the extension has ended it
-                 {"raised", true, nullptr},
-                 {"forgotten", true, nullptr},
-                 {"message", false, nullptr}};
-    for (const auto& [type, active, cleared] : lines) {
-        const json::value line = stream.next().value();
-        EXPECT_EQ(line.at("type"), type);
-        EXPECT_EQ(line.at("event").at("active"), active) << type;
-        EXPECT_EQ(line.at("event").at("timeCleared"), cleared) << type;
-    }
-    EXPECT_EQ(server.get("/api/events/1").status, 404U);
-    EXPECT_EQ(server.events().size(), 1U);
-}
-
-TEST_F(HostTest, FiltersAndPagesSelect) {
-    json::array calls;
-    for (int id = 1; id <= 30; ++id)
-        calls.push_back({{"do", "raise"},
-                         {"id", id},
-                         {"targetName", id % 2 ? "A" : "B"},
-                         {"severity", id % 5},
-                         {"cleared", id % 3 ? 0 : 2000},
-                         {"confirmation", id % 10 ? 1 : 2}});
-    call(calls);
-    const struct {
-        const char* query;
-        const char* ids;
-        int total;
-    } cases[] = {{"target=A&severity=4", "29 19 9 ", 3},
-                 {"state=cleared&target=B", "30 24 18 12 6 ", 5},
-                 {"state=unconfirmed", "30 20 10 ", 3},
-                 {"state=active&severity=3&target=A&kind=alarm", "29 23 19 13 ", 4},
-                 {"offset=28", "2 1 ", 30},
-                 {"target=B&offset=1&limit=2", "28 26 ", 15},
-                 {"offset=30", "", 30},
-                 {"state=active&severity=3&limit=0", "", 8},
-                 {"kind=message", "", 0}};
-    for (const auto& [query, ids, total] : cases) {
-        std::string found;
-        for (const json::value& event : server.events(query))
-            found += serialize(event.at("id")) + " ";
-        EXPECT_EQ(found, ids) << query;
-        EXPECT_EQ(server.get(std::string("/api/events?") + query).json().at("total"), total);
-    }
-}
-
-TEST_F(HostTest, LogKeepsItsOrderAndPages) {
-    json::array calls;
-    for (int i = 0; i < 5; ++i)
-        calls.push_back({{"do", "log"}, {"name", "ENTRY" + std::to_string(i)}, {"extra", i}});
-    call(calls);
-    const json::value page = server.get("/api/log?since=1&limit=2").json();
-    EXPECT_EQ(page.at("next"), 3);
-    EXPECT_EQ(serialize(page.at("entries").at(0)),
-              R"({"seq":1,"name":"ENTRY1","severity":0,"timeRaised":null,"domain":"",)"
-              R"("parameters":{"extra":1}})");
-    EXPECT_EQ(page.at("entries").as_array().size(), 2U);
-    EXPECT_EQ(server.get("/api/log?since=99").json(),
-              (json::value{{"next", 5}, {"entries", json::array()}}));
-    EXPECT_THAT(server.get("/metrics").body,
-                testing::HasSubstr("hmi_log_messages_total{name=\"ENTRY4\",target=\"\"} 1\n"));
-}
-
-TEST_F(HostTest, AStreamClientThatDoesNotReadIsDroppedAlone) {
-    StreamClient idle(server.port());
-    StreamClient reader(server.port());
-    const json::array messages{{{"do", "message"}, {"extra", std::string(600'000, 'x')}}};
-    const auto isDropped = [&] {
-        return server.get("/metrics").body.find("hmi_stream_slow_clients_total 1\n") !=
-               std::string::npos;
-    };
-    for (int sent = 0; sent < 200 && !isDropped(); ++sent) {
-        call(messages);
-        ASSERT_EQ(reader.next().value().at("type"), "message");
-    }
-    EXPECT_TRUE(isDropped());
-    call(messages);
-    EXPECT_EQ(reader.next().value().at("type"), "message");
-}
 
 TEST_F(HostTest, ListenersComeAndGoInsideTheirCallsAndTheExtensionLeavesInOrder) {
     EXPECT_EQ(command("throw").status, 500U) << "an exception is an answer, not the end";
@@ -137,6 +33,102 @@ TEST_F(HostTest, ListenersComeAndGoInsideTheirCallsAndTheExtensionLeavesInOrder)
     EXPECT_EQ(server.stop(), 0);
     EXPECT_EQ(stream.next(), std::nullopt);
     EXPECT_THAT(server.errors(), testing::HasSubstr("shut down\ndestroyed without listeners\n"));
+}
+
+/// Expects that no request of a test changes anything.
+class BadRequest : public HostTest {
+protected:
+    BadRequest() : before(state()) {}
+    ~BadRequest() override { EXPECT_EQ(state(), before); }
+
+    std::string state() const {
+        return server.get("/api/events").body + server.get("/api/config").body +
+               server.get("/api/log").body + server.configFile();
+    }
+
+    const std::string before;
+};
+
+TEST_F(BadRequest, IsAnsweredAndChangesNothing) {
+    const struct {
+        unsigned status;
+        std::string begin;              ///< of each request: method, target and body
+        std::vector<std::string> ends;  ///< what differs
+    } cases[] = {
+        {404, "GET /", {"/", "api/nothing", "sim/1.2.3.4.5.6", "api/config/NOTHING"}},
+        {404, "POST /api/events/2/", {"confirm"}},
+        {404, "GET /api/events/", {"", "2", "one", "m", "99999999999999999999"}},
+        {405,
+         "",
+         {"GET /api/commands", "POST /api/events", "DELETE /api/events/1", "PUT /api/config {}",
+          "PATCH /api/config/TIMEOUT 1"}},
+        {400,
+         "GET /api/events?",
+         {"kind=warning", "state=new", "severity=-1", "severity=high", "limit=1e3", "colour=red",
+          "offset=99999999999999999999999", "limit=1&limit=2", "target=%F", "target=%GG",
+          "target=%C3%28", "target=%00"}},
+        {400, "", {"GET /api/log?since=-1"}},
+        {400,
+         "POST /api/commands ",
+         {"", "{}", "[1]", "[{\"command\": 1}]", "[{\"writeValue\": 1}]",
+          "[{\"command\": \"host\", \"value\": 1}]", "[{\"command\": \"host\"}] x", "[\"\xFF\"]"}},
+        {400, "POST /api/commands ", {std::string(100, '[')}},
+        {413, "POST /api/commands ", {std::string(std::size_t{2} << 20, ' ')}},
+        {400,
+         "PUT /api/config/",
+         {"A::::B 1", "::A 1", "TIMEOUT {", "TIMEOUT", "TIMEOUT::SECONDS 1",
+          "LIMIT_EVENT_COUNT \"many\"", "PRELOAD_TRANSLATIONS \"yes\""}},
+        {409, "", {"PUT /api/config/TARGET_SYSTEMS {}", "DELETE /api/config/TARGET_SYSTEMS"}},
+        {426, "", {"GET /api/stream"}},
+    };
+    for (const auto& item : cases) {
+        for (const std::string& end : item.ends) {
+            const std::string request = item.begin + end;
+            SCOPED_TRACE(request.substr(0, 100));
+            const std::size_t target = request.find(' ') + 1;
+            const std::size_t body = std::min(request.find(' ', target), request.size());
+            const HttpAnswer answer =
+                sendRequest(server.port(), request.substr(0, target - 1),
+                            request.substr(target, body - target), request.substr(body));
+            EXPECT_EQ(answer.status, item.status);
+            EXPECT_TRUE(answer.json().at("error").is_string());
+        }
+    }
+}
+
+TEST_F(BadRequest, ThatIsNoHttpEndsItsConnectionOnly) {
+    const std::pair<std::string, unsigned> cases[] = {
+        {"\x16\x03\x01 hello\r\n\r\n", 400},
+        {"GET / HTTP/1.1\r\nLong: " + std::string(20000, 'x'), 431},
+        {"POST /api/commands HTTP/1.1\r\nContent-Length: 9e9\r\n\r\n", 400},
+        {"GET http://127.0.0.1/ HTTP/1.1\r\nHost: x\r\n\r\n", 400}};
+    for (const auto& [bytes, status] : cases)
+        EXPECT_EQ(sendRaw(server.port(), bytes).status, status) << bytes.substr(0, 50);
+}
+
+TEST_F(BadRequest, OfForeignPagesIsRefused) {
+    const std::string own = "http://127.0.0.1:" + std::to_string(server.port());
+    const struct {
+        HttpHeaders headers;
+        unsigned status;
+    } cases[] = {
+        {{{"Origin", own}}, 200},
+        {{{"Origin", "http://evil.example"}}, 403},
+        {{{"Origin", "null"}}, 403},
+        {{{"Origin", "http://127.0.0.1:1"}}, 403},
+        {{{"Host", "evil.example"}}, 403},
+        {{{"Host", "evil.example"}, {"Origin", "http://evil.example"}}, 403},
+        {{{"Host", "localhost:80"}, {"Origin", "http://localhost:80"}}, 200},
+    };
+    for (const auto& [headers, status] : cases) {
+        SCOPED_TRACE(headers.front().first + " " + headers.front().second);
+        EXPECT_EQ(sendRequest(server.port(), "POST", "/api/commands", "[]", headers).status,
+                  status);
+        if (status == 200)
+            EXPECT_NO_THROW(StreamClient(server.port(), headers));
+        else
+            EXPECT_ANY_THROW(StreamClient(server.port(), headers));
+    }
 }
 
 }  // namespace

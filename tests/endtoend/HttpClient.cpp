@@ -27,9 +27,7 @@ asio::ip::tcp::endpoint loopback(std::uint16_t port) {
 }  // namespace
 
 boost::json::value HttpAnswer::json() const {
-    boost::json::error_code error;
-    boost::json::value value = boost::json::parse(body, error);
-    return error ? boost::json::value() : value;
+    return boost::json::parse(body);
 }
 
 HttpAnswer sendRaw(std::uint16_t port, const std::string& bytes) {

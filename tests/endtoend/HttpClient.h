@@ -12,7 +12,7 @@ struct HttpAnswer {
     unsigned status = 0;
     std::string body;
 
-    /// The body, or null when it is no JSON.
+    /// Throws when the body is no JSON.
     boost::json::value json() const;
 };
 

@@ -9,11 +9,10 @@ namespace {
 std::vector<std::string> argumentsOf(const TemporaryDirectory& files, const std::string& extension,
                                      const json::value& config, const json::value& plant) {
     const std::string configFile = files.write("config.json", serialize(config));
-    std::vector<std::string> arguments{"--extension", extension, "--config", configFile,
-                                       "--port",      "0"};
+    std::vector<std::string> arguments{"--extension", extension, "--config",
+                                       configFile,    "--port",  "0"};
     if (!plant.is_null())
-        arguments.insert(arguments.end(),
-                         {"--plant", files.write("plant.json", serialize(plant))});
+        arguments.insert(arguments.end(), {"--plant", files.write("plant.json", serialize(plant))});
     return arguments;
 }
 
@@ -30,20 +29,13 @@ ServerFixture::ServerFixture(const std::string& extension, const json::value& co
     portNumber = static_cast<std::uint16_t>(std::stoi(line().substr(announcement.size())));
 }
 
-HttpAnswer ServerFixture::get(const std::string& target) const {
-    return sendRequest(portNumber, "GET", target);
+HttpAnswer ServerFixture::send(const char* method, const std::string& target,
+                               const json::value& body) const {
+    return sendRequest(portNumber, method, target, body.is_null() ? "" : serialize(body));
 }
 
-HttpAnswer ServerFixture::erase(const std::string& target) const {
-    return sendRequest(portNumber, "DELETE", target);
-}
-
-HttpAnswer ServerFixture::post(const std::string& target, const json::value& body) const {
-    return sendRequest(portNumber, "POST", target, serialize(body));
-}
-
-HttpAnswer ServerFixture::put(const std::string& target, const json::value& body) const {
-    return sendRequest(portNumber, "PUT", target, serialize(body));
+bool ServerFixture::hasMetric(const std::string& line) const {
+    return get("/metrics").body.find("\n" + line + "\n") != std::string::npos;
 }
 
 json::array ServerFixture::events(const std::string& query) const {

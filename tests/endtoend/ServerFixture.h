@@ -16,12 +16,13 @@ public:
                   const boost::json::value& plant = {});
 
     std::uint16_t port() const { return portNumber; }
-    HttpAnswer get(const std::string& target) const;
-    HttpAnswer erase(const std::string& target) const;
-    HttpAnswer post(const std::string& target, const boost::json::value& body) const;
-    HttpAnswer put(const std::string& target, const boost::json::value& body) const;
+    HttpAnswer get(const std::string& target) const { return send("GET", target); }
+    /// Null is no body.
+    HttpAnswer send(const char* method, const std::string& target,
+                    const boost::json::value& body = {}) const;
     /// The events that a query selects, newest first.
     boost::json::array events(const std::string& query = "limit=100000") const;
+    bool hasMetric(const std::string& line) const;
     std::string configFile() const { return readFile(files.path("config.json")); }
     /// What the program told on standard error.
     std::string errors() const { return process.errors(); }

@@ -3,11 +3,11 @@
 #include <random>
 
 #include <boost/json/parse.hpp>
-#include <boost/json/serialize.hpp>
 #include <gmock/gmock.h>
 
 #include "server/config/ConfigurationStore.h"
 #include "server/config/ConfigurationWatch.h"
+#include "server/json/ValueJson.h"
 
 namespace fs = std::filesystem;
 namespace json = boost::json;
@@ -79,25 +79,14 @@ TEST_F(ConfigurationStoreTest, IsWrittenWhenAcceptedAndRolledBackWhenRefused) {
                  ConfigurationError);
     EXPECT_EQ(std::distance(fs::directory_iterator(directory), fs::directory_iterator()), 1)
         << "no temporary file stays";
-}
-
-TEST_F(ConfigurationStoreTest, KeepsWhatItHasWhenTheFileCannotBeWritten) {
-    ConfigurationStore store(file);
     fs::remove_all(directory);
-    EXPECT_THROW(store.change(path("A"), json::value(1), [] { return ResultPair(); }),
-                 std::system_error);
-    EXPECT_FALSE(store.get(path("A")));
+    EXPECT_THROW(store.change(path("A"), json::value(1), accept), std::system_error);
+    EXPECT_FALSE(store.get(path("A"))) << "it could not be written";
 }
 
 TEST(ConfigurationWatchTest, TellsChangesBelowAWatchedPathAsASet) {
-    Value settings;
-    settings << Value(ValueType::structure);
-    settings[std::size_t{0}].insert("flags", 48);
-    settings[std::size_t{0}]["paths"] << Value("TARGETS::*");
-    settings << Value(ValueType::structure);
-    settings[std::size_t{1}].insert("flags", 16);
-    settings[std::size_t{1}]["paths"] << Value("LIMIT");
-    const ConfigurationWatch watch(settings);
+    const Value settings = fromJson(json::parse(
+        R"([{"flags": 48, "paths": ["TARGETS::*"]}, {"flags": 16, "paths": ["LIMIT"]}])"));
     const struct {
         const char* changed;
         bool deleted;
@@ -112,13 +101,13 @@ TEST(ConfigurationWatchTest, TellsChangesBelowAWatchedPathAsASet) {
         {"LIMIT", false, "+LIMIT"},
         {"LIMIT", true, ""},
     };
-    for (const auto& item : cases) {
-        const auto match = watch.match(path(item.changed), item.deleted);
-        const std::string told =
-            match ? (match->event == ConfigurationWatch::Event::valueSet ? "+" : "-") +
-                        match->path.text()
-                  : "";
-        EXPECT_EQ(told, item.told) << item.changed << item.deleted;
+    using Event = ConfigurationWatch::Event;
+    for (const auto& [changed, deleted, expected] : cases) {
+        const auto match = ConfigurationWatch(settings).match(path(changed), deleted);
+        std::string told;
+        if (match)
+            told = (match->event == Event::valueSet ? "+" : "-") + match->path.text();
+        EXPECT_EQ(told, expected) << changed << deleted;
     }
     EXPECT_FALSE(ConfigurationWatch(Value("nonsense")).match(path("A"), false));
 }

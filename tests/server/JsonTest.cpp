@@ -1,9 +1,8 @@
 #include <cmath>
 #include <limits>
 
-#include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "host/Event.h"
 #include "server/json/IsoTime.h"
@@ -21,60 +20,33 @@ namespace hmi {
 
 namespace {
 
+constexpr std::int64_t second = 1'000'000'000;
+
 TEST(IsoTime, HasSevenDigitsAndSortsAsText) {
-    const struct {
-        std::int64_t nanoseconds;
-        const char* text;
-    } cases[] = {
+    const std::pair<std::int64_t, const char*> cases[] = {
         {1'700'000'000'123'456'789, "2023-11-14T22:13:20.1234567Z"},
         {1, "1970-01-01T00:00:00.0000000Z"},
         {-1, "1969-12-31T23:59:59.9999999Z"},
         {std::numeric_limits<std::int64_t>::max(), "2262-04-11T23:47:16.8547758Z"},
-        {std::numeric_limits<std::int64_t>::min(), "1677-09-21T00:12:43.1452241Z"},
-    };
-    for (const auto& item : cases)
-        EXPECT_EQ(isoTime(Timestamp(item.nanoseconds)), item.text);
+        {std::numeric_limits<std::int64_t>::min(), "1677-09-21T00:12:43.1452241Z"}};
+    for (const auto& [nanoseconds, text] : cases)
+        EXPECT_EQ(isoTime(Timestamp(nanoseconds)), text);
 }
 
 TEST(IsoDuration, TakesFixedLengthsOnly) {
-    constexpr std::int64_t second = 1'000'000'000;
-    const struct {
-        const char* text;
-        std::int64_t nanoseconds;  // -1: no duration
-    } cases[] = {
-        {"PT5S", 5 * second},
-        {"PT0.25S", second / 4},
-        {"PT0,000000001S", 1},
-        {"P1DT2H3M4S", 93784 * second},
-        {"P2W", 1209600 * second},
-        {"PT1.5M", 90 * second},
-        {"", -1},
-        {"P", -1},
-        {"PT", -1},
-        {"P1D ", -1},
-        {"5S", -1},
-        {"PT5", -1},
-        {"P5S", -1},
-        {"PT1D", -1},
-        {"P1M", -1},
-        {"P1Y", -1},
-        {"PT1S2M", -1},
-        {"PT1.S", -1},
-        {"PT.5S", -1},
-        {"PT1.5M2S", -1},
-        {"P1DT", -1},
-        {"pt5s", -1},
-        {"-PT5S", -1},
-        {"PT9999999999999999999S", -1},
-        {"P99999999999W", -1},
-    };
-    for (const auto& item : cases) {
-        const auto span = parseIsoDuration(item.text);
-        EXPECT_EQ(span ? span->nanoseconds() : -1, item.nanoseconds) << item.text;
-        if (span) {
-            EXPECT_EQ(parseIsoDuration(isoDuration(*span)), span) << item.text;
-        }
+    const std::pair<const char*, std::int64_t> cases[] = {
+        {"PT5S", 5 * second},           {"PT0.25S", second / 4},   {"PT0,000000001S", 1},
+        {"P1DT2H3M4S", 93784 * second}, {"P2W", 1209600 * second}, {"PT1.5M", 90 * second}};
+    for (const auto& [text, nanoseconds] : cases) {
+        const auto span = parseIsoDuration(text);
+        ASSERT_TRUE(span) << text;
+        EXPECT_EQ(span->nanoseconds(), nanoseconds) << text;
+        EXPECT_EQ(parseIsoDuration(isoDuration(*span)), span) << text;
     }
+    for (const char* text :
+         {"", "P", "PT", "P1D ", "5S", "PT5", "P5S", "PT1D", "P1M", "P1Y", "PT1S2M", "PT1.S",
+          "PT.5S", "PT1.5M2S", "P1DT", "pt5s", "-PT5S", "PT9999999999999999999S", "P99999999999W"})
+        EXPECT_FALSE(parseIsoDuration(text)) << text;
 }
 
 TEST(ValueJson, WritesWhatTheExtensionMayHold) {
@@ -100,32 +72,12 @@ TEST(ValueJson, WritesWhatTheExtensionMayHold) {
 }
 
 TEST(ValueJson, ReadsWhatItWrites) {
-    const json::value text = json::parse(
-        R"({"b": [1, 2.5, 4294967296, 18446744073709551615, "ü", null, false], "a": {}})");
+    const json::value text = parseJson(
+        R"({"b": [1, 2.5, 4294967296, 18446744073709551615, "ü\n", null, [], false], "a": {}})");
     const Value value = fromJson(text);
     EXPECT_EQ(toJson(value), text);
     EXPECT_STREQ(value.begin().name(), "b") << "the order of names stays";
-}
-
-TEST(ParseJson, TellsWhereTheFaultIs) {
-    const struct {
-        const char* text;
-        const char* told;
-    } cases[] = {
-        {"{\n  \"a\": 1,\n  b\n}", "line 3, column 3"},
-        {"[1] 2", "line 1, column 5"},
-        {"", "line 1, column 1"},
-    };
-    for (const auto& item : cases) {
-        try {
-            parseJson(item.text);
-            ADD_FAILURE() << item.text;
-        } catch (const JsonError& error) {
-            EXPECT_THAT(error.what(), testing::StartsWith(item.told));
-        }
-    }
-    EXPECT_EQ(parseJson(prettyJson(parseJson(R"({"a": [1, {"b\n": []}], "c": {}})"))),
-              json::parse(R"({"a": [1, {"b\n": []}], "c": {}})"));
+    EXPECT_EQ(parseJson(prettyJson(text)), text);
 }
 
 }  // namespace

@@ -1,87 +1,135 @@
-#include <array>
+#include <boost/algorithm/string/replace.hpp>
+#include <boost/json/parse.hpp>
 
-#include <gmock/gmock.h>
+#include "simulator/Client.h"
+#include "simulator/Control.h"
 
-#include "simulator/FnxSimulator.h"
-#include "simulator/SimulatorFixture.h"
+namespace json = boost::json;
+using bridge_test::fillerNetId;
 
 namespace {
 
-class ControlTest : public SimulatorFixture {};
-
-std::vector<int> localNetId() {
-    const auto port = FnxPortOpen();
-    FnxNetId netId{};
-    EXPECT_EQ(FnxGetLocalAddress(port, &netId), 0);
-    EXPECT_EQ(FnxPortClose(port), 0);
-    EXPECT_NE(FnxGetLocalAddress(port, &netId), 0);
-    EXPECT_NE(FnxPortClose(port), 0);
-    return {std::begin(netId.b), std::end(netId.b)};
-}
-
-TEST_F(ControlTest, SetsTheLocalAddress) {
-    EXPECT_THAT(localNetId(), testing::ElementsAre(5, 10, 20, 1, 1, 1));
-    loadPlant("{}");
-    EXPECT_THAT(localNetId(), testing::ElementsAre(5, 10, 20, 1, 1, 1));
-    loadPlant(withQuotes("{'localNetId': '1.2.3.4.5.255'}"));
-    EXPECT_THAT(localNetId(), testing::ElementsAre(1, 2, 3, 4, 5, 255));
-}
-
-TEST_F(ControlTest, KnowsOnlyItsRuntimes) {
-    for (const char* netId : {"5.10.20.30.1.2", "5.10.20.30.1", "", "nonsense"}) {
-        EXPECT_EQ(::status(netId).result, 404) << netId;
-        EXPECT_EQ(::apply(netId, R"({"do": "resume"})").result, 404) << netId;
+class ControlTest : public SimulatorTest {
+protected:
+    /// The error, or nothing when it was accepted.
+    static std::string load(const std::string& plant) {
+        char* answer = nullptr;
+        const int result = ZrSimulatorLoadPlant(inFull(plant).c_str(), &answer);
+        return take(result, answer);
     }
+    static std::string apply(const std::string& actions) {
+        char* answer = nullptr;
+        const int result = ZrSimulatorApply(fillerNetId, inFull(actions).c_str(), &answer);
+        return take(result, answer);
+    }
+
+private:
+    static std::string take(int result, char* answer) {
+        const json::object body = json::parse(answer).as_object();
+        ZrSimulatorFree(answer);
+        EXPECT_EQ(result, body.empty() ? 200 : 400);
+        return body.empty() ? "" : body.at("error").as_string().c_str();
+    }
+};
+
+TEST_F(ControlTest, RefusesAPlantWithThePathOfItsFirstError) {
+    // Each text stands in place of one part of a plant that is right otherwise.
+    const std::string plant =
+        "{'runtimes': {'5.10.20.30.1.1': {'eventClasses': {'CLASS': {'name': {'1033': 'Pump'},"
+        " 'events': {'1': {'kind': 'alarm', EVENT}, '3': {'kind': 'message'}}}},"
+        " 'logged': [{'class': 'CLASS', 'timeRaised': '2024-05-01T00:00:00Z', LOGGED}],"
+        " 'timeline': [{'do': 'resume'}, {STEP}], RUNTIME}}, PLANT}";
+    const std::pair<const char*, const char*> parts[] = {{"EVENT", "'confirm': true"},
+                                                         {"LOGGED", "'event': 1"},
+                                                         {"STEP", "'do': 'drop'"},
+                                                         {"RUNTIME", "'repeat': false"},
+                                                         {"PLANT", "'localNetId': null"}};
+    const struct {
+        const char* part;
+        const char* text;
+        const char* path;  ///< null: accepted
+    } cases[] = {
+        {"PLANT", "'localNetId': '1.1.1.1.1.255'", nullptr},
+        {"PLANT", "'localNetId': '1.1.1.1.1.256'", "localNetId"},
+        {"PLANT", "'plant': 1", "plant"},
+        {"PLANT", "'localNetId': null}\n}", "line 2"},
+        {"RUNTIME", "'repeat': 1", "~repeat"},
+        {"RUNTIME", "'repeat': true", "~repeat"},  // it would take no time
+        {"RUNTIME", "'sources': {'Tank': {'en': 'Tank'}}", "~sources.Tank.en"},
+        {"RUNTIME", "'sources': {'Tank': {'1033': 4}}", "~sources.Tank.1033"},
+        {"RUNTIME", "'sources': {'Tank': {'1033': 'a', '01033': 'b'}}", "~sources.Tank.01033"},
+        {"EVENT", "'severity': 5", "~eventClasses.CLASS.events.1.severity"},
+        {"EVENT", "'severity': 1.5", "~eventClasses.CLASS.events.1.severity"},
+        {"EVENT", "'details': [{'text': {}}]", "~eventClasses.CLASS.events.1.details[0]"},
+        {"EVENT", "'causeRemedy': {}", "~eventClasses.CLASS.events.1.causeRemedy"},
+        {"EVENT", "'confirm': true}, '4294967296': {'kind': 'alarm'",
+         "~eventClasses.CLASS.events.4294967296"},
+        {"LOGGED", "'event': 9", "~logged[0].event"},
+        {"LOGGED", "'event': 1, 'severity': 1", "~logged[0].severity"},
+        {"LOGGED", "'event': 1, 'timeCleared': '2024-02-29T23:59:59Z'", nullptr},
+        {"LOGGED", "'event': 1, 'timeCleared': '2023-02-29T23:59:59Z'", "~logged[0].timeCleared"},
+        {"LOGGED", "'event': 1, 'timeCleared': '2024-02-29T24:00:00Z'", "~logged[0].timeCleared"},
+        {"LOGGED", "'event': 1, 'arguments': [1, [2]]", "~logged[0].arguments[1]"},
+        {"LOGGED", "'event': 1, 'source': {'id': -1}", "~logged[0].source.id"},
+        {"STEP", "'after': 1", "~timeline[1]"},
+        {"STEP", "'do': 'drop', 'after': -1", "~timeline[1].after"},
+        {"STEP", "'do': 'drop', 'call': 'Connect'", "~timeline[1].call"},
+        {"STEP", "'do': 'raise', 'alarm': 'A', 'class': 'pump'", "~timeline[1].class"},
+        {"STEP", "'do': 'raise', 'alarm': 'A', #3", "~timeline[1].event"},
+        {"STEP", "'do': 'message', #1", "~timeline[1].event"},
+        {"STEP", "'do': 'raise', 'alarm': '', #1", "~timeline[1].alarm"},
+        {"STEP", "'do': 'message', #3, 'count': 0", "~timeline[1].count"},
+        {"STEP", "'do': 'fail', 'call': 'Fly', 'hresult': '0x80004005'", "~timeline[1].call"},
+        {"STEP", "'do': 'fail', 'call': '*', 'hresult': '0x8000400'", "~timeline[1].hresult"},
+        {"STEP", "'do': 'refuse', 'hresult': '0x00000000'", "~timeline[1].hresult"},
+    };
+    for (const auto& [part, text, path] : cases) {
+        std::string changed = boost::replace_first_copy(plant, part, text);
+        for (const auto& [other, usual] : parts)
+            boost::replace_first(changed, other, usual);
+        std::string error = load(changed);
+        boost::replace_first(error, "runtimes.5.10.20.30.1.1.", "~");
+        if (path)
+            EXPECT_TRUE(error.starts_with(inFull(path) + ": ")) << text << '\n' << error;
+        else
+            EXPECT_EQ(error, "");
+        EXPECT_EQ(simulation.status().at("connected"), false);  // there is a plant all the time
+    }
+}
+
+TEST_F(ControlTest, ChangesNothingWhenAnyActionIsWrong) {
+    const std::pair<std::string, const char*> cases[] = {
+        {"{'do': 'clear', 'alarm': 'B'}", "[1].alarm: never raised"},
+        {"{'do': 'clear', 'alarm': 'A-2'}", "[1].alarm: never raised"},
+        {"{'do': 'explode'}", "[1].do: not an action"},
+        {"{'do': 'resume', 'after': 1}", "[1].after: only for the steps of a timeline"},
+        {"7", "[1]: not an object"}};
+    for (const auto& [second, error] : cases) {
+        EXPECT_EQ(apply("[{'do': 'raise', 'alarm': 'A', #1, 'count': 2}, " + second + "]"), error);
+        EXPECT_EQ(simulation.status().at("logged").to_number<int>(), 0);
+    }
+    for (const char* netId : {"5.10.20.30.1.2", "5.10.20.30.1", "nonsense"})
+        EXPECT_EQ(ZrSimulatorApply(netId, R"({"do": "resume"})", nullptr), 404) << netId;
     EXPECT_EQ(ZrSimulatorStatus(nullptr, nullptr), 404);
     EXPECT_EQ(ZrSimulatorLoadPlant(nullptr, nullptr), 400);
     EXPECT_EQ(ZrSimulatorApply(fillerNetId, nullptr, nullptr), 400);
 }
 
-TEST_F(ControlTest, ChangesNothingWhenAnyActionIsWrong) {
-    const struct {
-        const char* second;
-        const char* error;
-    } cases[] = {
-        {"{'do': 'clear', 'alarm': 'B'}", "[1].alarm: never raised"},
-        {"{'do': 'clear', 'alarm': 'A-2'}", "[1].alarm: never raised"},
-        {"{'do': 'explode'}", "[1].do: not an action"},
-        {"{'do': 'resume', 'after': 1}", "[1].after: only for the steps of a timeline"},
-        {"7", "[1]: not an object"},
-    };
-    for (const auto& [second, error] : cases) {
-        const auto answer = ::apply(
-            fillerNetId, withQuotes("[{'do': 'raise', 'alarm': 'A', 'class': 'CLASS', 'event': 7,"
-                                    " 'count': 2}, " +
-                                    std::string(second) + "]"));
-        EXPECT_EQ(answer.result, 400);
-        EXPECT_EQ(answer.body.at("error").as_string(), error);
-        EXPECT_EQ(status().at("logged").to_number<int>(), 0);
-    }
-    apply(
-        "[{'do': 'raise', 'alarm': 'A', 'class': 'CLASS', 'event': 7, 'count': 2},"
-        " {'do': 'clear', 'alarm': 'A-1'}]");
-    EXPECT_EQ(status().at("alarms").at("A-1").at("active"), false);
-}
-
-TEST_F(ControlTest, PlaysTimelines) {
-    loadPlant(
-        withQuotes("{'runtimes': {'5.10.20.30.1.1': {'repeat': true,"
-                   " 'eventClasses': {'CLASS': {'events': {'8': {'kind': 'alarm'}}}},"
-                   " 'timeline': [{'do': 'raise', 'alarm': 'A', 'class': 'CLASS', 'event': 8},"
-                   "              {'after': 0.002, 'do': 'clear', 'alarm': 'A'}]}}}"));
-    Client client;
-    client.advise();
-    client.connect();
-    const auto received = client.sink.waitFor(6);
-    const auto first = received[0] == "raised 8" ? 0u : 1u;  // it may have begun before
-    for (auto i = first; i + 1 < received.size(); i += 2) {
-        EXPECT_EQ(received[i], "raised 8");
-        EXPECT_EQ(received[i + 1], "cleared 8 removed");
-    }
+TEST_F(ControlTest, PlaysTimelinesUntilTheShutdown) {
+    EXPECT_EQ(load("{'runtimes': {'5.10.20.30.1.1': {'repeat': true,"
+                   " 'eventClasses': {'CLASS': {'events': {'2': {'kind': 'alarm'}}}},"
+                   " 'timeline': [{'do': 'raise', 'alarm': 'A', #2},"
+                   "              {'after': 0.002, 'do': 'clear', 'alarm': 'A'}]}}}"),
+              "");
+    EXPECT_EQ(client.connect(), S_OK);
+    const auto received = client.waitFor(6);
+    const bool begun = received[0] != "raised 2";  // before the client came
+    for (std::size_t i = 0; i < received.size(); ++i)
+        EXPECT_EQ(received[i], (i % 2 == 1) == begun ? "raised 2" : "cleared 2 removed") << i;
     ZrSimulatorShutdown();
-    const auto last = client.sink.received().size();
-    loadPlant("{}");
-    EXPECT_EQ(client.sink.received().size(), last);
+    const auto last = client.waitFor(0).size();
+    EXPECT_EQ(load("{}"), "");
+    EXPECT_EQ(client.waitFor(0).size(), last);
 }
 
 }  // namespace

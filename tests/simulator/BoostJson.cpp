@@ -1,1 +1,0 @@
-#include <boost/json/src.hpp>
