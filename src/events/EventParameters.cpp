@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "events/ProxyValue.h"
+#include "platform/Mutex.h"
 #include "platform/Text.h"
 #include "target/proxy/CAtlException.h"
 #include "target/proxy/Guid.h"
@@ -46,17 +47,32 @@ Text readText(Object& object, HRESULT (STDMETHODCALLTYPE Owner::*getter)(BSTR*))
     return Text(text.utf8());
 }
 
-/// Events of a plant have few classes: those that were met lately share their text.
-Text classText(const GUID& eventClass) {
+/// Events of a plant have few classes: those that were met lately share their text. Any thread; for
+/// all threads in common, because not every compiler for Windows destroys what belongs to a thread
+/// before it frees its memory.
+class ClassTexts {
+public:
+    Text of(const GUID& eventClass) {
+        Lock lock(mutex);
+        Known& known = lately[eventClass.Data1 % lately.size()];
+        if (known.text.empty() || known.eventClass != eventClass)
+            known = {eventClass, Text(guidText(eventClass))};
+        return known.text;
+    }
+
+private:
     struct Known {
         GUID eventClass{};
         Text text;
     };
-    thread_local std::array<Known, 16> lately;
-    Known& known = lately[eventClass.Data1 % lately.size()];
-    if (known.text.empty() || known.eventClass != eventClass)
-        known = {eventClass, Text(guidText(eventClass))};
-    return known.text;
+
+    Mutex mutex;
+    std::array<Known, 16> lately GUARDED_BY(mutex);
+};
+
+Text classText(const GUID& eventClass) {
+    static ClassTexts texts;
+    return texts.of(eventClass);
 }
 
 bool hasSource(IZrEvent& source, SourceAttribute kind) {
