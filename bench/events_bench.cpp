@@ -71,7 +71,7 @@ public:
 
 void toHostAlarm(benchmark::State& state) {
     FakeBorder border;
-    FakeAlarm source(border, eventData(1));
+    FakeEvent source(border, eventData(1));
     for (auto _ : state) {
         Alarm alarm;
         ZrHmiEventLogger::toHostAlarm(alarm, source, domain, targetName, 1, false);
@@ -82,7 +82,8 @@ void toHostAlarm(benchmark::State& state) {
 /// What the conversion asks for, with the answers dropped: the share of the fakes.
 void proxyCalls(benchmark::State& state) {
     FakeBorder border;
-    FakeAlarm source(border, eventData(1));
+    FakeEvent fake(border, eventData(1));
+    IZrAlarm& source = fake;
     BYTE block[16];
     for (auto _ : state) {
         readValue(source, &IZrEvent::get_Severity);
@@ -101,11 +102,11 @@ void proxyCalls(benchmark::State& state) {
         readValue(source, &IZrEvent::get_SourceGuid);
         ScopedBstr text;
         source.get_SourceName(text.put());
-        source.get_JsonAttribute(text.put());
+        fake.get_JsonAttribute(text.put());
         readValue(source, &IZrAlarm::get_ArgumentCount);
         ArgumentBlockLayout layout{};
-        source.GetLayout(&layout);
-        source.GetBlock(block, sizeof(block));
+        fake.GetLayout(&layout);
+        fake.GetBlock(block, sizeof(block));
         benchmark::DoNotOptimize(text);
     }
 }
@@ -136,7 +137,7 @@ void vectorOfVariants(benchmark::State& state) {
 
 // --- from the notification to the host ---
 
-void notifyAlarm(TargetSystem& target, DISPID id, FakeAlarm& alarm, bool withRemoved) {
+void notifyAlarm(TargetSystem& target, DISPID id, FakeEvent& alarm, bool withRemoved) {
     VARIANTARG arguments[2];
     VariantInit(&arguments[0]);
     VariantInit(&arguments[1]);
@@ -158,7 +159,7 @@ void raiseToHost(benchmark::State& state) {
     const auto target = TargetSystemPlatformSpecific<TargetSystem>::make(
         TargetSystemSettings{targetName, "1.2.3.4.5.6", true, ZrHmiSrv::Timespan(), 1000}, domain,
         host, stopping, ids);
-    FakeAlarm alarm(border, eventData(1));
+    FakeEvent alarm(border, eventData(1));
     std::int64_t seconds = 1;
     const auto raise = [&] {
         alarm.data.raised = at(++seconds);
@@ -212,10 +213,10 @@ std::size_t heapInUse() {
 void heapPerStoredEvent(benchmark::State& state) {
     constexpr std::size_t count = 10'000;
     FakeBorder border;
-    std::vector<std::unique_ptr<FakeAlarm>> alarms;
+    std::vector<std::unique_ptr<FakeEvent>> alarms;
     for (std::size_t index = 0; index < count; ++index)
         alarms.push_back(
-            std::make_unique<FakeAlarm>(border, eventData(static_cast<std::int64_t>(index))));
+            std::make_unique<FakeEvent>(border, eventData(static_cast<std::int64_t>(index))));
     const auto perEvent = [](std::size_t from) {
         return static_cast<double>(heapInUse() - from) / static_cast<double>(count);
     };
@@ -255,7 +256,7 @@ template <class Container>
 void keepLimited(benchmark::State& state) {
     const auto limit = static_cast<std::size_t>(state.range(0));
     FakeBorder border;
-    FakeLoggedEvent source(border, eventData(1));
+    FakeEvent source(border, eventData(1));
     source.data.type = LoggedEventType::alarm;
     std::int64_t seconds = 1;
     Container container(limit);
@@ -284,12 +285,12 @@ void keepPlainValues(benchmark::State& state) {
 void importLog(benchmark::State& state) {
     FakeBorder border;
     FakeLogger logger(border);
-    std::vector<std::unique_ptr<FakeLoggedEvent>> log;
+    std::vector<std::unique_ptr<FakeEvent>> log;
     for (std::int64_t index = 0; index < state.range(0); ++index) {
         FakeEventData data = eventData(index);
         data.type = index % 2 == 0 ? LoggedEventType::alarm : LoggedEventType::message;
         data.isActive = false;
-        log.push_back(std::make_unique<FakeLoggedEvent>(border, data));
+        log.push_back(std::make_unique<FakeEvent>(border, data));
         logger.logged.push_back(log.back().get());
     }
     Pieces pieces(state.range(0));

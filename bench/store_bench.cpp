@@ -19,9 +19,9 @@
 #include <benchmark/benchmark.h>
 #include <boost/circular_buffer.hpp>
 
+#include "bench/InertAlarm.h"
 #include "events/LimitedEventContainer.h"
 #include "events/ScopedEventPointer.h"
-#include "tests/events/InertAlarm.h"
 
 namespace {
 

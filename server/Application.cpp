@@ -23,9 +23,7 @@ ZrHmiSrv::Text domainOf(const std::filesystem::path& extension) {
 
 Application::Application(const Options& given)
     : options(given),
-      configuration(options.config),
-      context(domainOf(options.extension)),
-      host({events, log, configuration, listeners, metrics, [this] { refresher.request(); }}),
+      backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), hub, metrics),
       dispatcher(router, OriginPolicy(options.address), lanes, metrics),
       server(io.context(), options.address, options.port, dispatcher, hub) {}
 
@@ -45,32 +43,13 @@ void Application::addRoutes() {
     });
 }
 
-void Application::startExtension() {
+void Application::run() {
+    StopSignal stop(io.context());
     if (!options.plant.empty()) {
         simulator = std::make_unique<SimulatorControl>(options.extension);
         simulator->loadPlant(options.plant);
     }
-    extension = std::make_unique<ExtensionLibrary>(options.extension, host);
-    extension->init(context);
-    refresher.start();
-}
-
-void Application::stopExtension() {
-    refresher.stop();
-    calls.shutdown();
-    listeners.clear();
-    extension.reset();
-    simulator.reset();
-}
-
-void Application::run() {
-    StopSignal stop(io.context());
-    try {
-        startExtension();
-    } catch (...) {
-        listeners.clear();
-        throw;
-    }
+    backend.start(options.extension);
     addRoutes();
     server.start();
     std::printf("listening on %s\n", server.url().c_str());
@@ -79,7 +58,8 @@ void Application::run() {
     hmi::log(LogLevel::info, "stopping");
     server.stop();
     lanes.join();
-    stopExtension();
+    backend.stop();
+    simulator.reset();
     io.stop(std::chrono::seconds(1));
 }
 

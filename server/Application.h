@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "server/metrics/Metrics.h"
+#include "server/Backend.h"
 #include "server/Options.h"
 #include "server/WorkerLanes.h"
 #include "server/api/CommandsResource.h"
@@ -11,22 +11,15 @@
 #include "server/api/LogResource.h"
 #include "server/api/MetricsResource.h"
 #include "server/api/SimulatorResource.h"
-#include "server/config/ConfigurationStore.h"
-#include "server/events/EventBook.h"
-#include "server/events/LogBook.h"
-#include "server/extension/EventRefresher.h"
-#include "server/extension/ExtensionCalls.h"
-#include "server/extension/ExtensionLibrary.h"
-#include "server/extension/Host.h"
-#include "server/extension/ListenerRegistry.h"
 #include "server/extension/SimulatorControl.h"
+#include "server/metrics/Metrics.h"
 #include "server/net/HttpServer.h"
 #include "server/net/IoThread.h"
 #include "server/net/StreamHub.h"
 
 namespace hmi {
 
-/// The server, put together. What the extension calls stands before the extension, and outlives it.
+/// The server, put together.
 class Application {
 public:
     /// Throws StartError.
@@ -36,35 +29,24 @@ public:
 
 private:
     void addRoutes();
-    void startExtension();
-    void stopExtension();
-
     const Options options;
     IoThread io;
     Metrics metrics;
-    ConfigurationStore configuration;
     StreamHub hub{io.context(), metrics};
-    EventBook events{hub};
-    LogBook log{hub};
-    ListenerRegistry listeners;
-    const ZrHmiSrv::Context context;
-    ExtensionCalls calls{listeners, context};
-    EventRefresher refresher{events, calls, metrics};
-    Host host;
+    std::unique_ptr<SimulatorControl>
+        simulator;  ///< outlives the extension, which uses its library
+    Backend backend;
 
     Router router;
     WorkerLanes lanes;
     Dispatcher dispatcher;
-    EventsResource eventsResource{events, calls, metrics};
-    ConfigResource configResource{configuration, calls};
-    CommandsResource commandsResource{calls};
-    LogResource logResource{log};
-    MetricsResource metricsResource{metrics, events, calls};
+    EventsResource eventsResource{backend.events, backend.calls, metrics};
+    ConfigResource configResource{backend.configuration, backend.calls};
+    CommandsResource commandsResource{backend.calls};
+    LogResource logResource{backend.log};
+    MetricsResource metricsResource{metrics, backend.events, backend.calls};
     std::unique_ptr<SimulatorResource> simulatorResource;
     HttpServer server;
-
-    std::unique_ptr<SimulatorControl> simulator;
-    std::unique_ptr<ExtensionLibrary> extension;
 };
 
 }  // namespace hmi

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "server/metrics/Metrics.h"
 #include "server/events/EventBook.h"
 #include "server/extension/ExtensionCalls.h"
 #include "server/http/Router.h"
+#include "server/metrics/Metrics.h"
 
 namespace hmi {
 

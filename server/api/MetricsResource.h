@@ -1,10 +1,10 @@
 #pragma once
 
-#include "server/metrics/Metrics.h"
-#include "server/metrics/PrometheusText.h"
 #include "server/events/EventBook.h"
 #include "server/extension/ExtensionCalls.h"
 #include "server/http/Router.h"
+#include "server/metrics/Metrics.h"
+#include "server/metrics/PrometheusText.h"
 
 namespace hmi {
 

@@ -1,84 +1,56 @@
 #pragma once
 
-#include <functional>
-#include <vector>
-
-#include "tests/events/FakeEvents.h"
+#include "tests/events/FakeEvent.h"
 
 namespace bridge_test {
 
-/// Deletes itself with its last reference; the items belong to the test.
-template <class Collection, class Item, class Fake>
-class FakeCollection final : public WithoutDispatch<Collection> {
+/// The logger's own, as its items are the test's.
+template <class Collection, class Item>
+class FakeCollection final : public FakeObject<Collection> {
 public:
-    FakeCollection(FakeBorder& border, std::vector<Fake*> items)
-        : border(border), items(std::move(items)) {}
+    explicit FakeCollection(FakeBorder& border) : border(border) {}
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references;
-        if (left == 0)
-            delete this;
-        return left;
-    }
+    std::vector<FakeEvent*> items;
+
     HRESULT STDMETHODCALLTYPE get_Count(ULONG* count) override {
         *count = static_cast<ULONG>(items.size());
         return border.enter();
     }
     HRESULT STDMETHODCALLTYPE get_Item(ULONG index, Item** item) override {
-        const HRESULT hr = border.enter();
-        if (SUCCEEDED(hr)) {
-            *item = items.at(index);
-            (*item)->AddRef();
-        }
-        return hr;
+        items.at(index)->AddRef();
+        *item = items[index];
+        return border.enter();
     }
 
 private:
-    ~FakeCollection() = default;
-
     FakeBorder& border;
-    std::vector<Fake*> items;
-    ULONG references = 1;
 };
 
 /// A logger that is on the stack, connected, and answers its two lists.
-class FakeLogger final : public WithoutDispatch<ZrEventLoggerFnxProxyLib::IZrEventLogger4> {
-    using IZrAlarmCollection = ZrEventLoggerFnxProxyLib::IZrAlarmCollection;
-    using IZrLoggedEventCollection = ZrEventLoggerFnxProxyLib::IZrLoggedEventCollection;
-    using IZrCauseRemedyCollection = ZrEventLoggerFnxProxyLib::IZrCauseRemedyCollection;
-    using IZrDetailCollection = ZrEventLoggerFnxProxyLib::IZrDetailCollection;
-    using IZrConnectionSettings = ZrEventLoggerFnxProxyLib::IZrConnectionSettings;
-
+class FakeLogger final : public FakeObject<fnx::IZrEventLogger4> {
 public:
     explicit FakeLogger(FakeBorder& border) : border(border) {}
 
-    std::vector<FakeLoggedEvent*> logged;  ///< oldest first
-    std::vector<FakeAlarm*> active;
+    std::vector<FakeEvent*> logged;  ///< oldest first
+    std::vector<FakeEvent*> active;
     std::function<void()> betweenTheLists = [] {};
     std::function<void()> afterTheLists = [] {};
 
     HRESULT STDMETHODCALLTYPE GetLoggedEvents(ULONG count,
-                                              IZrLoggedEventCollection** events) override {
-        const std::size_t first = logged.size() - std::min<std::size_t>(count, logged.size());
-        const std::vector newest(logged.begin() + static_cast<std::ptrdiff_t>(first), logged.end());
-        const HRESULT hr =
-            answer<IZrLoggedEventCollection, ZrEventLoggerFnxProxyLib::IZrLoggedEvent>(newest,
-                                                                                       events);
+                                              fnx::IZrLoggedEventCollection** events) override {
+        const auto asked = std::min<std::ptrdiff_t>(count, std::ssize(logged));
+        newest.items.assign(logged.end() - asked, logged.end());
+        *events = &newest;
         betweenTheLists();
-        return hr;
+        return border.enter();
     }
-    HRESULT STDMETHODCALLTYPE GetActiveAlarms(IZrAlarmCollection** alarms) override {
-        const HRESULT hr =
-            answer<IZrAlarmCollection, ZrEventLoggerFnxProxyLib::IZrAlarm>(active, alarms);
+    HRESULT STDMETHODCALLTYPE GetActiveAlarms(fnx::IZrAlarmCollection** alarms) override {
+        listed.items = active;
+        *alarms = &listed;
         afterTheLists();
-        return hr;
+        return border.enter();
     }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE Connect(BSTR) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Disconnect() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE get_IsConnected(VARIANT_BOOL*) override { return E_NOTIMPL; }
@@ -90,26 +62,21 @@ public:
     HRESULT STDMETHODCALLTYPE GetEventClassName(REFGUID, LCID, BSTR*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetSourceName(BSTR, LCID, BSTR*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetCauseRemedy(REFGUID, ULONG, LCID,
-                                             IZrCauseRemedyCollection**) override {
+                                             fnx::IZrCauseRemedyCollection**) override {
         return E_NOTIMPL;
     }
-    HRESULT STDMETHODCALLTYPE GetDetails(REFGUID, ULONG, LCID, IZrDetailCollection**) override {
+    HRESULT STDMETHODCALLTYPE GetDetails(REFGUID, ULONG, LCID,
+                                         fnx::IZrDetailCollection**) override {
         return E_NOTIMPL;
     }
-    HRESULT STDMETHODCALLTYPE ConnectWithSettings(IZrConnectionSettings*, BSTR) override {
+    HRESULT STDMETHODCALLTYPE ConnectWithSettings(fnx::IZrConnectionSettings*, BSTR) override {
         return E_NOTIMPL;
     }
 
 private:
-    template <class Collection, class Item, class Fake>
-    HRESULT answer(const std::vector<Fake*>& items, Collection** collection) {
-        const HRESULT hr = border.enter();
-        if (SUCCEEDED(hr))
-            *collection = new FakeCollection<Collection, Item, Fake>(border, items);
-        return hr;
-    }
-
     FakeBorder& border;
+    FakeCollection<fnx::IZrLoggedEventCollection, fnx::IZrLoggedEvent> newest{border};
+    FakeCollection<fnx::IZrAlarmCollection, fnx::IZrAlarm> listed{border};
 };
 
 }  // namespace bridge_test

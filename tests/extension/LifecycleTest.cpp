@@ -1,8 +1,14 @@
+#include <algorithm>
+#include <memory>
+
 #include <gtest/gtest.h>
 
-#include "support/LoadedExtension.h"
+#include "localization/LocalizableItem.h"
 #include "support/RecordingHost.h"
 #include "support/Simulation.h"
+
+extern "C" int ext_interface(ZrHmiSrv::IZrHmiSrvExtHost* host, ZrHmiSrv::IZrHmiSrvExt** extension,
+                             double* version);
 
 using namespace bridge_test;
 using namespace ZrHmiSrv;
@@ -15,7 +21,57 @@ Value fillerAlone() {
     return RecordingHost::configurationFor({{"Filler", fillerNetId}});
 }
 
-TEST(Entry, NeedsBothPlacesForItsResults) {
+/// The extension as a host has it: created, initialized, asked and shut down through its
+/// interfaces only.
+class LoadedExtension {
+public:
+    explicit LoadedExtension(RecordingHost& host) : host(host) {
+        IZrHmiSrvExt* created = nullptr;
+        double version = 0;
+        ext_interface(&host, &created, &version);
+        EXPECT_EQ(version, 22.0);
+        extension.reset(created);
+    }
+    ~LoadedExtension() { shutdown(); }
+
+    ResultPair init() { return extension->init(context); }
+    /// Nothing when its listener is gone.
+    ResultPair shutdown() {
+        auto* found = listener<IZrHmiSrvShutdownListener>();
+        return found ? found->shutdown(context) : ResultPair();
+    }
+    ResultPair confirm(const Alarm& alarm) {
+        return listener<IZrHmiSrvAlarmProviderListener>()->confirm_alarm(context, alarm);
+    }
+    Command command(const char* name, Value input = {}) {
+        CommandGroup group({Command(name, name, std::move(input))});
+        listener<IZrHmiSrvRequestListener>()->handle(context, group);
+        return *group.begin_vector();
+    }
+    /// An entry of a target system's "Diagnostics".
+    std::string diagnostics(const char* target, const char* entry) {
+        const Value targets = command("Diagnostics").read_value().get_map().get("TARGET_SYSTEMS");
+        return targets.get_map().get(target).get_map().get(entry).get_string();
+    }
+    template <class Listener>
+    Listener* listener() {
+        Listener* found = nullptr;
+        host.look([&] {
+            for (const auto& [type, registered] : host.listeners)
+                if (auto* fitting = dynamic_cast<Listener*>(registered))
+                    found = fitting;
+        });
+        return found;
+    }
+
+    const Context context{"TestDomain"};
+    std::unique_ptr<IZrHmiSrvExt> extension;
+
+private:
+    RecordingHost& host;
+};
+
+TEST(Lifecycle, BeginsWithBothPlacesForItsResultsOnly) {
     RecordingHost host;
     IZrHmiSrvExt* extension = nullptr;
     double version = 0;
@@ -23,11 +79,6 @@ TEST(Entry, NeedsBothPlacesForItsResults) {
     EXPECT_EQ(ext_interface(&host, &extension, nullptr), 0);
     EXPECT_EQ(extension, nullptr);
     EXPECT_EQ(version, 0);
-    EXPECT_EQ(ext_interface(&host, &extension, &version), 0);
-    EXPECT_EQ(version, 22.0);
-    ASSERT_NE(extension, nullptr);
-    EXPECT_TRUE(extension->description().name().empty());
-    delete extension;
 }
 
 TEST(Lifecycle, CallsTheHostInItsOrder) {
@@ -65,17 +116,19 @@ TEST(Lifecycle, RefusesWithACode) {
         Value configuration;
         const char* fault;  ///< for the simulated runtime
         ErrorValue result;
+        std::size_t calls;
         std::string lastCall;
     };
     Value wrongTimeout = fillerAlone();
     wrongTimeout.insert_or_update("TIMEOUT", "PT5S");
     const char* const refuseTimeout =
         R"({"do": "fail", "call": "SetTimeout", "hresult": "0x80004005"})";
+    using enum ErrorValue;
+    const std::string announced = "announce Corvane EventLogger";
     const Case cases[] = {
-        {{}, "[]", ErrorValue::invalid_configuration, "announce Corvane EventLogger"},
-        {wrongTimeout, "[]", ErrorValue::initialization_failed, "announce Corvane EventLogger"},
-        {fillerAlone(), refuseTimeout, ErrorValue::initialization_failed,
-         "log CORVANE_EVENTLOGGER_ERROR"},
+        {{}, "[]", invalid_configuration, 1, announced},
+        {wrongTimeout, "[]", initialization_failed, 1, announced},
+        {fillerAlone(), refuseTimeout, initialization_failed, 6, "log CORVANE_EVENTLOGGER_ERROR"},
     };
     for (const Case& refused : cases) {
         Simulation simulation;
@@ -84,6 +137,7 @@ TEST(Lifecycle, RefusesWithACode) {
         LoadedExtension loaded(host);
         EXPECT_EQ(loaded.init(), refused.result);
         host.look([&] {
+            EXPECT_EQ(host.calls.size(), refused.calls);
             EXPECT_EQ(host.calls.back(), refused.lastCall);
             host.listeners.clear();
         });
@@ -97,24 +151,27 @@ TEST(Lifecycle, RunsWithoutTargetsAndWithoutALogger) {
         RecordingHost host(RecordingHost::configurationFor({}));
         LoadedExtension loaded(host);
         EXPECT_EQ(loaded.init(), ErrorValue::success);
-        const auto answers = loaded.command(
-            {{"d", "Diagnostics"}, {"x", "diagnostics"}, {"l", "ListEnabledTargetSystems"}});
-        EXPECT_EQ(answers[0].read_value().get_map().get("TARGET_SYSTEMS"), Value(ValueType::map));
-        EXPECT_EQ(answers[1].extension_result(), 293U);
-        EXPECT_EQ(answers[1].result().text().view(),
+        EXPECT_EQ(loaded.command("Diagnostics").read_value().get_map().get("TARGET_SYSTEMS"),
+                  Value(ValueType::map));
+        EXPECT_EQ(loaded.command("ListEnabledTargetSystems").read_value(),
+                  Value(ValueType::vector));
+        const Command unknown = loaded.command("diagnostics");
+        EXPECT_EQ(unknown.extension_result(), 293U);
+        EXPECT_EQ(unknown.result().text().view(),
                   "Unkown command. Command handler missing. Please check the version of the "
                   "extension.");
-        EXPECT_EQ(answers[2].read_value(), Value(ValueType::vector));
     }
     Simulation simulation;
     simulation.act(R"({"do": "fail", "call": "CreateInstance", "hresult": "0x80040154"})");
     RecordingHost host(fillerAlone());
     LoadedExtension loaded(host);
     EXPECT_EQ(loaded.init(), ErrorValue::success);
-    const Message entry = host.lastLogged("CAN_NOT_CREATE_PROXY");
-    EXPECT_EQ(entry.severity(), Severity::error);
-    EXPECT_EQ(entry.parameters().get_map().get("0").get_string(), "Filler");
-    EXPECT_EQ(entry.parameters().get_map().get("1").get_string(), "0x80040154");
+    host.look([&] {
+        const Message entry = host.lastLogged("CAN_NOT_CREATE_PROXY");
+        EXPECT_EQ(entry.severity(), Severity::error);
+        EXPECT_EQ(entry.parameters().get_map().get("0").get_string(), "Filler");
+        EXPECT_EQ(entry.parameters().get_map().get("1").get_string(), "0x80040154");
+    });
     EXPECT_EQ(loaded.diagnostics("Filler", "connectionState"), "Not Connected");
     EXPECT_EQ(loaded.command("ForceReconnect", "Filler").extension_result(), 257U);
     Value target(ValueType::structure);
@@ -134,58 +191,85 @@ TEST(Lifecycle, ConnectsLaterWhatInitDidNot) {
         EXPECT_EQ(failure.get_map().get("0").get_string(), "Nobody");
         EXPECT_EQ(failure.get_map().get("1").get_string(), "0x98110007");
     });
-    EXPECT_TRUE(host.waitFor([&] { return host.calls.back() == "reset"; }));
+    EXPECT_TRUE(host.waitFor(
+        [&] { return std::count(host.calls.begin(), host.calls.end(), "reset") == 1; }));
     EXPECT_EQ(loaded.diagnostics("Filler", "connectionState"), "Good");
     EXPECT_EQ(loaded.diagnostics("Nobody", "connectError"),
               "GLOBAL: target machine not found (0x98110007)");
     EXPECT_EQ(loaded.command("ListEnabledTargetSystems").read_value().size(), 3U);
 }
 
-TEST(Running, AlarmGoesToTheHostAndItsConfirmationToTheLogger) {
-    Simulation simulation;
-    RecordingHost host(fillerAlone());
-    LoadedExtension loaded(host);
-    ASSERT_EQ(loaded.init(), ErrorValue::success);
-    host.look([&] { host.calls.clear(); });
+struct Running : testing::Test {
+    void SetUp() override { ASSERT_EQ(loaded.init(), ErrorValue::success); }
+    Alarm raise(const std::string& more = {}) {
+        simulation.raise("hot", 1, fillerNetId, more);
+        Alarm alarm;
+        EXPECT_TRUE(host.waitFor([&] { return host.alarms.contains(1); }));
+        host.look([&] { alarm = host.alarms[1]; });
+        return alarm;
+    }
 
-    simulation.raise("hot");
-    ASSERT_TRUE(host.waitFor([&] { return !host.alarms.empty(); }));
-    Alarm alarm;
-    host.look([&] { alarm = host.alarms.at(1); });
+    Simulation simulation;
+    RecordingHost host{fillerAlone()};
+    LoadedExtension loaded{host};
+};
+
+TEST_F(Running, AnAlarmGoesToTheHostAndItsConfirmationToTheLogger) {
+    Alarm alarm = raise();
     EXPECT_EQ(alarm.name().view(), "ZREVENTLOGGER_ALARM");
     EXPECT_EQ(alarm.domain().view(), "TestDomain");
     EXPECT_EQ(alarm.severity(), Severity::error);
     EXPECT_EQ(alarm.confirmation_state(), AlarmConfirmationState::pending);
     EXPECT_TRUE(alarm.is_active());
-    EXPECT_EQ(alarm.payload().get_map().get("eventClass").get_string(), eventClass);
 
     EXPECT_EQ(loaded.confirm(alarm), ErrorValue::success);
     ASSERT_TRUE(host.waitFor([&] { return host.calls.back() == "update 1"; }));
     simulation.act(R"({"do": "clear", "alarm": "hot"})");
     ASSERT_TRUE(host.waitFor([&] { return host.calls.back() == "remove 1"; }));
     host.look([&] {
-        EXPECT_EQ(host.calls, (Calls{"log NEW_ALARM_RAISED", "raise 1", "log CALL_CONFIRM",
-                                     "log KNOWN_ALARM_CONFIRMED", "update 1",
-                                     "log KNOWN_ALARM_CLEARED", "remove 1"}));
         EXPECT_EQ(host.alarms.at(1).confirmation_state(), AlarmConfirmationState::confirmed);
         EXPECT_FALSE(host.alarms.at(1).is_active());
-        EXPECT_TRUE(host.alarms.at(1).time_confirmed().isset());
     });
     EXPECT_EQ(loaded.confirm(alarm), ErrorValue::operation_failed) << "no longer live";
+    simulation.act(R"([{"do": "refuse", "hresult": "0x98110745"}, {"do": "drop"}])");
+    const ResultPair refused = loaded.confirm(alarm);
+    EXPECT_EQ(refused, ErrorValue::not_connected);
+    EXPECT_EQ(refused.text().view(), "Not connected.");
     alarm.payload().insert_or_update("targetName", "Filter");
     const ResultPair unknown = loaded.confirm(alarm);
     EXPECT_EQ(unknown, ErrorValue::unknown_target_system);
     EXPECT_EQ(unknown.text().view(), "TARGET_NOT_FOUND");
+}
 
-    simulation.act(std::string(R"({"do": "message", "event": 3, "class": ")") + eventClass + "\"}");
-    ASSERT_TRUE(host.waitFor([&] { return host.messages.size() == 1; }));
-    host.look([&] { EXPECT_EQ(host.messages[0].name().view(), "ZREVENTLOGGER_MESSAGE"); });
+TEST_F(Running, TheTextsOfATargetAreLookedUpAnewAfterItsImport) {
+    LocalizableItem item(raise(R"(, "arguments": [95.5], "source": {"name": "Tank"})").payload());
+    auto& localization = *loaded.listener<IZrHmiSrvEventLocalizationListener>();
+    String text;
+    const auto localize = [&] {
+        return localization.localize_event(loaded.context, "de-DE", item, text);
+    };
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(localize(), ErrorValue::success);
+        EXPECT_EQ(text.name().view(), "Temperatur 95.5 zu hoch");
+    }
+    EXPECT_EQ(simulation.calls("GetEventText"), 1);
+    EXPECT_EQ(loaded.command("ForceReconnect", "Filler").extension_result(), 0u);
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == 2; }));
+    EXPECT_EQ(localize(), ErrorValue::success);
+    EXPECT_EQ(simulation.calls("GetEventText"), 2);
 
-    simulation.act(R"({"do": "refuse", "hresult": "0x98110745"})");
-    simulation.act(R"({"do": "drop"})");
-    const ResultPair refused = loaded.confirm(host.alarms.at(1));
-    EXPECT_EQ(refused, ErrorValue::not_connected);
-    EXPECT_EQ(refused.text().view(), "Not connected.");
+    simulation.act(R"({"do": "fail", "call": "GetEventText", "hresult": "0x80004005"})");
+    item.parameters().insert_or_update("eventId", 2);
+    EXPECT_EQ(localize(), ErrorValue::request_failed);
+    host.look([&] {
+        const auto report = host.lastLogged("CORVANE_EVENTLOGGER_ERROR").parameters().get_map();
+        EXPECT_EQ(report.get("0").get_string(), "Filler");
+        EXPECT_EQ(static_cast<double>(report.get("1")), -1.0);
+        EXPECT_EQ(report.get("2").get_string(),
+                  "An error occurred in the communication with the Corvane EventLogger.");
+    });
+    item.parameters() = 5;
+    EXPECT_EQ(localize(), ErrorValue::request_failed) << "and no exception leaves";
 }
 
 }  // namespace

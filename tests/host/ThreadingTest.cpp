@@ -22,20 +22,7 @@ const Context context(Text("plant"));
 constexpr std::size_t longDelay = std::numeric_limits<std::size_t>::max();
 constexpr std::size_t longStop = 60'000;
 
-TEST(ThreadingTest, ATimerCallsBackAfterItsDelay) {
-    Threading threading(2);
-    std::promise<bool> called;
-    const auto start = std::chrono::steady_clock::now();
-    ASSERT_TRUE(threading.schedule(20, context, [&](TimerError error, const Context& given) {
-        called.set_value(error == TimerError::none && given.domain() == Text("plant"));
-    }));
-    auto future = called.get_future();
-    ASSERT_EQ(future.wait_for(20s), std::future_status::ready);
-    EXPECT_GE(std::chrono::steady_clock::now() - start, 20ms);
-    EXPECT_TRUE(future.get());
-}
-
-TEST(ThreadingTest, StopAbortsWhatIsPendingAndTakesNothingNew) {
+TEST(Threading, StopAbortsWhatIsPendingAndTakesNothingNew) {
     std::atomic<int> aborted = 0;
     std::atomic<int> scheduledAgain = 0;
     Threading threading(2);
@@ -50,7 +37,7 @@ TEST(ThreadingTest, StopAbortsWhatIsPendingAndTakesNothingNew) {
     EXPECT_EQ(scheduledAgain, 0);
 }
 
-TEST(ThreadingTest, StopIsBoundedAndTheDestructorIsNot) {
+TEST(Threading, StopIsBoundedAndTheDestructorIsNot) {
     std::promise<void> entered;
     std::promise<void> proceed;
     bool finished = false;
@@ -67,34 +54,42 @@ TEST(ThreadingTest, StopIsBoundedAndTheDestructorIsNot) {
     EXPECT_TRUE(finished);
 }
 
-TEST(ThreadingTest, WorkersThatStopThePoolWaitNeitherForThemselvesNorForEachOther) {
+TEST(Threading, WorkersThatStopThePoolWaitNeitherForThemselvesNorForEachOther) {
     Threading threading(2);
     std::atomic<int> inside = 0;
     std::atomic<int> stopped = 0;
+    const auto waitForBoth = [&] {
+        while (inside < 2)
+            std::this_thread::yield();
+    };
     for (int i = 0; i < 2; ++i) {
         threading.schedule(0, context, [&](TimerError, const Context&) {
             ++inside;
-            while (inside < 2)
-                std::this_thread::yield();
+            waitForBoth();
             stopped += threading.stop(longStop);
         });
     }
-    while (inside < 2)
-        std::this_thread::yield();
+    waitForBoth();
     EXPECT_TRUE(threading.stop(longStop / 4));
     EXPECT_EQ(stopped, 2);
 }
 
-TEST(ThreadingTest, AnExceptionIsReportedAndEndsThatCallbackAlone) {
+TEST(Threading, ATimerCallsBackAfterItsDelayAndAnExceptionEndsThatCallbackAlone) {
     bridge_test::RecordingHost host;
     initialize_api(&host);
     std::optional<Threading> threading(1);
-    std::promise<void> alive;
+    std::promise<bool> called;
+    auto future = called.get_future();
+    const auto start = std::chrono::steady_clock::now();
     threading->schedule(0, context,
                         [](TimerError, const Context&) { throw std::runtime_error("disk full"); });
     threading->schedule(0, context, [](TimerError, const Context&) { throw 5; });
-    threading->schedule(0, context, [&](TimerError, const Context&) { alive.set_value(); });
-    EXPECT_EQ(alive.get_future().wait_for(20s), std::future_status::ready);
+    threading->schedule(20, context, [&](TimerError error, const Context& given) {
+        called.set_value(error == TimerError::none && given.domain() == Text("plant"));
+    });
+    ASSERT_EQ(future.wait_for(20s), std::future_status::ready);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 20ms);
+    EXPECT_TRUE(future.get());
     threading.reset();
     initialize_api(nullptr);
     ASSERT_EQ(host.log.size(), 2u);
@@ -103,7 +98,7 @@ TEST(ThreadingTest, AnExceptionIsReportedAndEndsThatCallbackAlone) {
 }
 
 // A timer that schedules itself again meets the end of the pool at every point of its cycle.
-TEST(ThreadingTest, NothingRunsAfterTheDestructor) {
+TEST(Threading, NothingRunsAfterTheDestructor) {
     for (int round = 0; round < 300; ++round) {
         std::atomic<bool> destroyed = false;
         std::atomic<bool> late = false;

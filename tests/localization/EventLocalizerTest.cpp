@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "localization/EventLocalizer.h"
 #include "localization/LocalizableItem.h"
@@ -6,6 +6,7 @@
 
 using namespace bridge_test;
 using namespace ZrHmiSrv;
+using testing::ElementsAre;
 using ZrHmiEventLogger::EventLocalizer;
 using ZrHmiEventLogger::TextLookup;
 
@@ -38,20 +39,25 @@ protected:
     String text;
 };
 
-TEST_F(EventLocalizerTest, WritesWhatIsKnownInTheLanguage) {
+TEST_F(EventLocalizerTest, WritesWhatIsKnownInTheLanguageAndAsksForItOnce) {
     for (const auto kind : {ILocalizable::Kind::alarm, ILocalizable::Kind::message}) {
         LocalizableItem item(hotTank(), kind);
         EXPECT_EQ(localize("de_DE", item), ErrorValue::success);
         EXPECT_EQ(text.name().view(), "Temperatur 95 zu hoch");
-        EXPECT_EQ(item.get("eventClassName").get_string(), "Maschine");
-        EXPECT_EQ(item.get("localizedSourceName").get_string(), "Behälter");
-        const Value cause = item.get("causeRemedy").get_vector().get(0).get_map().get("cause");
-        EXPECT_EQ(cause.get_string(), "Pump off");
-        EXPECT_EQ(item.get("details").get_map().get("k").get_map().get("text").get_string(),
-                  "Detail");
+        EXPECT_EQ(item.get("eventClassName"), Value("Maschine"));
+        EXPECT_EQ(item.get("localizedSourceName"), Value("Behälter"));
+        const auto remedy = item.get("causeRemedy").get_vector().get(0).get_map();
+        EXPECT_EQ(remedy.get("id"), Value("a"));
+        EXPECT_EQ(remedy.get("cause"), Value("Pump off"));
+        EXPECT_EQ(remedy.get("remedy"), Value("Start it"));
+        const auto detail = item.get("details").get_map().get("k").get_map();
+        EXPECT_EQ(detail.get("text"), Value("Detail"));
+        EXPECT_EQ(detail.get("comment"), Value("More"));
         EXPECT_EQ(item.get("data"), *hotTank().lookup("data"));
     }
-    EXPECT_EQ(target.calls("GetEventText"), 1) << "a message has the text of an alarm";
+    for (const char* operation :
+         {"GetEventText", "GetEventClassName", "GetSourceName", "GetCauseRemedy", "GetDetails"})
+        EXPECT_EQ(target.simulation.calls(operation), 1) << operation;
 }
 
 TEST_F(EventLocalizerTest, AddsOnlyWhatThereIsAndReplacesWhatWasThere) {
@@ -63,44 +69,37 @@ TEST_F(EventLocalizerTest, AddsOnlyWhatThereIsAndReplacesWhatWasThere) {
     EXPECT_EQ(text.name().view(), "Door open");
     parameters.insert_or_update("eventClassName", "Machine");
     EXPECT_EQ(item.parameters(), parameters);
-}
 
-TEST_F(EventLocalizerTest, AnEventOfNoTargetKeepsItsText) {
-    LocalizableItem item{Value(ValueType::structure)};
-    EXPECT_EQ(localize("en-US", item), ErrorValue::success);
+    LocalizableItem ofNoTarget{Value(ValueType::structure)};
+    EXPECT_EQ(localize("en-US", ofNoTarget), ErrorValue::success);
     EXPECT_EQ(text.name().view(), "its own text");
-    Value expected(ValueType::structure);
-    expected.insert("eventClassName", "");
-    EXPECT_EQ(item.parameters(), expected);
+    EXPECT_EQ(ofNoTarget.parameters().size(), 1u);
+    EXPECT_EQ(ofNoTarget.get("eventClassName"), Value(""));
 }
 
 TEST_F(EventLocalizerTest, WritesNothingForWhatItCannotLocalize) {
-    struct Case {
-        const char* what;
+    using enum ErrorValue;
+    constexpr const char* exception = "An exception was raised.";
+    constexpr const char* noTarget = "TARGET_NOT_FOUND";
+    const struct {
         const char* locale;
         int kind;
         const char* key;  ///< of the parameter that differs
         Value value;
         ErrorValue result;
         const char* text;
+    } cases[] = {
+        {"xx_YY", 65, "x", 0, request_failed, ""},
+        {nullptr, 67, "x", 0, request_failed, ""},
+        {"de-DE", 67, "x", 0, unsupported_item, ""},
+        {"de-DE", 65, "targetName", "Packer", unknown_target_system, noTarget},
+        {"de-DE", 65, "targetName", 1, unknown_target_system, noTarget},
+        {"de-DE", 65, "eventClass", "{0000ABCD}", request_failed, exception},
+        {"de-DE", 65, "eventId", 4294967297.0, request_failed, exception},
+        {"de-DE", 65, "data", bytes("x"), request_failed, exception},  // makes no sense
     };
-    constexpr const char* exceptionText = "An exception was raised.";
-    using enum ErrorValue;
-    const Case cases[] = {
-        {"unknown locale", "xx_YY", 65, "x", 0, request_failed, ""},
-        {"no locale", nullptr, 67, "x", 0, request_failed, ""},
-        {"unknown kind", "de-DE", 67, "x", 0, unsupported_item, ""},
-        {"unknown target", "de-DE", 65, "targetName", "Packer", unknown_target_system,
-         "TARGET_NOT_FOUND"},
-        {"target of a wrong type", "de-DE", 65, "targetName", 1, unknown_target_system,
-         "TARGET_NOT_FOUND"},
-        {"class is no GUID", "de-DE", 65, "eventClass", "{0000ABCD}", request_failed,
-         exceptionText},
-        {"id out of range", "de-DE", 65, "eventId", 4294967297.0, request_failed, exceptionText},
-        {"arguments make no sense", "de-DE", 65, "data", bytes("x"), request_failed, exceptionText},
-    };
-    for (const Case& refused : cases) {
-        SCOPED_TRACE(refused.what);
+    for (const auto& refused : cases) {
+        SCOPED_TRACE(&refused - cases);
         Value parameters = hotTank();
         parameters.insert_or_update(refused.key, refused.value);
         LocalizableItem item(parameters, static_cast<ILocalizable::Kind>(refused.kind));
@@ -117,16 +116,17 @@ TEST_F(EventLocalizerTest, WritesNothingAndReportsWhenACallFailsAndAsksAnewNextT
                                   "GetSourceName", "GetCauseRemedy", "GetDetails", "GetItem"}) {
         SCOPED_TRACE(operation);
         target.lookup.clearCache();
-        target.fail(operation);
+        target.simulation.act(R"({"do": "fail", "hresult": "0x80004005", "call": ")" +
+                              std::string(operation) + "\"}");
         LocalizableItem item(hotTank());
         const ResultPair result = localize("de-DE", item);
         EXPECT_EQ(result, ErrorValue::request_failed);
         EXPECT_EQ(result.text().view(), "An exception was raised.");
         EXPECT_EQ(text.name().view(), "before");
         EXPECT_EQ(item.parameters(), hotTank());
-        EXPECT_EQ(target.logging.takeReports(), std::vector<std::string>{"Filler"});
+        EXPECT_THAT(target.logging.take(), ElementsAre("error Filler"));
         EXPECT_EQ(localize("de-DE", item), ErrorValue::success);
-        EXPECT_TRUE(target.logging.takeReports().empty());
+        EXPECT_TRUE(target.logging.take().empty());
     }
 }
 

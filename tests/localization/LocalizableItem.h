@@ -7,7 +7,7 @@ namespace bridge_test {
 /// An event as a host hands it in to be localized.
 class LocalizableItem final : public ZrHmiSrv::ILocalizable {
 public:
-    explicit LocalizableItem(ZrHmiSrv::Value parameters, Kind kind = Kind::alarm)
+    explicit LocalizableItem(ZrHmiSrv::Value parameters = {}, Kind kind = Kind::alarm)
         : itemParameters(std::move(parameters)), itemKind(kind) {}
 
     Kind kind() const override { return itemKind; }

@@ -1,20 +1,20 @@
 #include <gtest/gtest.h>
 
+#include "platform/NumberVariant.h"
 #include "platform/Text.h"
+#include "proxy/FakeObject.h"
 
 namespace {
 
-/// What a text becomes in one type and then in another, read back as a text.
-struct Conversion {
-    const char* from;
-    VARTYPE first;
-    VARTYPE second;
-    HRESULT result;
-    const char* to;
-};
-
 TEST(VariantChangeType, convertsAndRefusesAtTheBorders) {
-    const Conversion conversions[] = {
+    /// What a text becomes in one type and then in another, read back as a text.
+    const struct {
+        const char* from;
+        VARTYPE first;
+        VARTYPE second;
+        HRESULT result;
+        const char* to;
+    } conversions[] = {
         {"255", VT_I4, VT_UI1, S_OK, "255"},
         {"256", VT_I4, VT_UI1, DISP_E_OVERFLOW, "256"},
         {"-1", VT_I2, VT_UI4, DISP_E_OVERFLOW, "-1"},
@@ -31,12 +31,10 @@ TEST(VariantChangeType, convertsAndRefusesAtTheBorders) {
         {"5", VT_I4, VT_UNKNOWN, DISP_E_TYPEMISMATCH, "5"},
         {"-9223372036854775808", VT_I8, VT_I8, S_OK, "-9223372036854775808"},
     };
-    for (const Conversion& conversion : conversions) {
+    for (const auto& conversion : conversions) {
         SCOPED_TRACE(conversion.from);
-        VARIANT value;
-        VariantInit(&value);
+        VARIANT value = number(0, VT_BSTR);
         value.bstrVal = newBstr(conversion.from);
-        value.vt = VT_BSTR;
         EXPECT_EQ(VariantChangeType(&value, &value, 0, conversion.first), S_OK);
         EXPECT_EQ(VariantChangeType(&value, &value, 0, conversion.second), conversion.result);
         EXPECT_EQ(VariantChangeType(&value, &value, 0, VT_BSTR), S_OK);
@@ -45,26 +43,16 @@ TEST(VariantChangeType, convertsAndRefusesAtTheBorders) {
     }
 }
 
-struct Counted final : IUnknown {
-    LONG references = 1;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references); }
-    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references); }
-};
-
 TEST(VariantCopy, countsReferences) {
-    Counted object;
-    VARIANT holder;
-    VARIANT copy;
-    VariantInit(&copy);
-    holder.vt = VT_UNKNOWN;
+    FakeUnknown object;
+    VARIANT holder = number(0, VT_UNKNOWN);
     holder.punkVal = &object;
+    VARIANT copy = number(0);
     EXPECT_EQ(VariantCopy(&copy, &holder), S_OK);
     EXPECT_EQ(VariantCopy(&copy, &copy), S_OK);
-    EXPECT_EQ(object.references, 2);
+    EXPECT_EQ(object.references(), 2);
     EXPECT_EQ(VariantClear(&copy), S_OK);
-    EXPECT_EQ(object.references, 1);
+    EXPECT_EQ(object.references(), 1);
 }
 
 }  // namespace

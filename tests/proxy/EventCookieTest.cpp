@@ -10,17 +10,18 @@ namespace {
 
 constexpr IID eventsId{0x11, 0x22, 0x33, {4, 5, 6, 7, 8, 9, 10, 11}};
 
-/// A connection point that accepts any number of sinks and gives each a cookie of its own.
-class FakePoint final : public FakeObject<IConnectionPoint> {
+/// A source and its connection point in one, which accepts any number of sinks.
+class FakeSource final : public FakeObject<IConnectionPointContainer, IConnectionPoint> {
 public:
     HRESULT adviseResult = S_OK;
     HRESULT unadviseResult = S_OK;
     std::atomic<DWORD> made = 0;
     std::atomic<DWORD> ended = 0;
 
-    HRESULT STDMETHODCALLTYPE GetConnectionInterface(IID*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetConnectionPointContainer(IConnectionPointContainer**) override {
-        return E_NOTIMPL;
+    HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID, IConnectionPoint** found) override {
+        AddRef();
+        *found = this;
+        return S_OK;
     }
     HRESULT STDMETHODCALLTYPE Advise(IUnknown*, DWORD* cookie) override {
         if (SUCCEEDED(adviseResult))
@@ -31,60 +32,57 @@ public:
         ++ended;
         return unadviseResult;
     }
-    HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
-};
-
-class FakeSource final : public FakeObject<IConnectionPointContainer> {
-public:
-    FakePoint point;
-
     HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints**) override {
         return E_NOTIMPL;
     }
-    HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID, IConnectionPoint** found) override {
-        point.AddRef();
-        *found = &point;
-        return S_OK;
+    HRESULT STDMETHODCALLTYPE GetConnectionInterface(IID*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetConnectionPointContainer(IConnectionPointContainer**) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
+};
+
+struct EventCookie : testing::Test {
+    FakeSource source;
+    FakeUnknown sink;
+
+    HRESULT advise(ZrAtlCom::EventCookie& cookie) {
+        return cookie.advise(static_cast<IConnectionPoint*>(&source), &sink, eventsId);
     }
 };
 
-TEST(EventCookie, endsEachConnectionOnce) {
-    FakeSource source;
-    FakeUnknown sink;
+TEST_F(EventCookie, EndsEachConnectionOnce) {
     {
         ZrAtlCom::EventCookie cookie;
-        source.point.adviseResult = E_OUTOFMEMORY;
-        EXPECT_EQ(cookie.advise(&source, &sink, eventsId), E_OUTOFMEMORY);
+        source.adviseResult = E_OUTOFMEMORY;
+        EXPECT_EQ(advise(cookie), E_OUTOFMEMORY);
         EXPECT_EQ(cookie.advise(&sink, &sink, eventsId), E_NOINTERFACE);
         EXPECT_EQ(cookie.unadvise(), S_OK);
-        source.point.adviseResult = S_OK;
-        EXPECT_EQ(cookie.advise(&source, &sink, eventsId), S_OK);
-        EXPECT_EQ(cookie.advise(&source, &sink, eventsId), S_FALSE);
-        source.point.unadviseResult = E_ABORT;
+        source.adviseResult = S_OK;
+        EXPECT_EQ(advise(cookie), S_OK);
+        EXPECT_EQ(advise(cookie), S_FALSE);
+        source.unadviseResult = E_ABORT;
         EXPECT_EQ(cookie.unadvise(), E_ABORT);
     }
-    EXPECT_EQ(source.point.made, 1u);
-    EXPECT_EQ(source.point.ended, 2u);
+    EXPECT_EQ(source.made, 1u);
+    EXPECT_EQ(source.ended, 2u);
     EXPECT_EQ(source.references(), 1);
-    EXPECT_EQ(source.point.references(), 1);
 }
 
-TEST(EventCookie, parallelCallersEndEveryConnectionExactlyOnce) {
-    FakeSource source;
-    FakeUnknown sink;
+TEST_F(EventCookie, ParallelCallersEndEveryConnectionExactlyOnce) {
     ZrAtlCom::EventCookie cookie;
-    const auto advise = [&] {
+    const auto advising = [&] {
         for (int round = 0; round < 1000; ++round) {
-            cookie.advise(&source, &sink, eventsId);
+            advise(cookie);
             cookie.unadvise();
         }
     };
-    std::thread other(advise);
-    advise();
+    std::thread other(advising);
+    advising();
     other.join();
     cookie.unadvise();
-    EXPECT_EQ(source.point.made, source.point.ended);
-    EXPECT_EQ(source.point.references(), 1);
+    EXPECT_EQ(source.made, source.ended);
+    EXPECT_EQ(source.references(), 1);
 }
 
 }  // namespace

@@ -4,17 +4,16 @@
 
 #include "platform/Automation.h"
 
-/// An automation object on the stack that counts its references and answers to one interface
-/// beside IUnknown. It starts with the reference of its owner.
-template <class Interface>
-class FakeObject : public Interface {
+/// An automation object on the stack that counts its references and answers to the given
+/// interfaces beside IUnknown. It starts with the reference of its owner.
+template <class... Interfaces>
+class FakeObject : public Interfaces... {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        const bool known = iid == IID_IUnknown || iid == InterfaceId<Interface>::value();
-        *object = known ? static_cast<Interface*>(this) : nullptr;
-        if (known)
-            this->AddRef();
-        return known ? S_OK : E_NOINTERFACE;
+        *object = nullptr;
+        (offer<Interfaces>(iid, object), ...);
+        counter += *object != nullptr;
+        return *object ? S_OK : E_NOINTERFACE;
     }
     ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++counter); }
     ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--counter); }
@@ -25,6 +24,12 @@ protected:
     ~FakeObject() = default;
 
 private:
+    template <class Interface>
+    void offer(REFIID iid, void** object) {
+        if (iid == IID_IUnknown || iid == InterfaceId<Interface>::value())
+            *object = static_cast<Interface*>(this);
+    }
+
     std::atomic<LONG> counter = 1;
 };
 

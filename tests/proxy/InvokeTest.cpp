@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Text.h"
+#include "platform/NumberVariant.h"
 #include "target/proxy/IDispEventSimpleImpl.h"
 
 namespace {
@@ -47,14 +47,6 @@ private:
         called = std::to_string(a) + std::to_string(b) + std::to_string(c);
     }
 };
-
-VARIANT number(LONGLONG value, VARTYPE type = VT_I4) {
-    VARIANT made;
-    VariantInit(&made);
-    made.vt = type;
-    made.llVal = value;
-    return made;
-}
 
 /// Arguments as automation passes them: named ones first, then the others in reverse order.
 struct Arguments {

@@ -50,13 +50,9 @@ std::size_t counter(const Value& diagnostics, const char* name) {
 
 RunningServer::RunningServer()
     : configurationFile(writeConfiguration()),
-      configuration(configurationFile),
-      calls(listeners, context),
-      host({events, log, configuration, listeners, metrics, [this] { refresher.request(); }}) {
+      backend(configurationFile, context, changes, metrics) {
     hmi::setLogLevel(hmi::LogLevel::off);
-    extension = std::make_unique<hmi::ExtensionLibrary>(extensionFile(), host);
-    extension->init(context);
-    refresher.start();
+    backend.start(extensionFile());
 }
 
 RunningServer::~RunningServer() {
@@ -64,24 +60,17 @@ RunningServer::~RunningServer() {
     std::filesystem::remove(configurationFile);
 }
 
-void RunningServer::stop() {
-    refresher.stop();
-    calls.shutdown();
-    listeners.clear();
-    extension.reset();
-}
-
 void RunningServer::configure(const char* target, const char* address, bool enabled) {
     const auto path = pathOf(target);
-    configuration.change(
+    backend.configuration.change(
         path, boost::json::object{{"ADDRESS", address}, {"ENABLED", enabled}},
         [&] { return calls.configurationSet(path.text()).value_or(ResultPair()); });
 }
 
 void RunningServer::remove(const char* target) {
     const auto path = pathOf(target);
-    if (configuration.get(path))
-        configuration.change(path, std::nullopt, [&] {
+    if (backend.configuration.get(path))
+        backend.configuration.change(path, std::nullopt, [&] {
             return calls.configurationDeleted(path.text()).value_or(ResultPair());
         });
 }
@@ -100,7 +89,7 @@ Value RunningServer::diagnostics(const char* target) {
 }
 
 std::size_t RunningServer::logged(const char* target, const char* name) const {
-    const auto entries = log.read(0, std::numeric_limits<std::size_t>::max()).entries;
+    const auto entries = backend.log.read(0, std::numeric_limits<std::size_t>::max()).entries;
     return static_cast<std::size_t>(
         std::count_if(entries.begin(), entries.end(), [&](const auto& entry) {
             return (!name || entry->message.name().view() == name) &&

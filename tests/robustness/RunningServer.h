@@ -5,15 +5,7 @@
 #include <string>
 
 #include "robustness/EventImage.h"
-#include "server/metrics/Metrics.h"
-#include "server/config/ConfigurationStore.h"
-#include "server/events/EventBook.h"
-#include "server/events/LogBook.h"
-#include "server/extension/EventRefresher.h"
-#include "server/extension/ExtensionCalls.h"
-#include "server/extension/ExtensionLibrary.h"
-#include "server/extension/Host.h"
-#include "server/extension/ListenerRegistry.h"
+#include "server/Backend.h"
 
 namespace bridge_test {
 
@@ -28,7 +20,7 @@ public:
     RunningServer(const RunningServer&) = delete;
     RunningServer& operator=(const RunningServer&) = delete;
 
-    void stop();
+    void stop() { backend.stop(); }
 
     void configure(const char* target, const char* address, bool enabled);
     void remove(const char* target);
@@ -50,18 +42,11 @@ private:
     const std::filesystem::path configurationFile;
     Discarded changes;
     hmi::Metrics metrics;
-    hmi::ListenerRegistry listeners;
-    std::unique_ptr<hmi::ExtensionLibrary> extension;
+    hmi::Backend backend;
 
 public:
-    hmi::ConfigurationStore configuration;
-    hmi::EventBook events{changes};
-    hmi::LogBook log{changes};
-    hmi::ExtensionCalls calls;
-
-private:
-    hmi::EventRefresher refresher{events, calls, metrics};
-    hmi::Host host;
+    hmi::EventBook& events = backend.events;
+    hmi::ExtensionCalls& calls = backend.calls;
 };
 
 }  // namespace bridge_test

@@ -1,7 +1,6 @@
 #include "support/RecordingHost.h"
 
 #include <algorithm>
-#include <chrono>
 
 using namespace ZrHmiSrv;
 
@@ -29,8 +28,8 @@ Value RecordingHost::configurationFor(const std::vector<Target>& targets) {
     return configuration;
 }
 
-ResultPair RecordingHost::note(std::string call) {
-    calls.push_back(std::move(call));
+ResultPair RecordingHost::note(const std::string& call) {
+    calls.push_back(call);
     changed.notify_all();
     return {};
 }
@@ -90,16 +89,6 @@ ResultPair RecordingHost::read_configuration(Value& result, const Context&, cons
     return {};
 }
 
-ResultPair RecordingHost::reset_events(const Context&) {
-    std::lock_guard lock(mutex);
-    return note("reset");
-}
-
-ResultPair RecordingHost::announce(const Context&, const char* product) {
-    std::lock_guard lock(mutex);
-    return note(std::string("announce ") + product);
-}
-
 void RecordingHost::replace_events(const char* target, std::span<const Event> events) {
     std::lock_guard lock(mutex);
     const auto belongs = [target](const Value& parameters) {
@@ -116,16 +105,6 @@ void RecordingHost::replace_events(const char* target, std::span<const Event> ev
             messages.push_back(event.payload().get_message());
     }
     note(std::string("provided ") + target);
-}
-
-bool RecordingHost::waitFor(const std::function<bool()>& condition) {
-    std::unique_lock lock(mutex);
-    return changed.wait_for(lock, std::chrono::seconds(10), condition);
-}
-
-void RecordingHost::look(const std::function<void()>& visit) {
-    std::lock_guard lock(mutex);
-    visit();
 }
 
 std::size_t RecordingHost::logged(std::string_view name) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <map>
@@ -42,15 +43,27 @@ public:
                            Alarm alarm) override;
     ResultPair drop_event(const Context&, ZrHmiSrv::Event event) override;
     ResultPair read_configuration(Value& result, const Context&, const char* name) override;
-    ResultPair reset_events(const Context&) override;
-    ResultPair announce(const Context&, const char* product) override;
+    ResultPair reset_events(const Context&) override {
+        std::lock_guard lock(mutex);
+        return note("reset");
+    }
+    ResultPair announce(const Context&, const char* product) override {
+        std::lock_guard lock(mutex);
+        return note(std::string("announce ") + product);
+    }
     void replace_events(const char* target, std::span<const ZrHmiSrv::Event> events) override;
 
     /// True when the condition held within ten seconds. It is tried after every call of the host,
     /// with the host's lock held.
-    bool waitFor(const std::function<bool()>& condition);
+    bool waitFor(const std::function<bool()>& condition) {
+        std::unique_lock lock(mutex);
+        return changed.wait_for(lock, std::chrono::seconds(10), condition);
+    }
     /// Runs with the host's lock held.
-    void look(const std::function<void()>& visit);
+    void look(const std::function<void()>& visit) {
+        std::lock_guard lock(mutex);
+        visit();
+    }
 
     // All of it is read in `waitFor` or `look` only.
     std::vector<std::string> calls;  ///< "slot-name detail"
@@ -65,7 +78,7 @@ public:
     Message lastLogged(std::string_view name) const;
 
 private:
-    ResultPair note(std::string call);
+    ResultPair note(const std::string& call);
 
     std::mutex mutex;
     std::condition_variable changed;

@@ -54,9 +54,10 @@ void Simulation::act(const std::string& action, const char* netId) {
     expectSuccess(result, answer);
 }
 
-void Simulation::raise(const std::string& name, int event, const char* netId) {
+void Simulation::raise(const std::string& name, int event, const char* netId,
+                       const std::string& more) {
     act(R"({"do": "raise", "alarm": ")" + name + R"(", "class": ")" + eventClass +
-            R"(", "event": )" + std::to_string(event) + "}",
+            R"(", "event": )" + std::to_string(event) + more + "}",
         netId);
 }
 

@@ -21,7 +21,9 @@ public:
 
     /// Fails the running test when the action is refused.
     void act(const std::string& action, const char* netId = fillerNetId);
-    void raise(const std::string& name, int event = 1, const char* netId = fillerNetId);
+    /// `more`: further members of the action.
+    void raise(const std::string& name, int event = 1, const char* netId = fillerNetId,
+               const std::string& more = {});
     boost::json::object status(const char* netId = fillerNetId);
     std::int64_t liveObjects(const char* netId = fillerNetId);
     /// How often the filler's runtime was asked to do something.

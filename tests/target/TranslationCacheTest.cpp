@@ -1,6 +1,9 @@
-#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <deque>
+#include <functional>
+#include <future>
+#include <memory>
 #include <random>
 #include <stdexcept>
 #include <thread>
@@ -13,12 +16,13 @@
 using namespace ZrHmiEventLogger;
 using ZrHmiSrv::ErrorValue;
 using ZrHmiSrv::ResultPair;
+using ZrHmiSrv::Value;
 
 namespace {
 
 using Answer = TranslationCache::Answer;
 
-Answer kept(const char* text) {
+Answer kept(const std::string& text) {
     return {{ResultPair(), text}, true};
 }
 
@@ -48,11 +52,11 @@ TEST(TranslationCache, TellsKeysApartAndFindsEqualOnes) {
     TranslationCache cache;
     int asked = 0;
     for (const TranslationKey& key : keys())
-        cache.get(key, [&] { return kept(std::to_string(asked++).c_str()); });
+        cache.get(key, [&] { return kept(std::to_string(asked++)); });
     int expected = 0;
     for (const TranslationKey& key : keys()) {
-        const Translation found = cache.get(key, [&] { return kept("asked again"); });
-        EXPECT_EQ(found.value.get_string(), std::to_string(expected++));
+        const Translation found = cache.get(key, [] { return kept("asked again"); });
+        EXPECT_EQ(found.value, Value(std::to_string(expected++)));
         EXPECT_EQ(found.result, ErrorValue::success);
     }
     EXPECT_EQ(cache.statistics().hits, keys().size());
@@ -66,10 +70,7 @@ TEST(TranslationCache, KeepsWhatWasUsedLatest) {
     std::mt19937 random(7);
     for (int step = 0; step < 20'000; ++step) {
         const auto id = static_cast<ULONG>(random() % 12);
-        const auto used = std::find(latestFirst.begin(), latestFirst.end(), id);
-        const bool expectedToAsk = used == latestFirst.end();
-        if (!expectedToAsk)
-            latestFirst.erase(used);
+        const bool expectedToAsk = std::erase(latestFirst, id) == 0;
         latestFirst.push_front(id);
         latestFirst.resize(std::min(latestFirst.size(), capacity));
         bool asked = false;
@@ -85,73 +86,46 @@ TEST(TranslationCache, KeepsWhatWasUsedLatest) {
     }
 }
 
-/// A question on a thread of its own, which stays open until `answer`. A destroyed one is answered.
+/// A question on a thread of its own, which stays open until `answer`.
 class OpenQuestion {
 public:
     OpenQuestion(TranslationCache& cache, std::function<Answer()> outcome)
-        : thread([this, &cache, outcome = std::move(outcome)] {
-              try {
-                  translation = cache.get(keyOf(1), [&] {
-                      begun.set_value();
-                      mayAnswer.get_future().wait();
-                      return outcome();
-                  });
-              } catch (const std::exception& exception) {
-                  translation.result = {ErrorValue::request_failed, exception.what()};
-              }
-          }) {
+        : asking(std::async(std::launch::async, [this, &cache, outcome = std::move(outcome)] {
+              return cache.get(keyOf(1), [&] {
+                  begun.set_value();
+                  mayAnswer.get_future().wait();
+                  return outcome();
+              });
+          })) {
         EXPECT_EQ(begun.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready)
             << "waits for another's answer";
     }
-    ~OpenQuestion() {
-        if (thread.joinable())
-            answer();
-    }
     Translation answer() {
         mayAnswer.set_value();
-        thread.join();
-        return translation;
+        return asking.get();
     }
 
 private:
     std::promise<void> begun;
     std::promise<void> mayAnswer;
-    Translation translation;
-    std::thread thread;
+    std::future<Translation> asking;
 };
 
-std::uint64_t lookUps(const TranslationCache& cache) {
-    return cache.statistics().hits + cache.statistics().misses;
+/// Threads that ask for what is being asked already, once all of them wait. What they ask
+/// themselves is answered "asked 1" and so on.
+std::vector<std::future<Translation>> askOnThreads(TranslationCache& cache, std::uint64_t count) {
+    const auto lookUps = [&] { return cache.statistics().hits + cache.statistics().misses; };
+    const auto expected = lookUps() + count;
+    const auto asked = std::make_shared<std::atomic<int>>(0);
+    std::vector<std::future<Translation>> answers(count);
+    for (auto& answer : answers)
+        answer = std::async(std::launch::async, [&cache, asked] {
+            return cache.get(keyOf(1), [&] { return kept("asked " + std::to_string(++*asked)); });
+        });
+    while (lookUps() < expected)
+        std::this_thread::yield();
+    return answers;
 }
-
-/// Threads that ask for what is being asked already, once all of them wait.
-class Waiting {
-public:
-    Waiting(TranslationCache& cache, std::size_t count) : answers(count) {
-        const auto before = lookUps(cache);
-        for (Translation& answer : answers)
-            threads.emplace_back([this, &cache, &answer] {
-                answer = cache.get(keyOf(1), [this] {
-                    ++asked;
-                    return kept("asked again");
-                });
-            });
-        while (lookUps(cache) < before + count)
-            std::this_thread::yield();
-    }
-    ~Waiting() { join(); }
-    const std::vector<Translation>& join() {
-        for (std::thread& thread : std::exchange(threads, {}))
-            thread.join();
-        return answers;
-    }
-
-    std::atomic<int> asked = 0;
-
-private:
-    std::vector<Translation> answers;
-    std::vector<std::thread> threads;
-};
 
 TEST(TranslationCache, OneThreadAsksForAllThatMissTheSame) {
     const Answer outcomes[] = {{{ResultPair(), "text"}, true},
@@ -160,28 +134,27 @@ TEST(TranslationCache, OneThreadAsksForAllThatMissTheSame) {
     for (const Answer& outcome : outcomes) {
         TranslationCache cache;
         OpenQuestion first(cache, [&] { return outcome; });
-        Waiting others(cache, 3);
-        EXPECT_EQ(cache.get(keyOf(2), [] { return kept("other"); }).value.get_string(), "other")
+        auto others = askOnThreads(cache, 3);
+        EXPECT_EQ(cache.get(keyOf(2), [] { return kept("other"); }).value, Value("other"))
             << "another text waits for nothing";
         first.answer();
-        for (const Translation& answer : others.join()) {
-            EXPECT_EQ(answer.value.get_string(), "text");
+        for (auto& other : others) {
+            const Translation answer = other.get();
+            EXPECT_EQ(answer.value, Value("text"));
             EXPECT_EQ(answer.result.result(), outcome.translation.result.result());
         }
-        EXPECT_EQ(others.asked, 0);
-        EXPECT_EQ(cache.get(keyOf(1), [] { return kept("asked again"); }).value.get_string(),
-                  outcome.keep ? "text" : "asked again");
+        EXPECT_EQ(cache.get(keyOf(1), [] { return kept("asked again"); }).value,
+                  Value(outcome.keep ? "text" : "asked again"));
     }
 }
 
 TEST(TranslationCache, AnotherThreadAsksWhenAskingThrew) {
     TranslationCache cache;
     OpenQuestion first(cache, []() -> Answer { throw std::runtime_error("no memory"); });
-    Waiting others(cache, 3);
-    EXPECT_EQ(first.answer().result.text().view(), "no memory");
-    for (const Translation& answer : others.join())
-        EXPECT_EQ(answer.value.get_string(), "asked again");
-    EXPECT_EQ(others.asked, 1);
+    auto others = askOnThreads(cache, 3);
+    EXPECT_THROW(first.answer(), std::runtime_error);
+    for (auto& other : others)
+        EXPECT_EQ(other.get().value, Value("asked 1"));
 }
 
 TEST(TranslationCache, WhatWasAskedForBeforeClearIsNotKeptAfterIt) {
@@ -189,11 +162,10 @@ TEST(TranslationCache, WhatWasAskedForBeforeClearIsNotKeptAfterIt) {
     OpenQuestion before(cache, [] { return kept("old"); });
     cache.clear();
     OpenQuestion after(cache, [] { return kept("new"); });
-    EXPECT_EQ(before.answer().value.get_string(), "old");
-    Waiting others(cache, 1);
-    EXPECT_EQ(after.answer().value.get_string(), "new");
-    EXPECT_EQ(others.join().front().value.get_string(), "new");
-    EXPECT_EQ(others.asked, 0);
+    EXPECT_EQ(before.answer().value, Value("old"));
+    auto others = askOnThreads(cache, 1);
+    EXPECT_EQ(after.answer().value, Value("new"));
+    EXPECT_EQ(others.front().get().value, Value("new"));
 }
 
 }  // namespace

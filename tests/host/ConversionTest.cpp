@@ -1,3 +1,4 @@
+// Of numbers and times.
 #include <cmath>
 #include <limits>
 
@@ -14,7 +15,7 @@ constexpr long long lowest = std::numeric_limits<long long>::min();
 constexpr long long highest = std::numeric_limits<long long>::max();
 constexpr unsigned long long highestUnsigned = std::numeric_limits<unsigned long long>::max();
 
-TEST(ValueConversionTest, NumbersTruncateAndSaturateAndOthersAreZero) {
+TEST(Conversion, NumbersTruncateAndSaturateAndOthersAreZero) {
     const struct {
         Value value;
         int asInt;
@@ -39,6 +40,27 @@ TEST(ValueConversionTest, NumbersTruncateAndSaturateAndOthersAreZero) {
         EXPECT_EQ(static_cast<long long>(value), asLong);
         EXPECT_EQ(static_cast<unsigned long long>(value), asUnsigned);
     }
+}
+
+TEST(Conversion, TimesSaturate) {
+    const long long cases[][3] = {
+        // file time, nanoseconds, file time again
+        {116'444'736'000'000'001, 100, 116'444'736'000'000'001},
+        {116'444'735'999'999'999, -100, 116'444'735'999'999'999},
+        {1, lowest, 24'211'015'631'452'241},
+        {208'678'456'368'547'758, 9'223'372'036'854'775'800, 208'678'456'368'547'758},
+        {208'678'456'368'547'759, highest, 208'678'456'368'547'758},
+    };
+    for (const auto& [fileTime, nanoseconds, back] : cases) {
+        const Timestamp time = Timestamp::from_file_time(fileTime);
+        EXPECT_EQ(time.nanoseconds(), nanoseconds) << fileTime;
+        EXPECT_EQ(time.to_file_time(), back) << fileTime;
+    }
+    EXPECT_EQ(Timestamp(-1).to_file_time(), 116'444'735'999'999'999);
+    EXPECT_EQ(Timestamp::from_milliseconds(9'223'372'036'854).nanoseconds(),
+              9'223'372'036'854'000'000);
+    EXPECT_EQ(Timestamp::from_milliseconds(9'223'372'036'855).nanoseconds(), highest);
+    EXPECT_EQ(Timespan::from_milliseconds(-9'223'372'036'855).nanoseconds(), lowest);
 }
 
 }  // namespace

@@ -1,0 +1,34 @@
+#include "server/Backend.h"
+
+#include <utility>
+
+namespace hmi {
+
+Backend::Backend(const std::filesystem::path& configurationFile, ZrHmiSrv::Context given,
+                 IChangeSink& sink, Metrics& metrics)
+    : context(std::move(given)),
+      configuration(configurationFile),
+      events(sink),
+      log(sink),
+      refresher(events, calls, metrics),
+      host({events, log, configuration, listeners, metrics, [this] { refresher.request(); }}) {}
+
+void Backend::start(const std::filesystem::path& extensionFile) {
+    extension = std::make_unique<ExtensionLibrary>(extensionFile, host);
+    try {
+        extension->init(context);
+    } catch (...) {
+        listeners.clear();
+        throw;
+    }
+    refresher.start();
+}
+
+void Backend::stop() {
+    refresher.stop();
+    calls.shutdown();
+    listeners.clear();
+    extension.reset();
+}
+
+}  // namespace hmi
