@@ -3,9 +3,9 @@
 # the Debian source package that belongs to the installed headers. The package's index and archive
 # stay in FOLDER too and are removed at the end; the machine's own package lists are not touched.
 set -eu
-rm -rf "$1/work"
-mkdir -p "$1/work/sources" "$1/work/lists/partial"
-cd "$1/work"
+rm -rf "$1/package"
+mkdir -p "$1/package/sources" "$1/package/lists/partial"
+cd "$1/package"
 
 # The machine's own mirrors, asked for sources instead of binaries.
 for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list /etc/apt/sources.list.d/*.sources; do
@@ -23,4 +23,4 @@ apt source --download-only --only-source boost1.81
 
 tar -xJf boost1.81_*.orig.tar.xz --strip-components=4 -C "$1" --wildcards \
     '*/libs/thread/src/future.cpp' '*/libs/thread/src/win32/*.cpp'
-rm -r "$1/work"
+rm -r "$1/package"

@@ -1,7 +1,10 @@
 #include "server/api/EventSearch.h"
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
+#include <set>
+#include <string>
 
 #include "server/http/Response.h"
 #include "server/json/Utf8.h"
@@ -72,41 +75,62 @@ EventSearch::EventSearch(const Query& query) {
     limit = static_cast<std::size_t>(std::min(query.number("limit", defaultLimit), maxLimit));
 }
 
+/// The texts of one search. A target system that keeps us waiting in vain is not asked again, so
+/// that one whose runtime hangs costs one time-out, not one for each of its events.
+class EventSearch::Texts {
+public:
+    Texts(ExtensionCalls& extension, const std::string& locale)
+        : extension(extension), locale(locale) {}
+
+    EventTexts of(const EventRecord& event) {
+        if (locale.empty())
+            return {};
+        if (hanging.contains(event.target))
+            return none;
+        const auto start = std::chrono::steady_clock::now();
+        auto texts = extension.localize(event, locale);
+        if (texts && texts->result == ErrorValue::success)
+            return std::move(*texts);
+        if (std::chrono::steady_clock::now() - start > patience)
+            hanging.insert(event.target);
+        return none;
+    }
+
+private:
+    static constexpr std::chrono::milliseconds patience{500};
+
+    ExtensionCalls& extension;
+    const std::string& locale;
+    const EventTexts none{ErrorValue::request_failed, {}, {}};
+    std::set<std::string> hanging;
+};
+
 EventSearch::Result EventSearch::run(const EventBook& book, ExtensionCalls& extension) const {
-    return text.empty() ? page(book, extension) : searchText(book, extension);
+    Texts texts(extension, locale);
+    return text.empty() ? page(book, texts) : searchText(book, texts);
 }
 
-EventSearch::Result EventSearch::page(const EventBook& book, ExtensionCalls& extension) const {
+EventSearch::Result EventSearch::page(const EventBook& book, Texts& texts) const {
     EventPage selected = book.select(filter, offset, limit);
     Result result{selected.total, {}};
     result.hits.reserve(selected.events.size());
     for (EventRecordPtr& event : selected.events) {
-        EventTexts texts = localize(*event, extension);
-        result.hits.push_back({std::move(event), std::move(texts)});
+        EventTexts found = texts.of(*event);
+        result.hits.push_back({std::move(event), std::move(found)});
     }
     return result;
 }
 
-EventSearch::Result EventSearch::searchText(const EventBook& book,
-                                            ExtensionCalls& extension) const {
+EventSearch::Result EventSearch::searchText(const EventBook& book, Texts& texts) const {
     Result result;
     for (EventRecordPtr& event : book.select(filter, 0, unlimited).events) {
-        EventTexts texts = localize(*event, extension);
-        if (!containsText(*event, text) && !contains(texts.text.view(), text))
+        EventTexts found = texts.of(*event);
+        if (!containsText(*event, text) && !contains(found.text.view(), text))
             continue;
         if (result.total++ >= offset && result.hits.size() < limit)
-            result.hits.push_back({std::move(event), std::move(texts)});
+            result.hits.push_back({std::move(event), std::move(found)});
     }
     return result;
-}
-
-EventTexts EventSearch::localize(const EventRecord& event, ExtensionCalls& extension) const {
-    if (locale.empty())
-        return {};
-    auto texts = extension.localize(event, locale);
-    if (!texts || texts->result != ErrorValue::success)
-        return {ErrorValue::request_failed, {}, {}};
-    return std::move(*texts);
 }
 
 }  // namespace hmi

@@ -30,9 +30,10 @@ public:
     Result run(const EventBook& book, ExtensionCalls& extension) const;
 
 private:
-    Result page(const EventBook& book, ExtensionCalls& extension) const;
-    Result searchText(const EventBook& book, ExtensionCalls& extension) const;
-    EventTexts localize(const EventRecord& event, ExtensionCalls& extension) const;
+    class Texts;
+
+    Result page(const EventBook& book, Texts& texts) const;
+    Result searchText(const EventBook& book, Texts& texts) const;
 
     EventFilter filter;
     std::string text;    ///< in small letters; empty: any

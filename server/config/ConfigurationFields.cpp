@@ -63,6 +63,16 @@ Fault findFieldFault(const json::value& configuration) {
     return std::nullopt;
 }
 
+std::optional<std::string> findTimeoutFault(const json::value& configuration) {
+    const json::value* const timeout = configuration.get_object().if_contains("TIMEOUT");
+    if (timeout && timeout->is_string()) {
+        const auto span = parseIsoDuration(timeout->get_string());
+        if (span && span->milliseconds() > 0)
+            return std::nullopt;
+    }
+    return "TIMEOUT: not a duration such as \"PT5S\"";
+}
+
 ZrHmiSrv::Value configurationValue(const json::value& configuration) {
     if (configuration.get_object().empty())
         return {};

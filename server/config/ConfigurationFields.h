@@ -14,6 +14,9 @@ namespace hmi {
 /// is the time-out.
 std::optional<std::string> findFieldFault(const boost::json::value& configuration);
 
+/// Why no target system could use the time-out of a configuration, for people.
+std::optional<std::string> findTimeoutFault(const boost::json::value& configuration);
+
 /// The whole configuration as the extension reads it; no value when it is empty.
 ZrHmiSrv::Value configurationValue(const boost::json::value& configuration);
 

@@ -78,6 +78,11 @@ ResultPair ConfigurationStore::change(const ConfigurationPath& path,
         if (const auto fault = findFieldFault(next.document))
             throw ConfigurationError(*fault);
     }
+    // The extension would not start with it the next time.
+    if (path.depth() > 0 && path.name(0) == "TIMEOUT") {
+        if (const auto fault = findTimeoutFault(next.document))
+            throw ConfigurationError(*fault);
+    }
     next.value = configurationValue(next.document);
     ReplacementFile replacement(file, prettyJson(next.document));
     {

@@ -26,11 +26,13 @@ std::string describe(const ZrHmiSrv::ResultPair& result) {
 ExtensionLibrary::ExtensionLibrary(const std::filesystem::path& file,
                                    ZrHmiSrv::IZrHmiSrvExtHost& host)
     : library(std::make_unique<Library>()) {
+    if (!std::filesystem::exists(file))
+        throw StartError(file.string() + ": no such file");
     boost::dll::fs::error_code error;
     // Absolute, because the loader would look for a bare name elsewhere.
     library->file.load(std::filesystem::absolute(file), error);
     if (error)
-        throw StartError(file.string() + ": cannot be loaded: " + error.message());
+        throw StartError(file.string() + ": cannot be loaded as a library: " + error.message());
     keepLoaded(library->file);
     if (!library->file.has("ext_interface"))
         throw StartError(file.string() + ": no extension, it does not export ext_interface");

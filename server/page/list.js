@@ -19,7 +19,11 @@ function createRow(handlers) {
     confirm: action.firstElementChild,
   };
   parts.open.addEventListener("click", () => handlers.open(parts.event));
-  parts.confirm.addEventListener("click", () => handlers.confirm(parts.event));
+  parts.confirm.addEventListener("click", async () => {
+    parts.confirm.disabled = true;
+    await handlers.confirm(parts.event);
+    parts.confirm.disabled = false;
+  });
   return parts;
 }
 

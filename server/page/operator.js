@@ -125,12 +125,11 @@ async function select(event) {
 async function confirm(event) {
   try {
     const answer = await api.confirm(event.id);
-    if (answer.result !== 0)
-      notify(`${label("confirmFailed")}: ${answer.text || answer.result}`);
+    notify(answer.result === 0 ? "" : `${label("confirmFailed")}: ${answer.text || answer.result}`);
+    reload();
   } catch (error) {
     notify(`${label("confirmFailed")}: ${error.message}`);
   }
-  reload();
 }
 
 // ---- target systems

@@ -8,13 +8,14 @@
 
 #include "events/ProxyValue.h"
 #include "platform/Mutex.h"
-#include "platform/Text.h"
 #include "target/proxy/CAtlException.h"
 #include "target/proxy/Guid.h"
+#include "target/proxy/ReceiveText.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;
 using ZrAtlCom::guidText;
+using ZrAtlCom::receiveText;
 using ZrHmiSrv::Binary;
 using ZrHmiSrv::Text;
 using ZrHmiSrv::Value;
@@ -39,13 +40,6 @@ namespace {
 
 constexpr std::int64_t maxArgumentBlock = 16 * 1024 * 1024;
 constexpr std::size_t parameterCount = 10;
-
-template <class Object, class Owner>
-Text readText(Object& object, HRESULT (STDMETHODCALLTYPE Owner::*getter)(BSTR*)) {
-    ScopedBstr text;
-    check((object.*getter)(text.put()));
-    return Text(text.utf8());
-}
 
 /// Events of a plant have few classes: those that were met lately share their text. Any thread; for
 /// all threads in common, because not every compiler for Windows destroys what belongs to a thread
@@ -151,13 +145,13 @@ Value parametersOf(Source& source, const Text& targetName) {
         parameters.insert(keys::sourceId,
                           static_cast<double>(readValue(source, &IZrEvent::get_SourceId)));
     if (hasSource(source, SourceAttribute::name))
-        parameters.insert(keys::sourceName, readText(source, &IZrEvent::get_SourceName));
+        parameters.insert(keys::sourceName, Text(receiveText(&IZrEvent::get_SourceName, source)));
     if (hasSource(source, SourceAttribute::guid))
         parameters.insert(keys::sourceGuid,
                           Text(guidText(readValue(source, &IZrEvent::get_SourceGuid))));
     if (const auto json = attributeInterface<IZrJsonAttribute>(source))
         parameters.insert(keys::jsonAttribute,
-                          readText(*json, &IZrJsonAttribute::get_JsonAttribute));
+                          Text(receiveText(&IZrJsonAttribute::get_JsonAttribute, *json)));
     addArguments(parameters, source);
     return parameters;
 }

@@ -13,13 +13,6 @@ namespace ZrHmiEventLogger {
 
 namespace {
 
-template <class Item, class Visit>
-void forEach(IZrCollection<Item>& collection, Visit visit) {
-    const ULONG count = readValue(collection, &IZrCollection<Item>::get_Count);
-    for (ULONG index = 0; index < count; ++index)
-        visit(receiveObject<Item>([&](Item** item) { return collection.get_Item(index, item); }));
-}
-
 bool isStillActive(const ComPtr<IZrLoggedEvent>& item) {
     const auto extended = optionalInterface<IZrLoggedEvent2>(*item);
     return extended && readValue(*item, &IZrLoggedEvent::get_EventType) == LoggedEventType::alarm &&
@@ -35,8 +28,8 @@ void ImportSnapshot::fetch(Logger& logger) {
         });
     const auto alarms = receiveObject<IZrAlarmCollection>(
         [&](IZrAlarmCollection** collection) { return logger.GetActiveAlarms(collection); });
-    forEach<IZrLoggedEvent>(*loggedEvents, [&](auto item) { takeLogged(std::move(item)); });
-    forEach<IZrAlarm>(*alarms, [&](auto alarm) { takeActive(std::move(alarm)); });
+    forEachItem<IZrLoggedEvent>(*loggedEvents, [&](auto item) { takeLogged(std::move(item)); });
+    forEachItem<IZrAlarm>(*alarms, [&](auto alarm) { takeActive(std::move(alarm)); });
     keepIds();
     convertActive();
     build();

@@ -3,6 +3,7 @@
 #include "host/Time.h"
 #include "target/proxy/CAtlException.h"
 #include "target/proxy/ComPtr.h"
+#include "target/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
 
@@ -23,6 +24,15 @@ ZrAtlCom::ComPtr<Object> receiveObject(Call call) {
     ZrAtlCom::check(call(object.put()));
     ZrAtlCom::check(object ? S_OK : E_POINTER);
     return object;
+}
+
+/// Hands each item of a collection to `visit`, in a ComPtr. Throws when an item cannot be had.
+template <class Item, class Visit>
+void forEachItem(ZrEventLoggerFnxProxyLib::IZrCollection<Item>& collection, Visit visit) {
+    using Collection = ZrEventLoggerFnxProxyLib::IZrCollection<Item>;
+    const ULONG count = readValue(collection, &Collection::get_Count);
+    for (ULONG index = 0; index < count; ++index)
+        visit(receiveObject<Item>([&](Item** item) { return collection.get_Item(index, item); }));
 }
 
 /// The interface of an object that need not have it, without which the object would be taken for

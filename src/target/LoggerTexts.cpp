@@ -35,23 +35,16 @@ ULONG sizeOf(const Binary& binary) {
     return static_cast<ULONG>(binary.size());
 }
 
-template <class Item, class Collection, class Visit>
-void forEach(Collection& collection, Visit visit) {
-    const ULONG count = readValue(collection, &Collection::get_Count);
-    for (ULONG index = 0; index < count; ++index)
-        visit(*receiveObject<Item>([&](Item** item) { return collection.get_Item(index, item); }));
-}
-
 Value readCauseRemedy(IZrEventLogger4& logger, const EventReference& event, LCID language) {
     const auto entries = receiveObject<IZrCauseRemedyCollection>([&](auto** collection) {
         return logger.GetCauseRemedy(event.eventClass, event.eventId, language, collection);
     });
     Value list(ValueType::vector);
-    forEach<IZrCauseRemedy>(*entries, [&list](IZrCauseRemedy& item) {
+    forEachItem<IZrCauseRemedy>(*entries, [&list](const auto& item) {
         Value entry(ValueType::structure);
-        entry.insert(idKey, receiveText(&IZrCauseRemedy::get_Id, item));
-        entry.insert(causeKey, receiveText(&IZrCauseRemedy::get_Cause, item));
-        entry.insert(remedyKey, receiveText(&IZrCauseRemedy::get_Remedy, item));
+        entry.insert(idKey, receiveText(&IZrCauseRemedy::get_Id, *item));
+        entry.insert(causeKey, receiveText(&IZrCauseRemedy::get_Cause, *item));
+        entry.insert(remedyKey, receiveText(&IZrCauseRemedy::get_Remedy, *item));
         list << std::move(entry);
     });
     return list;
@@ -62,11 +55,11 @@ Value readDetails(IZrEventLogger4& logger, const EventReference& event, LCID lan
         return logger.GetDetails(event.eventClass, event.eventId, language, collection);
     });
     Value map(ValueType::structure);
-    forEach<IZrDetail>(*details, [&map](IZrDetail& item) {
+    forEachItem<IZrDetail>(*details, [&map](const auto& item) {
         Value entry(ValueType::structure);
-        entry.insert(textKey, receiveText(&IZrDetail::get_Text, item));
-        entry.insert(commentKey, receiveText(&IZrDetail::get_Comment, item));
-        map.insert_or_update(Text(receiveText(&IZrDetail::get_Key, item)), std::move(entry));
+        entry.insert(textKey, receiveText(&IZrDetail::get_Text, *item));
+        entry.insert(commentKey, receiveText(&IZrDetail::get_Comment, *item));
+        map.insert_or_update(Text(receiveText(&IZrDetail::get_Key, *item)), std::move(entry));
     });
     return map;
 }

@@ -5,11 +5,12 @@
 #include <sstream>
 
 #include "events/ProxyValue.h"
-#include "platform/Text.h"
+#include "target/proxy/ReceiveText.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;
 using ZrAtlCom::ComPtr;
+using ZrAtlCom::receiveText;
 using ZrHmiEventLogger::readValue;
 using ZrHmiSrv::Alarm;
 using ZrHmiSrv::AlarmConfirmationState;
@@ -72,13 +73,6 @@ Timestamp toTimestamp(FILETIME time) {
     return Timestamp::from_file_time(static_cast<long long>(ticks));
 }
 
-template <class Object, class Owner>
-std::string readText(Object& object, HRESULT (STDMETHODCALLTYPE Owner::*getter)(BSTR*)) {
-    ScopedBstr text;
-    check((object.*getter)(text.put()));
-    return text.utf8();
-}
-
 template <class ProxyEvent>
 Fields fieldsOf(const char* kind, ProxyEvent& event) {
     const ComPtr<ProxyEvent> object(&event);
@@ -89,8 +83,8 @@ Fields fieldsOf(const char* kind, ProxyEvent& event) {
     check(event.HasSource(SourceAttribute::name, &named));
     return {kind,
             readValue(event, &IZrEvent::get_EventId),
-            named ? readText(event, &IZrEvent::get_SourceName) : "-",
-            json ? readText(*json, &IZrJsonAttribute::get_JsonAttribute) : "-",
+            named ? receiveText(&IZrEvent::get_SourceName, event) : "-",
+            json ? receiveText(&IZrJsonAttribute::get_JsonAttribute, *json) : "-",
             layout.count,
             toTimestamp(readValue(event, &IZrEvent::get_TimeRaised)),
             {},

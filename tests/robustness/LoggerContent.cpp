@@ -6,19 +6,13 @@
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;
 using ZrAtlCom::ComPtr;
+using ZrHmiEventLogger::forEachItem;
 using ZrHmiEventLogger::readValue;
 using ZrHmiEventLogger::receiveObject;
 
 namespace bridge_test {
 
 namespace {
-
-template <class Item, class Visit>
-void forEach(IZrCollection<Item>& collection, Visit visit) {
-    const ULONG count = readValue(collection, &IZrCollection<Item>::get_Count);
-    for (ULONG i = 0; i < count; ++i)
-        visit(receiveObject<Item>([&](Item** item) { return collection.get_Item(i, item); }));
-}
 
 bool isActive(const ComPtr<IZrLoggedEvent>& event) {
     return readValue(*event.query<IZrLoggedEvent2>(), &IZrLoggedEvent2::get_IsActive) ==
@@ -37,13 +31,13 @@ LoggerContent readLogger(CreateInstanceFunction& createInstance, const char* net
     LoggerContent content;
     const auto logged = receiveObject<IZrLoggedEventCollection>(
         [&](IZrLoggedEventCollection** events) { return logger->GetLoggedEvents(limit, events); });
-    forEach<IZrLoggedEvent>(*logged, [&](const auto& event) {
+    forEachItem<IZrLoggedEvent>(*logged, [&](const auto& event) {
         if (!isActive(event))
             content.events.insert(imageOf(*event));
     });
     const auto alarms = receiveObject<IZrAlarmCollection>(
         [&](IZrAlarmCollection** active) { return logger->GetActiveAlarms(active); });
-    forEach<IZrAlarm>(*alarms, [&](const auto& alarm) {
+    forEachItem<IZrAlarm>(*alarms, [&](const auto& alarm) {
         content.events.insert(imageOf(*alarm));
         ++content.active;
     });
