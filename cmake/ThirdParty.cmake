@@ -10,7 +10,8 @@ endif()
 add_library(bridge_boost INTERFACE)
 target_link_libraries(bridge_boost INTERFACE Boost::headers Threads::Threads)
 target_compile_definitions(bridge_boost INTERFACE
-    BOOST_ALL_NO_LIB BOOST_ASIO_NO_DEPRECATED BOOST_BEAST_USE_STD_STRING_VIEW BOOST_DLL_USE_STD_FS)
+    BOOST_ALL_NO_LIB BOOST_ASIO_NO_DEPRECATED BOOST_BEAST_USE_STD_STRING_VIEW BOOST_DLL_USE_STD_FS
+    BOOST_DISABLE_PRAGMA_MESSAGE)
 add_library(bridge_boost_thread INTERFACE)
 target_link_libraries(bridge_boost_thread INTERFACE bridge_boost Boost::thread)
 

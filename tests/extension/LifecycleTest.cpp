@@ -3,12 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include "extension/LoadedExtension.h"
 #include "localization/LocalizableItem.h"
-#include "support/RecordingHost.h"
 #include "support/Simulation.h"
-
-extern "C" int ext_interface(ZrHmiSrv::IZrHmiSrvExtHost* host, ZrHmiSrv::IZrHmiSrvExt** extension,
-                             double* version);
 
 using namespace bridge_test;
 using namespace ZrHmiSrv;
@@ -20,56 +17,6 @@ using Calls = std::vector<std::string>;
 Value fillerAlone() {
     return RecordingHost::configurationFor({{"Filler", fillerNetId}});
 }
-
-/// The extension as a host has it: created, initialized, asked and shut down through its
-/// interfaces only.
-class LoadedExtension {
-public:
-    explicit LoadedExtension(RecordingHost& host) : host(host) {
-        IZrHmiSrvExt* created = nullptr;
-        double version = 0;
-        ext_interface(&host, &created, &version);
-        EXPECT_EQ(version, 22.0);
-        extension.reset(created);
-    }
-    ~LoadedExtension() { shutdown(); }
-
-    ResultPair init() { return extension->init(context); }
-    /// Nothing when its listener is gone.
-    ResultPair shutdown() {
-        auto* found = listener<IZrHmiSrvShutdownListener>();
-        return found ? found->shutdown(context) : ResultPair();
-    }
-    ResultPair confirm(const Alarm& alarm) {
-        return listener<IZrHmiSrvAlarmProviderListener>()->confirm_alarm(context, alarm);
-    }
-    Command command(const char* name, Value input = {}) {
-        CommandGroup group({Command(name, name, std::move(input))});
-        listener<IZrHmiSrvRequestListener>()->handle(context, group);
-        return *group.begin_vector();
-    }
-    /// An entry of a target system's "Diagnostics".
-    std::string diagnostics(const char* target, const char* entry) {
-        const Value targets = command("Diagnostics").read_value().get_map().get("TARGET_SYSTEMS");
-        return targets.get_map().get(target).get_map().get(entry).get_string();
-    }
-    template <class Listener>
-    Listener* listener() {
-        Listener* found = nullptr;
-        host.look([&] {
-            for (const auto& [type, registered] : host.listeners)
-                if (auto* fitting = dynamic_cast<Listener*>(registered))
-                    found = fitting;
-        });
-        return found;
-    }
-
-    const Context context{"TestDomain"};
-    std::unique_ptr<IZrHmiSrvExt> extension;
-
-private:
-    RecordingHost& host;
-};
 
 TEST(Lifecycle, BeginsWithBothPlacesForItsResultsOnly) {
     RecordingHost host;

@@ -83,10 +83,16 @@ ResultPair RecordingHost::drop_event(const Context&, Event event) {
     return note("drop message");
 }
 
-ResultPair RecordingHost::read_configuration(Value& result, const Context&, const char* name) {
-    const Value* found = *name ? configuration.lookup(name) : &configuration;
+ResultPair RecordingHost::read_configuration(Value& result, const Context&, const char* path) {
+    std::lock_guard lock(mutex);
+    const Value* found = &configuration;
+    for (std::string_view rest = path; found && !rest.empty();) {
+        const std::size_t end = std::min(rest.find("::"), rest.size());
+        found = found->lookup(std::string(rest.substr(0, end)).c_str());
+        rest.remove_prefix(std::min(end + 2, rest.size()));
+    }
     result = found ? *found : Value();
-    return {};
+    return ErrorValue::success;
 }
 
 void RecordingHost::replace_events(const char* target, std::span<const Event> events) {

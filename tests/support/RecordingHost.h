@@ -71,6 +71,7 @@ public:
     std::map<int, Alarm> alarms;
     std::vector<Message> messages;
     Value listenerSettings;
+    Value configuration;                                    ///< may be changed there
     std::map<ZrHmiSrv::ListenerType, Listener*> listeners;  ///< registered now
 
     std::size_t logged(std::string_view name) const;
@@ -82,7 +83,6 @@ private:
 
     std::mutex mutex;
     std::condition_variable changed;
-    const Value configuration;
 };
 
 }  // namespace bridge_test
