@@ -161,12 +161,14 @@ void printCalls() {
 }
 
 void printLocales() {
-    const char* const names[] = {
-        "de-DE",      "DE-de",      "en-029", "ca-ES-valencia", "de-DE_phoneb", "zh-Hans-HK",
-        "zh-Hant-TW", "kk-Cyrl-KZ", "la-001", "qps-ploc",       "sr-Latn-CS",   "de",
-        "eo",         "az-Latn",    "zh-CHS", "zh-cht",         "ns-ZA",        "tl",
-        "az-az",      "sr-sp",      "en_US",  "sr-Latn_RS",     "zzz",          "xx-YY",
-        "de-",        "de-DE "};
+    const char* const names[] = {"de-DE",        "DE-de",      "en-029",     "ca-ES-valencia",
+                                 "de-DE_phoneb", "zh-Hans-HK", "zh-Hant-TW", "kk-Cyrl-KZ",
+                                 "la-001",       "qps-ploc",   "sr-Latn-CS", "hu-HU_tchncl",
+                                 "de",           "eo",         "az-Latn",    "zh-CHS",
+                                 "zh-cht",       "ns-ZA",      "ns",         "tl",
+                                 "tl-PH",        "az-az",      "sr-sp",      "en_US",
+                                 "sr-Latn_RS",   "zzz",        "xx-YY",      "de-",
+                                 "de-DE "};
     const auto look = [](const char* name, DWORD flags) {
         return hex(static_cast<LONG>(LocaleNameToLCID(toUtf16(name).c_str(), flags)));
     };
