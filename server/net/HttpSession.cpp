@@ -129,14 +129,21 @@ Request HttpSession::takeRequest() {
 
 void HttpSession::serve() {
     stream.expires_never();
-    const auto self = shared_from_this();
-    const auto reply = [self, keepAlive = parser->get().keep_alive()](Response answer) {
+    const auto reply = [self = sharedWithWorkers(),
+                        keepAlive = parser->get().keep_alive()](Response answer) {
         asio::post(self->stream.get_executor(),
                    [self, keepAlive, answer = std::move(answer)]() mutable {
                        self->send(std::move(answer), keepAlive);
                    });
     };
     context->dispatcher.dispatch(takeRequest(), std::string(parser->get().target()), reply);
+}
+
+std::shared_ptr<HttpSession> HttpSession::sharedWithWorkers() {
+    return {this, [session = shared_from_this()](HttpSession*) mutable {
+                const auto executor = session->stream.get_executor();
+                asio::post(executor, [last = std::move(session)] {});
+            }};
 }
 
 void HttpSession::follow() {

@@ -45,6 +45,8 @@ private:
     void onBody(Error error);
     void onReadFailed(Error error);
     void serve();
+    /// Whoever lets go last, on whatever thread, the session ends on its own.
+    std::shared_ptr<HttpSession> sharedWithWorkers();
     void follow();
     Request takeRequest();
     void send(Response response, bool keepAlive);

@@ -60,7 +60,7 @@ private:
         Text text;
     };
 
-    Mutex mutex;
+    Mutex mutex;  ///< guards the texts, for one look at a time
     std::array<Known, 16> lately GUARDED_BY(mutex);
 };
 

@@ -29,8 +29,11 @@ HRESULT LoggerConnection::create() {
 }
 
 void LoggerConnection::setTimeout(ULONG milliseconds) {
-    if (const auto settings = optionalInterface<IZrLoggerSettings>(*logger))
-        check(settings->put_Timeout(milliseconds));
+    const auto settings = receiveObject<IZrLoggerSettings>([&](IZrLoggerSettings** found) {
+        return logger->QueryInterface(InterfaceId<IZrLoggerSettings>::value(),
+                                      reinterpret_cast<void**>(found));
+    });
+    check(settings->put_Timeout(milliseconds));
 }
 
 bool LoggerConnection::reportsConnected() const {

@@ -194,7 +194,8 @@ HRESULT TargetSystem::RequestReconnect() {
     try {
         return ZrAtlCom::check(connection.get()->Disconnect());
     } catch (...) {
-        reportFailure();
+        if (!retired)
+            logging.reportCommunicationError(name());
         return E_FAIL;
     }
 }

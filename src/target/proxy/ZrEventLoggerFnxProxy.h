@@ -191,7 +191,8 @@ ZR_INTERFACE_ID(IZrEventArguments, 0x20C6E3C7, 0x253F, 0x479B,
                 {0x9E, 0x61, 0x4A, 0x09, 0x85, 0x3C, 0x51, 0xBD})
 
 /// Optional, of alarms and logged events: tells apart two instances of one alarm that were
-/// raised in the same controller cycle and so bear the same time.
+/// raised in the same controller cycle and so bear the same time. An alarm keeps its id as long as
+/// it lives, also when it is raised again; no other live alarm of its class has it.
 struct IZrEventInstance : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE get_InstanceId(ULONG* id) = 0;  // 3
 
