@@ -148,6 +148,8 @@ const char* const Harness::expectedTexts =
     "Temperatur 7 zu hoch, Maschine, Pump off, Start it, Detail, More";
 
 std::string Harness::localize(const Alarm& alarm) {
+    if (!alarm.isset())
+        return {};
     const EventLocalizer localizer(
         [this](std::string_view) { return std::shared_ptr<TextLookup>(target, &target->texts()); });
     LocalizableItem item(alarm.payload());

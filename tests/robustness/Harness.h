@@ -53,7 +53,8 @@ public:
 
     /// The alarm of this name as the host shows it; not set when it does not.
     ZrHmiSrv::Alarm shown(const char* name);
-    /// The texts of an alarm of event 1 in the language of a client; empty when the look-up fails.
+    /// The texts of an alarm of event 1 in the language of a client; empty when there is no alarm
+    /// or the look-up fails.
     std::string localize(const ZrHmiSrv::Alarm& alarm);
     static const char* const expectedTexts;
 
