@@ -1,24 +1,14 @@
 #pragma once
 
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "tests/events/FakeEvent.h"
 
 /// A proxy alarm that counts its references and does nothing else.
-class InertAlarm final : public ZrEventLoggerFnxProxyLib::IZrAlarm {
+class InertAlarm final : public bridge_test::FakeObject<ZrEventLoggerFnxProxyLib::IZrAlarm> {
 public:
     ULONG references = 0;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
     ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
     ULONG STDMETHODCALLTYPE Release() override { return --references; }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                     UINT*) override {
-        return E_NOTIMPL;
-    }
     HRESULT STDMETHODCALLTYPE get_EventClass(GUID*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE get_EventId(ULONG*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE get_Severity(ULONG*) override { return E_NOTIMPL; }
