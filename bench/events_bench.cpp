@@ -16,7 +16,7 @@
 #include "events/Conversion.h"
 #include "events/LoggedEventImport.h"
 #include "events/ProxyValue.h"
-#include "target/TargetSystemPlatformSpecific.h"
+#include "targetsystem/TargetSystemPlatformSpecific.h"
 #include "tests/events/FakeLogger.h"
 
 namespace {

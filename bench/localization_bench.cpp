@@ -14,9 +14,9 @@
 #include "events/EventContext.h"
 #include "localization/EventLocalizer.h"
 #include "simulator/Control.h"
-#include "target/LoggerConnection.h"
-#include "target/TextLookup.h"
-#include "target/proxy/Guid.h"
+#include "targetsystem/LoggerConnection.h"
+#include "targetsystem/TextLookup.h"
+#include "targetsystem/proxy/Guid.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 /// Any thread, but loading and shutting down wait for running notifications.
 #pragma once
 
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 extern "C" {
 /// Replaces all runtimes by those of a plant file's text and starts their timelines. The error

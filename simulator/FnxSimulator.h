@@ -1,6 +1,6 @@
 /// The stand-in of the device-protocol library has one thing to set: the local address.
 #pragma once
 
-#include "target/proxy/ZrFnxDll.h"
+#include "targetsystem/proxy/ZrFnxDll.h"
 
 extern "C" ZR_FNX_API void ZrFnxSimulatorSetLocalNetId(const FnxNetId* netId);

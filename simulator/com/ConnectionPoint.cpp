@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "simulator/com/Logger.h"
-#include "target/proxy/ComPtr.h"
+#include "targetsystem/proxy/ComPtr.h"
 
 namespace ZrSimulator {
 

@@ -3,7 +3,7 @@
 #include <atomic>
 
 #include "simulator/com/RuntimeObject.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrSimulator {
 

@@ -4,7 +4,7 @@
 
 #include "simulator/com/RuntimeObject.h"
 #include "simulator/plant/EventCatalog.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrSimulator {
 

@@ -4,7 +4,7 @@
 #include "simulator/com/ComObject.h"
 #include "simulator/com/ConnectionPoint.h"
 #include "simulator/com/LoggerLink.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrSimulator {
 

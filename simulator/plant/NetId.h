@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-#include "target/proxy/ZrFnxDll.h"
+#include "targetsystem/proxy/ZrFnxDll.h"
 
 namespace ZrSimulator {
 

@@ -4,7 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrSimulator {
 

@@ -7,7 +7,7 @@
 
 #include "platform/Mutex.h"
 #include "simulator/runtime/Notification.h"
-#include "target/proxy/ComPtr.h"
+#include "targetsystem/proxy/ComPtr.h"
 
 namespace ZrSimulator {
 

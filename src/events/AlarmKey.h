@@ -8,7 +8,7 @@
 
 #include "events/ProxyValue.h"
 #include "host/Time.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "host/Event.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
 

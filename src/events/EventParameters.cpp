@@ -8,9 +8,9 @@
 
 #include "events/ProxyValue.h"
 #include "platform/Mutex.h"
-#include "target/proxy/CAtlException.h"
-#include "target/proxy/Guid.h"
-#include "target/proxy/ReceiveText.h"
+#include "targetsystem/proxy/CAtlException.h"
+#include "targetsystem/proxy/Guid.h"
+#include "targetsystem/proxy/ReceiveText.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;

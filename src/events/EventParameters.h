@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/Value.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
 

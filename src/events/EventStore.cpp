@@ -1,7 +1,7 @@
 #include "events/EventStore.h"
 
 #include "events/DiagnosticMessage.h"
-#include "target/proxy/CAtlException.h"
+#include "targetsystem/proxy/CAtlException.h"
 
 using ZrHmiSrv::Event;
 

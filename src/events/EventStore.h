@@ -13,7 +13,7 @@
 #include "events/LimitedEventContainer.h"
 #include "events/ScopedEventPointer.h"
 #include "platform/Mutex.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
 

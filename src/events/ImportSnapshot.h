@@ -9,8 +9,8 @@
 #include "events/EventContext.h"
 #include "events/EventStore.h"
 #include "events/ImportedIdentities.h"
-#include "target/proxy/ComPtr.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ComPtr.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "host/Time.h"
-#include "target/proxy/CAtlException.h"
-#include "target/proxy/ComPtr.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/CAtlException.h"
+#include "targetsystem/proxy/ComPtr.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
 

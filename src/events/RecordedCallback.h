@@ -1,8 +1,8 @@
 #pragma once
 
 #include "events/NotificationKind.h"
-#include "target/proxy/ComPtr.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ComPtr.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "target/proxy/ComPtr.h"
+#include "targetsystem/proxy/ComPtr.h"
 
 namespace ZrHmiEventLogger {
 

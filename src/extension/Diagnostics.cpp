@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "target/proxy/ErrorText.h"
+#include "targetsystem/proxy/ErrorText.h"
 
 using ZrHmiSrv::Value;
 using ZrHmiSrv::ValueType;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/Value.h"
-#include "target/TargetSystem.h"
+#include "targetsystem/TargetSystem.h"
 
 namespace ZrHmiEventLogger {
 

@@ -2,7 +2,7 @@
 #include <utility>
 
 #include "extension/ZrHmiEventLogger.h"
-#include "target/TargetSystemPlatformSpecific.h"
+#include "targetsystem/TargetSystemPlatformSpecific.h"
 
 namespace ZrHmiEventLogger {
 

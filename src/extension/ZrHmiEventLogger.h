@@ -13,8 +13,8 @@
 #include "host/IZrHmiSrvExtHost.h"
 #include "host/Threading.h"
 #include "platform/Mutex.h"
-#include "target/FnxHelper.h"
-#include "target/TargetSystem.h"
+#include "targetsystem/FnxHelper.h"
+#include "targetsystem/TargetSystem.h"
 
 namespace ZrHmiEventLogger {
 

@@ -6,8 +6,8 @@
 
 #include "events/EventParameters.h"
 #include "localization/LocaleNames.h"
-#include "target/LoggerTexts.h"
-#include "target/proxy/Guid.h"
+#include "targetsystem/LoggerTexts.h"
+#include "targetsystem/proxy/Guid.h"
 
 using ZrHmiSrv::ErrorValue;
 using ZrHmiSrv::ILocalizable;

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "host/Listeners.h"
-#include "target/TextLookup.h"
+#include "targetsystem/TextLookup.h"
 
 namespace ZrHmiEventLogger {
 

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "target/proxy/CAtlException.h"
+#include "targetsystem/proxy/CAtlException.h"
 #include "tests/events/TargetWorld.h"
 
 namespace {

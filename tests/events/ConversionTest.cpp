@@ -4,7 +4,7 @@
 
 #include "events/Conversion.h"
 #include "events/ProxyValue.h"
-#include "target/proxy/CAtlException.h"
+#include "targetsystem/proxy/CAtlException.h"
 #include "tests/events/FakeEvent.h"
 #include "tests/events/RecordingLogging.h"
 

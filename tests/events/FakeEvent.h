@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/Text.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace bridge_test {
 

@@ -2,7 +2,7 @@
 
 #include "localization/EventLocalizer.h"
 #include "localization/LocalizableItem.h"
-#include "target/ConnectedLookup.h"
+#include "targetsystem/ConnectedLookup.h"
 
 using namespace bridge_test;
 using namespace ZrHmiSrv;

@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "proxy/FakeObject.h"
-#include "target/proxy/CAtlException.h"
-#include "target/proxy/CatchToHresult.h"
-#include "target/proxy/ComPtr.h"
+#include "targetsystem/proxy/CAtlException.h"
+#include "targetsystem/proxy/CatchToHresult.h"
+#include "targetsystem/proxy/ComPtr.h"
 
 namespace {
 

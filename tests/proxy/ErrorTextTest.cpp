@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "proxy/ScriptedErrorMessage.h"
-#include "target/proxy/ErrorTable.h"
-#include "target/proxy/ErrorText.h"
+#include "targetsystem/proxy/ErrorTable.h"
+#include "targetsystem/proxy/ErrorText.h"
 
 namespace {
 

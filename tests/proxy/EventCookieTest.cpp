@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "proxy/FakeObject.h"
-#include "target/proxy/EventCookie.h"
+#include "targetsystem/proxy/EventCookie.h"
 
 namespace {
 

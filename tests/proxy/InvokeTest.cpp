@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/NumberVariant.h"
-#include "target/proxy/IDispEventSimpleImpl.h"
+#include "targetsystem/proxy/IDispEventSimpleImpl.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "robustness/LoggerContent.h"
 #include "support/RecordingHost.h"
-#include "target/TargetSystem.h"
+#include "targetsystem/TargetSystem.h"
 
 namespace bridge_test {
 

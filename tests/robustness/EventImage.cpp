@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "events/ProxyValue.h"
-#include "target/proxy/ReceiveText.h"
+#include "targetsystem/proxy/ReceiveText.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;

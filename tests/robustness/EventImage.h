@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "host/Event.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace bridge_test {
 

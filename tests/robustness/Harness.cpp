@@ -10,7 +10,7 @@
 #include "robustness/Deliveries.h"
 #include "robustness/FaultPlan.h"
 #include "robustness/SimulatedLibrary.h"
-#include "target/TargetSystemPlatformSpecific.h"
+#include "targetsystem/TargetSystemPlatformSpecific.h"
 
 using namespace std::chrono_literals;
 using ZrHmiEventLogger::EventLocalizer;

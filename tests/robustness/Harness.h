@@ -12,7 +12,7 @@
 #include "robustness/ProxyObject.h"
 #include "support/RecordingHost.h"
 #include "support/Simulation.h"
-#include "target/TargetSystem.h"
+#include "targetsystem/TargetSystem.h"
 
 namespace bridge_test {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "robustness/ProxyObject.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace bridge_test {
 

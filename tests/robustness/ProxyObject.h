@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "robustness/PassCall.h"
-#include "target/proxy/ComPtr.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ComPtr.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace bridge_test {
 

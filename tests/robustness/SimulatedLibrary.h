@@ -4,7 +4,7 @@
 
 #include <boost/dll/shared_library.hpp>
 
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace bridge_test {
 

@@ -7,7 +7,7 @@
 #include <boost/algorithm/string/replace.hpp>
 
 #include "platform/Text.h"
-#include "target/proxy/CreateInstance.h"
+#include "targetsystem/proxy/CreateInstance.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::ComPtr;

@@ -9,9 +9,9 @@
 
 #include "platform/Mutex.h"
 #include "support/Simulation.h"
-#include "target/proxy/EventCookie.h"
-#include "target/proxy/IDispEventSimpleImpl.h"
-#include "target/proxy/ZrEventLoggerFnxProxy.h"
+#include "targetsystem/proxy/EventCookie.h"
+#include "targetsystem/proxy/IDispEventSimpleImpl.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 constexpr HRESULT protocolError(std::uint32_t code) {
     return static_cast<HRESULT>(0x98110000u + code);

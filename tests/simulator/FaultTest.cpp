@@ -2,7 +2,7 @@
 
 #include "simulator/Client.h"
 #include "simulator/Control.h"
-#include "target/proxy/CreateInstance.h"
+#include "targetsystem/proxy/CreateInstance.h"
 
 using bridge_test::packerNetId;
 using namespace ZrEventLoggerFnxProxyLib;

@@ -1,0 +1,25 @@
+/// What a logger says of an event in a language. Failures are ZrAtlCom::CAtlException.
+#pragma once
+
+#include "targetsystem/EventReference.h"
+#include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
+
+namespace ZrHmiEventLogger {
+
+using ZrEventLoggerFnxProxyLib::IZrEventLogger4;
+
+ZrHmiSrv::Value readEventText(IZrEventLogger4& logger, const EventReference& event, LCID language);
+ZrHmiSrv::Value readEventClassName(IZrEventLogger4& logger, const EventReference& event,
+                                   LCID language);
+/// No value when the name has no translation.
+ZrHmiSrv::Value readSourceName(IZrEventLogger4& logger, const EventReference& event, LCID language);
+/// A structure of "causeRemedy" and "details", each where there are any: a vector of maps "id",
+/// "cause", "remedy"; and by the detail's key a map "text", "comment".
+ZrHmiSrv::Value readGuidance(IZrEventLogger4& logger, const EventReference& event, LCID language);
+
+namespace keys {
+extern const ZrHmiSrv::Text causeRemedy;
+extern const ZrHmiSrv::Text details;
+}  // namespace keys
+
+}  // namespace ZrHmiEventLogger

@@ -1,0 +1,111 @@
+/// The target system as the receiver of its logger's notifications.
+#include <array>
+#include <string>
+
+#include "events/DiagnosticMessage.h"
+#include "targetsystem/TargetSystem.h"
+#include "targetsystem/proxy/CAtlException.h"
+
+using namespace ZrEventLoggerFnxProxyLib;
+using ZrAtlCom::CallDescription;
+using ZrAtlCom::ComPtr;
+using ZrAtlCom::SinkEntry;
+
+namespace ZrHmiEventLogger {
+
+namespace {
+
+constexpr CallDescription messageCall{CC_STDCALL, VT_EMPTY, 1, {VT_DISPATCH}};
+constexpr CallDescription alarmCall{CC_STDCALL, VT_EMPTY, 1, {VT_DISPATCH}};
+constexpr CallDescription alarmChangeCall{CC_STDCALL, VT_EMPTY, 2, {VT_DISPATCH, VT_BOOL}};
+constexpr CallDescription databaseCall{CC_STDCALL, VT_UI4, 1, {VT_I4}};
+
+constexpr LONG lastReason = databaseChangeDeleted;
+
+std::string reasonText(tagDatabaseChangeReasonEnum reason) {
+    switch (reason) {
+        case databaseChangeUndefined:
+            return "Undefined";
+        case databaseChangeLoggedEventsCleared:
+            return "ClearLoggedEvents";
+        case databaseChangeMaximumSizeReached:
+            return "MaximumSizeReached";
+        case databaseChangeDeleted:
+            return "Deleted";
+    }
+    return std::to_string(static_cast<LONG>(reason));
+}
+
+/// A notification without the object that it is about.
+void requireObject(const RecordedCallback& notification) {
+    const bool complete = notification.kind == NotificationKind::databaseChanged ||
+                          notification.alarm || notification.message;
+    ZrAtlCom::check(complete ? S_OK : E_POINTER);
+}
+
+}  // namespace
+
+ZrAtlCom::SinkTable TargetSystem::sinkTable() {
+    static const std::array<SinkEntry, 5> table{
+        entry<&TargetSystem::messageSent, messageCall>(2),
+        entry<&TargetSystem::alarmRaised, alarmCall>(3),
+        entry<&TargetSystem::alarmCleared, alarmChangeCall>(4),
+        entry<&TargetSystem::alarmConfirmed, alarmChangeCall>(5),
+        entry<&TargetSystem::databaseChanged, databaseCall>(10),
+    };
+    return table;
+}
+
+void TargetSystem::messageSent(IZrMessage* message) {
+    receive({NotificationKind::messageSent, {}, ComPtr(message), VARIANT_FALSE, {}});
+}
+
+void TargetSystem::alarmRaised(IZrAlarm* alarm) {
+    receive({NotificationKind::alarmRaised, ComPtr(alarm), {}, VARIANT_FALSE, {}});
+}
+
+void TargetSystem::alarmCleared(IZrAlarm* alarm, VARIANT_BOOL removed) {
+    receive({NotificationKind::alarmCleared, ComPtr(alarm), {}, removed, {}});
+}
+
+void TargetSystem::alarmConfirmed(IZrAlarm* alarm, VARIANT_BOOL removed) {
+    receive({NotificationKind::alarmConfirmed, ComPtr(alarm), {}, removed, {}});
+}
+
+ULONG TargetSystem::databaseChanged(tagDatabaseChangeReasonEnum reason) {
+    if (static_cast<ULONG>(reason) <= lastReason)
+        receive({NotificationKind::databaseChanged, {}, {}, VARIANT_FALSE, reason});
+    return 0;
+}
+
+void TargetSystem::receive(RecordedCallback&& notification) {
+    // The owner may let this target go while its own notification runs.
+    const auto self = weak_from_this().lock();
+    if (!self || dropsNotifications())
+        return;
+    try {
+        requireObject(notification);
+        notifications.deliver(std::move(notification), [this](const RecordedCallback& live) {
+            if (!dropsNotifications())
+                handle(live, false);
+        });
+    } catch (...) {
+        // The import brings what was missed.
+        RequestReconnect();
+        reportFailure();
+    }
+}
+
+void TargetSystem::handle(const RecordedCallback& notification, bool quiet) {
+    if (notification.kind == NotificationKind::databaseChanged)
+        OnDatabaseChanged(notification.reason);
+    else
+        lifecycle.handle(notification, quiet);
+}
+
+void TargetSystem::OnDatabaseChanged(tagDatabaseChangeReasonEnum reason) {
+    RequestReconnect();
+    logging.logMessage(diagnosticMessage("DATABASE_CHANGED", {name(), reasonText(reason)}));
+}
+
+}  // namespace ZrHmiEventLogger

@@ -1,0 +1,169 @@
+/// A target system against a simulated runtime that refuses, accepts, falls back and drops.
+#include <atomic>
+#include <memory>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include "support/Simulation.h"
+#include "targetsystem/FnxHelper.h"
+#include "targetsystem/TargetSystemPlatformSpecific.h"
+#include "targetsystem/proxy/ErrorText.h"
+#include "tests/events/RecordingLogging.h"
+
+namespace {
+
+using namespace bridge_test;
+using namespace testing;
+using ZrHmiEventLogger::FnxHelper;
+using ZrHmiEventLogger::ImportResultPtr;
+using ZrHmiEventLogger::TargetSystem;
+
+struct Connection : Test {
+    bool check() {
+        ImportResultPtr result;
+        return target->CheckConnection(result);
+    }
+    bool connect() {
+        ImportResultPtr result;
+        return target->Connect(result);
+    }
+    /// "connected", "failed 0x...", or "down".
+    std::string state() const {
+        const auto now = target->GetConnectionState();
+        if (now.connected)
+            return "connected";
+        const HRESULT error = now.connectError.value_or(S_OK);
+        return FAILED(error) ? "failed " + ZrAtlCom::hexText(error) : "down";
+    }
+
+    Simulation simulation{std::string(R"([{"event": 3, "timeRaised": "2020-01-01T00:00:00Z",)") +
+                          R"("class": ")" + eventClass + R"("}])"};
+    RecordingLogging logging;
+    std::atomic<bool> stopping = false;
+    std::atomic<std::int32_t> ids = 1;
+    std::shared_ptr<TargetSystem> target =
+        ZrHmiEventLogger::TargetSystemPlatformSpecific<TargetSystem>::make(
+            ZrHmiEventLogger::TargetSystemSettings{
+                "Filler", fillerNetId, true, ZrHmiSrv::Timespan::from_milliseconds(20'000), 10},
+            "Domain", logging, stopping, ids);
+};
+
+TEST_F(Connection, ShowsEachStateAndLogsEachStepOnce) {
+    const auto refused = "TARGET_SYSTEM_CONNECT_FAILED Filler 0x98110745";
+    simulation.act(R"({"do": "refuse", "hresult": "0x98110745"})");
+    EXPECT_FALSE(check());
+    EXPECT_EQ(state(), "down") << "unknown before: no error yet";
+    for (int tick = 0; tick < 3; ++tick) {
+        EXPECT_THAT(logging.take(), ElementsAre(refused));
+        EXPECT_FALSE(check());
+        EXPECT_EQ(state(), "failed 0x98110745");
+    }
+    logging.take();
+
+    simulation.act(R"({"do": "accept"})");
+    simulation.raise("hot");
+    EXPECT_TRUE(check());
+    EXPECT_EQ(state(), "connected");
+    EXPECT_THAT(logging.take(), ElementsAre("TARGET_SYSTEM_CONNECTED Filler",
+                                            StartsWith("LOGGED_EVENTS_IMPORTED Filler ")));
+    EXPECT_FALSE(check());
+    EXPECT_THAT(logging.take(), IsEmpty()) << "nothing is imported again";
+
+    simulation.act(R"([{"do": "refuse", "hresult": "0x98110006"}, {"do": "drop"}])");
+    EXPECT_TRUE(check()) << "its alarms left";
+    EXPECT_EQ(state(), "down") << "a dropped connection shows no error at first";
+    EXPECT_EQ(target->statistics().cachedAlarmsCount, 0U);
+    EXPECT_FALSE(check()) << "they leave once";
+    EXPECT_EQ(state(), "failed 0x98110006");
+    simulation.act(R"({"do": "accept"})");
+    EXPECT_TRUE(check());
+    EXPECT_EQ(target->statistics().activeAlarmsCount, 1U);
+}
+
+TEST_F(Connection, FallsBackToThePlainConnect) {
+    simulation.act(R"({"do": "fail", "call": "ConnectWithSettings", "hresult": "0x98110701"})");
+    EXPECT_TRUE(check());
+    EXPECT_EQ(state(), "connected");
+    EXPECT_EQ(simulation.calls("Connect"), 1);
+    target->RequestReconnect();
+    EXPECT_TRUE(check()) << "a requested reconnect imports again";
+    EXPECT_EQ(simulation.calls("ConnectWithSettings"), 2);
+}
+
+TEST_F(Connection, FailuresOfTheAskingItselfEndWell) {
+    ASSERT_TRUE(check());
+    simulation.raise("hot");
+    while (target->statistics().activeAlarmsCount == 0)
+        std::this_thread::yield();
+    simulation.act(R"({"do": "fail", "call": "IsConnected", "hresult": "0x80004005", "times": 3})");
+    EXPECT_TRUE(check());
+    EXPECT_EQ(state(), "down");
+    EXPECT_EQ(target->statistics().activeAlarmsCount, 0U);
+    EXPECT_TRUE(check()) << "the connection stands, but its alarms had left";
+    EXPECT_EQ(target->statistics().activeAlarmsCount, 1U);
+    simulation.act(R"({"do": "fail", "call": "Disconnect", "hresult": "0x80004005"})");
+    EXPECT_EQ(target->RequestReconnect(), E_FAIL);
+    EXPECT_TRUE(check()) << "the import that was asked for is owed all the same";
+    target->retire();
+    EXPECT_TRUE(check()) << "its alarms left";
+    EXPECT_FALSE(check());
+    EXPECT_EQ(state(), "down") << "for good";
+}
+
+TEST_F(Connection, AFailedImportKeepsTheMessagesAndTriesAgain) {
+    simulation.act(R"({"do": "hold"})");  // the import alone brings the alarm
+    simulation.raise("hot");
+    ASSERT_TRUE(connect());
+    target->RequestReconnect();
+    logging.take();
+    simulation.act(R"({"do": "fail", "call": "GetActiveAlarms", "hresult": "0x80070005"})");
+    EXPECT_FALSE(connect());
+    EXPECT_THAT(logging.take(), ElementsAre(StartsWith("TARGET_SYSTEM_CONNECTED Filler"),
+                                            StartsWith("error Filler ")));
+    EXPECT_EQ(target->statistics().cachedMessagesCount, 1U);
+    EXPECT_EQ(target->statistics().cachedAlarmsCount, 0U);
+    EXPECT_EQ(state(), "down");
+    EXPECT_EQ(simulation.calls("Disconnect"), 2);
+
+    EXPECT_TRUE(check()) << "connects and imports again";
+    EXPECT_EQ(target->statistics().activeAlarmsCount, 1U);
+    EXPECT_EQ(state(), "connected");
+}
+
+TEST_F(Connection, ADatabaseChangeDuringAnImportReconnectsAfterwards) {
+    simulation.act(R"({"do": "pause", "call": "GetActiveAlarms"})");
+    std::thread importing([this] { EXPECT_TRUE(connect()); });
+    while (simulation.calls("GetActiveAlarms") == 0)
+        std::this_thread::yield();
+    VARIANTARG reason;
+    VariantInit(&reason);
+    reason.vt = VT_I4;
+    reason.lVal = ZrEventLoggerFnxProxyLib::databaseChangeLoggedEventsCleared;
+    DISPPARAMS arguments{&reason, nullptr, 1, 0};
+    EXPECT_EQ(target->Invoke(10, IID_IUnknown, 0, 1, &arguments, nullptr, nullptr, nullptr), S_OK);
+    simulation.act(R"({"do": "resume"})");
+    importing.join();
+    EXPECT_THAT(logging.take(), Contains("DATABASE_CHANGED Filler ClearLoggedEvents"));
+    EXPECT_EQ(simulation.calls("Disconnect"), 1);
+    EXPECT_TRUE(check());
+    EXPECT_EQ(simulation.calls("GetActiveAlarms"), 2);
+    EXPECT_THAT(logging.take(), Not(Contains(StartsWith("DATABASE_CHANGED"))));
+}
+
+TEST(Address, IsCompletedFromTheLocalOne) {
+    const std::string local = "5.10.20.1.1.1";
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "5.10.20.1.1.1"},
+        {"LocaL", "5.10.20.1.1.1"},
+        {"7", "5.10.20.1.1.7"},
+        {"30.1.1", "5.10.20.30.1.1"},
+    };
+    for (const auto& [address, full] : cases)
+        EXPECT_EQ(FnxHelper::resolveAddress(address, local), full);
+    for (const char* asItIs : {"1.2.3.4.5.6", "1.2.3.4.5.6.7", "256.1.1", "1..1", "1.1.", "filler"})
+        EXPECT_EQ(FnxHelper::resolveAddress(asItIs, local), asItIs);
+    EXPECT_EQ(FnxHelper::resolveAddress("30.1.1", ""), "30.1.1");
+}
+
+}  // namespace
