@@ -39,19 +39,19 @@ std::shared_ptr<Runtime> Simulator::find(const FnxNetId& netId) {
     return found == runtimes.end() ? nullptr : found->second;
 }
 
-HRESULT Simulator::enterUnbound(Operation operation) {
+std::optional<HRESULT> Simulator::enterUnbound(Operation operation) {
     Runtimes all;
     {
         Lock lock(mutex);
         all = runtimes;
     }
-    HRESULT result = S_OK;
+    std::optional<HRESULT> answer;
     for (const auto& entry : all) {
-        const HRESULT hr = entry.second->clientBorder()->enter(operation);
-        if (SUCCEEDED(result))
-            result = hr;
+        const auto its = entry.second->clientBorder()->enter(operation);
+        if (!answer)
+            answer = its;
     }
-    return result;
+    return answer;
 }
 
 }  // namespace ZrSimulator

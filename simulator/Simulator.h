@@ -24,7 +24,7 @@ public:
     /// The border of objects that have not addressed a runtime yet.
     const std::shared_ptr<Border>& unbound() const { return unboundBorder; }
     /// A call of such an object: it is one of every runtime, whose faults all apply to it.
-    HRESULT enterUnbound(Operation operation);
+    std::optional<HRESULT> enterUnbound(Operation operation);
 
 private:
     using Runtimes = std::map<FnxNetId, std::shared_ptr<Runtime>, NetIdLess>;

@@ -11,7 +11,7 @@ namespace ZrSimulator {
 /// the references that they hold are added up. Objects share it, so that it outlives the runtime.
 struct Border {
     /// Every call begins here; see FaultPlan.
-    HRESULT enter(Operation operation) {
+    std::optional<HRESULT> enter(Operation operation) {
         calls.count(operation);
         return faults.enter(operation);
     }

@@ -73,6 +73,12 @@ std::optional<std::size_t> Runtime::apply(std::span<const Action> actions) {
     return std::nullopt;
 }
 
+void Runtime::applyAndSettle(std::span<const Action> actions) {
+    constexpr std::chrono::milliseconds patience(10);
+    apply(actions);
+    notifier.settle(patience);
+}
+
 json::object Runtime::status() {
     const auto connections = notifier.connections();
     json::object calls;
@@ -95,6 +101,8 @@ json::object Runtime::status() {
             {"alarms", std::move(alarms)},
             {"logged", ledger.log.size()},
             {"calls", std::move(calls)},
+            {"queued", notifier.queued()},
+            {"faults", border->faults.size()},
             {"liveObjects", border->references.load()}};
 }
 
