@@ -12,7 +12,7 @@ HRESULT ZrEventLoggerFnxProxyLib::CreateInstance(REFCLSID classId, REFIID interf
             return E_POINTER;
         *object = nullptr;
         auto& simulator = Simulator::instance();
-        if (const auto answer = simulator.enterUnbound(Operation::CreateInstance))
+        if (const auto answer = simulator.unbound()->enter(Operation::CreateInstance))
             return *answer;
         if (classId == CLSID_EventLogger)
             return Ref<Logger>(new Logger(simulator))->provide(interfaceId, object);

@@ -12,8 +12,7 @@ std::optional<HRESULT> LoggerLink::enter(Operation operation) {
         Lock lock(mutex);
         entered = border;
     }
-    return entered == simulator.unbound() ? simulator.enterUnbound(operation)
-                                          : entered->enter(operation);
+    return entered->enter(operation);
 }
 
 HRESULT LoggerLink::connect(Operation operation, const FnxNetId& netId, bool preloadTranslations) {

@@ -65,7 +65,7 @@ enum class Failure {
 
 struct ActionList;
 
-/// Lets calls fail: first `skip` good ones, then `times` failing ones. 0 times: none any more.
+/// Lets calls fail: first `skip` good ones, then `times` failing ones.
 struct FailAction {
     AffectedCalls calls;
     Failure failure;

@@ -139,9 +139,8 @@ Action readFail(const JsonField& field, const EventCatalog& catalog) {
     if (skip)
         action.skip = static_cast<std::uint32_t>(skip->integer(0, max));
     if (times)
-        action.times = static_cast<std::uint32_t>(times->integer(0, max));
-    if (action.times != 0)
-        readWhatFails(field, catalog, action);
+        action.times = static_cast<std::uint32_t>(times->integer(1, max));
+    readWhatFails(field, catalog, action);
     return action;
 }
 

@@ -71,6 +71,7 @@ std::optional<FaultPlan::Fault> FaultPlan::takeFault(Operation operation) {
             fault.action.skip -= affects(fault) ? 1u : 0u;
         return std::nullopt;
     }
+    struck.count(operation);
     Fault taken = *due;
     if (--due->action.times == 0) {
         faults.erase(due);
@@ -113,22 +114,8 @@ void FaultPlan::setTimeout(std::chrono::milliseconds time) {
 
 void FaultPlan::add(const FailAction& fault, std::function<void()> meanwhile) {
     Lock lock(mutex);
-    if (fault.times == 0)
-        remove(fault.calls);
-    else
-        faults.push_back({fault, std::move(meanwhile)});
+    faults.push_back({fault, std::move(meanwhile)});
     updateArmed();
-}
-
-void FaultPlan::remove(const AffectedCalls& calls) {
-    for (auto& fault : faults)
-        fault.action.calls &= ~calls;
-    std::erase_if(faults, [](const Fault& fault) { return fault.action.calls.none(); });
-}
-
-std::size_t FaultPlan::size() {
-    Lock lock(mutex);
-    return faults.size();
 }
 
 void FaultPlan::delay(const DelayAction& delay) {

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <cstddef>
 #include <functional>
 #include <optional>
 #include <stdexcept>
@@ -12,6 +11,7 @@
 
 #include "platform/Mutex.h"
 #include "simulator/plant/Action.h"
+#include "simulator/runtime/CallCounters.h"
 
 namespace ZrSimulator {
 
@@ -35,14 +35,15 @@ public:
 
     /// `meanwhile` may be empty; called with no lock held.
     void add(const FailAction& fault, std::function<void()> meanwhile);
-    /// How many failures are planned and have not happened yet, each counted once.
-    std::size_t size();
     void delay(const DelayAction& delay);
     void pause(const AffectedCalls& calls);
     /// Lets go of all calls that are held and holds no further ones.
     void resume();
     /// Ends all waiting; from now on nothing goes wrong.
     void close();
+
+    /// The calls that met a planned failure.
+    CallCounters struck;
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -57,7 +58,6 @@ private:
     std::optional<HRESULT> enterWithFaults(Operation operation);
     std::optional<Fault> takeFault(Operation operation) REQUIRES(mutex);
     HRESULT wait(Operation operation, Clock::time_point deadline) EXCLUDES(mutex);
-    void remove(const AffectedCalls& calls) REQUIRES(mutex);
     HRESULT waitWhilePaused(Lock<Mutex>& lock, Operation operation, Clock::time_point deadline)
         REQUIRES(mutex);
     HRESULT waitFor(Lock<Mutex>& lock, Clock::time_point end, Clock::time_point deadline)

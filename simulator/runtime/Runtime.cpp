@@ -81,10 +81,12 @@ void Runtime::applyAndSettle(std::span<const Action> actions) {
 
 json::object Runtime::status() {
     const auto connections = notifier.connections();
-    json::object calls;
+    json::object calls, failed;
     for (std::size_t i = 0; i < operationCount; ++i) {
         const auto operation = static_cast<Operation>(i);
         calls[nameOf(operation)] = border->calls[operation];
+        if (const auto count = border->faults.struck[operation])
+            failed[nameOf(operation)] = count;
     }
     json::object alarms;
     Lock lock(mutex);
@@ -102,7 +104,7 @@ json::object Runtime::status() {
             {"logged", ledger.log.size()},
             {"calls", std::move(calls)},
             {"queued", notifier.queued()},
-            {"faults", border->faults.size()},
+            {"failed", std::move(failed)},
             {"liveObjects", border->references.load()}};
 }
 
