@@ -23,12 +23,13 @@ namespace {
 
 const Context context{"TestDomain"};
 
-std::filesystem::path writeConfiguration(const std::vector<ConfiguredTarget>& targets) {
+std::filesystem::path writeConfiguration(const std::vector<ConfiguredTarget>& targets,
+                                         const char* timeout) {
     namespace json = boost::json;
     json::object entries;
     for (const auto& [name, address, enabled] : targets)
         entries[name] = {{"ENABLED", enabled}, {"ADDRESS", address}};
-    const json::object configuration{{"TIMEOUT", "PT3S"},
+    const json::object configuration{{"TIMEOUT", timeout},
                                      {"LIMIT_EVENT_COUNT", RunningServer::eventLimit},
                                      {"PRELOAD_TRANSLATIONS", false},
                                      {"TARGET_SYSTEMS", std::move(entries)}};
@@ -86,8 +87,8 @@ void compareCounters(Findings& findings, const Value& diagnostics,
 RunningServer::RunningServer()
     : RunningServer({{"Filler", fillerNetId}, {"Packer", packerNetId}}) {}
 
-RunningServer::RunningServer(const std::vector<ConfiguredTarget>& targets)
-    : configurationFile(writeConfiguration(targets)),
+RunningServer::RunningServer(const std::vector<ConfiguredTarget>& targets, const char* timeout)
+    : configurationFile(writeConfiguration(targets, timeout)),
       backend(configurationFile, context, changes, metrics) {
     hmi::setLogLevel(hmi::LogLevel::off);
     backend.start(extensionFile());

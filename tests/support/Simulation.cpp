@@ -31,6 +31,13 @@ std::string expectSuccess(int result, char* answer) {
     return text;
 }
 
+void load(const std::string& runtimes) {
+    const std::string plant = R"({"localNetId": "5.10.20.1.1.1", "runtimes": {)" + runtimes + "}}";
+    char* answer = nullptr;
+    const int result = ZrSimulatorLoadPlant(plant.c_str(), &answer);
+    expectSuccess(result, answer);
+}
+
 }  // namespace
 
 Simulation::Simulation(const std::string& fillerLog) {
@@ -42,13 +49,6 @@ Simulation::Simulation(const std::vector<std::string>& netIds, const std::string
     for (const std::string& netId : netIds)
         runtimes += (runtimes.empty() ? "" : ",") + runtime(netId, log);
     load(runtimes);
-}
-
-void Simulation::load(const std::string& runtimes) {
-    const std::string plant = R"({"localNetId": "5.10.20.1.1.1", "runtimes": {)" + runtimes + "}}";
-    char* answer = nullptr;
-    const int result = ZrSimulatorLoadPlant(plant.c_str(), &answer);
-    expectSuccess(result, answer);
 }
 
 Simulation::~Simulation() {
@@ -79,8 +79,8 @@ std::int64_t Simulation::liveObjects(const char* netId) {
     return status(netId).at("liveObjects").to_number<std::int64_t>();
 }
 
-std::int64_t Simulation::calls(const char* operation) {
-    const auto counted = status().at("calls").as_object();
+std::int64_t Simulation::calls(const char* operation, const char* netId) {
+    const auto counted = status(netId).at("calls").as_object();
     const auto* count = counted.if_contains(operation);
     return count ? count->to_number<std::int64_t>() : 0;
 }

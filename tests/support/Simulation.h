@@ -18,7 +18,7 @@ public:
     /// The filler, with this log, and the packer.
     explicit Simulation(const std::string& fillerLog = "[]");
     /// Runtimes that all have this log.
-    Simulation(const std::vector<std::string>& netIds, const std::string& log);
+    explicit Simulation(const std::vector<std::string>& netIds, const std::string& log = "[]");
     ~Simulation();
     Simulation(const Simulation&) = delete;
     Simulation& operator=(const Simulation&) = delete;
@@ -30,11 +30,8 @@ public:
                const std::string& more = {});
     boost::json::object status(const char* netId = fillerNetId);
     std::int64_t liveObjects(const char* netId = fillerNetId);
-    /// How often the filler's runtime was asked to do something.
-    std::int64_t calls(const char* operation);
-
-private:
-    static void load(const std::string& runtimes);
+    /// How often a runtime was asked to do something.
+    std::int64_t calls(const char* operation, const char* netId = fillerNetId);
 };
 
 }  // namespace bridge_test
