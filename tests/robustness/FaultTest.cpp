@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <map>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -220,6 +221,82 @@ std::string nameOf(const testing::TestParamInfo<FaultCase>& fault) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, EveryCall, testing::ValuesIn(faultCases()), nameOf);
+
+/// What is asked of the library before it knows for which runtime. An administrator does what
+/// helps: configures the target again, or anew when it has come without a logger.
+class Construction : public testing::TestWithParam<std::pair<const char*, const char*>> {
+protected:
+    void configure() {
+        const auto set = [&] { return server.configure("Filler", fillerNetId, true); };
+        if (set() != ErrorValue::success) {
+            EXPECT_EQ(set(), ErrorValue::success);
+        }
+        if (const auto without = server.logged("Filler", "CAN_NOT_CREATE_PROXY");
+            without != withoutLogger) {
+            withoutLogger = without;
+            server.remove("Filler");
+            EXPECT_EQ(set(), ErrorValue::success);
+        }
+    }
+    Findings differences() {
+        Findings findings;
+        eventually([&] {
+            findings = server.compare("Filler", fillerNetId);
+            return findings.empty();
+        });
+        return findings;
+    }
+    /// The call that was struck for the n-th time.
+    std::string struck(std::size_t n) {
+        const auto failed = simulation.status().at("failed").as_object();
+        for (const auto& entry : failed)
+            if (calls[entry.key()] != entry.value().to_number<std::size_t>()) {
+                calls[entry.key()] = entry.value().to_number<std::size_t>();
+                return entry.key();
+            }
+        return "none, the " + std::to_string(n) + ".";
+    }
+
+    const Watchdog watchdog{std::chrono::seconds(110)};
+    Simulation simulation;
+    RunningServer server{{}};
+    std::size_t withoutLogger = 0;
+    std::map<std::string, std::size_t> calls;
+};
+
+TEST_P(Construction, MayGoWrongAtEveryCall) {
+    std::size_t position = 0;
+    for (std::string call; call != "GetLoggedEvents" && !HasFailure(); ++position) {
+        simulation.act(std::string(R"({"do": "fail", "call": )") + GetParam().second +
+                       R"(, "skip": )" + std::to_string(position) + "}");
+        configure();
+        EXPECT_TRUE(eventually([&] { return simulation.status().at("connected").as_bool(); }));
+        EXPECT_THAT(differences(), IsEmpty()) << position;
+        simulation.raise("hot");
+        EXPECT_THAT(differences(), IsEmpty()) << position << ": deaf";
+        simulation.act(alarmAction("confirm", "hot"));
+        simulation.act(alarmAction("clear", "hot"));
+        call = struck(position);
+        server.remove("Filler");
+        EXPECT_TRUE(eventually([&] {
+            const auto status = simulation.status();
+            return status.at("liveObjects") == 0 && status.at("advised") == 0;
+        })) << call;
+    }
+    EXPECT_GE(position, 7U);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Faults, Construction,
+    testing::Values(
+        std::pair("FailingResult", R"("*", "hresult": "0x98110745")"),
+        std::pair("Exception", R"("*", "kind": "exception")"),
+        std::pair("ForeignException", R"("*", "kind": "foreignException")"),
+        // Without Advise: whoever is told that it is advised has to believe it.
+        std::pair("NoObject", R"(["CreateInstance", "SetTimeout", "QueryInterface",
+            "FindConnectionPoint", "SetPreload", "ConnectWithSettings", "GetLoggedEvents"],
+            "kind": "answersNothing")")),
+    [](const auto& fault) { return fault.param.first; });
 
 /// A library that loses a notification must be found out, each time.
 TEST(Checks, SeeADefectOfTheLibrary) {
