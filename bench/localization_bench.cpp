@@ -67,7 +67,7 @@ public:
 private:
     std::atomic<bool> never = false;
     std::atomic<std::int32_t> hostIds = 1;
-    EventContext context{"Filler", "Bench", logging, hostIds, 0};
+    EventContext context{"Filler", "Bench", logging, hostIds, 0, {}, never, never};
     LoggerConnection connection;
 
 public:

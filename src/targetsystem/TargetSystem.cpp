@@ -177,11 +177,6 @@ void TargetSystem::unsubscribe() {
 
 void TargetSystem::removeAlarms() {
     imported = false;
-    {
-        // They are of the connection that is over.
-        Lock lock(notifications.sinkMutex);
-        lifecycle.imported() = {};
-    }
     if (store.removeAlarms())
         hostIsStale = true;
 }
@@ -232,11 +227,7 @@ ResultPair TargetSystem::confirm(const ZrHmiSrv::Alarm& alarm) {
 }
 
 void TargetSystem::provideEvents(ZrHmiSrv::IEventReceiver& receiver) {
-    Lock lock(notifications.sinkMutex);
-    if (retired)
-        return;
-    const auto events = store.eventsOldestFirst();
-    receiver.replace_events(name().c_str(), events);
+    store.provideEvents(receiver);
 }
 
 /// Of the exception that is being handled. What fails because the target was taken out of use is

@@ -34,13 +34,13 @@ protected:
                      std::atomic<std::int32_t>& hostIds)
         : settings(std::move(settings)),
           context{this->settings.name, std::move(domain), logging, hostIds,
-                  this->settings.eventLimit},
+                  this->settings.eventLimit, this->settings.timeout, stopFlag, retired},
           logging(logging),
           stopFlag(stopFlag) {}
     ~TargetSystemBase() = default;
 
     /// Notifications are dropped: the extension stops, or this target was replaced or removed.
-    bool dropsNotifications() const { return stopFlag || retired; }
+    bool dropsNotifications() const { return context.isOver(); }
 
     const TargetSystemSettings settings;
     const EventContext context;
