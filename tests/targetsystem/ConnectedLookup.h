@@ -32,7 +32,8 @@ public:
     std::atomic<bool> disabled = false;
     std::atomic<bool> abandoned = false;
     std::atomic<std::int32_t> hostIds = 1;
-    ZrHmiEventLogger::EventContext context{"Filler", "TestDomain", logging, hostIds, 100};
+    ZrHmiEventLogger::EventContext context{"Filler", "TestDomain", logging,   hostIds,
+                                           100,      {},           abandoned, abandoned};
     ZrHmiEventLogger::LoggerConnection connection;
     ZrHmiEventLogger::TextLookup lookup{context, connection, disabled};
 };
