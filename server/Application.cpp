@@ -23,9 +23,11 @@ ZrHmiSrv::Text domainOf(const std::filesystem::path& extension) {
 
 Application::Application(const Options& given)
     : options(given),
-      backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), hub, metrics),
+      backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics),
       dispatcher(router, OriginPolicy(options.address), lanes, metrics),
-      server(io.context(), options.address, options.port, dispatcher, hub) {}
+      server(io.context(), options.address, options.port, dispatcher, hub) {
+    feed.add("stream", hub);
+}
 
 void Application::addRoutes() {
     eventsResource.addRoutes(router);

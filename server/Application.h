@@ -11,6 +11,7 @@
 #include "server/api/LogResource.h"
 #include "server/api/MetricsResource.h"
 #include "server/api/SimulatorResource.h"
+#include "server/events/ChangeFeed.h"
 #include "server/extension/SimulatorControl.h"
 #include "server/metrics/Metrics.h"
 #include "server/net/HttpServer.h"
@@ -33,6 +34,7 @@ private:
     IoThread io;
     Metrics metrics;
     StreamHub hub{io.context(), metrics};
+    ChangeFeed feed;
     std::unique_ptr<SimulatorControl>
         simulator;  ///< outlives the extension, which uses its library
     Backend backend;

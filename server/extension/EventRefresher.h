@@ -4,9 +4,9 @@
 #include <thread>
 
 #include "platform/Mutex.h"
-#include "server/metrics/Metrics.h"
 #include "server/events/EventBook.h"
 #include "server/extension/ExtensionCalls.h"
+#include "server/metrics/Metrics.h"
 
 namespace hmi {
 
@@ -38,7 +38,6 @@ private:
     std::condition_variable_any changed;
     bool requested GUARDED_BY(mutex) = false;
     bool stopping GUARDED_BY(mutex) = false;
-    bool complete = false;  ///< whether all that was handed over could be kept; worker only
     std::thread worker;
 };
 
