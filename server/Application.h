@@ -1,10 +1,11 @@
 #pragma once
 
+#include <future>
 #include <memory>
 
 #include "server/Backend.h"
 #include "server/Options.h"
-#include "server/WorkerLanes.h"
+#include "server/StopSignal.h"
 #include "server/api/CommandsResource.h"
 #include "server/api/ConfigResource.h"
 #include "server/api/EventsResource.h"
@@ -13,6 +14,7 @@
 #include "server/api/SimulatorResource.h"
 #include "server/events/ChangeFeed.h"
 #include "server/extension/SimulatorControl.h"
+#include "server/lanes/WorkerLanes.h"
 #include "server/metrics/Metrics.h"
 #include "server/net/HttpServer.h"
 #include "server/net/IoThread.h"
@@ -30,6 +32,11 @@ public:
 
 private:
     void addRoutes();
+    /// Returns when the process is to stop.
+    void serve(StopSignal& signal);
+    /// `started`: the start of the extension, when it is still under way.
+    void stop(std::future<void>& started);
+
     const Options options;
     IoThread io;
     Metrics metrics;

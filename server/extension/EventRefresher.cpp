@@ -17,17 +17,19 @@ void EventRefresher::request() {
 
 void EventRefresher::start() {
     request();
-    awaitRequest();
-    refresh();
+    if (awaitRequest())
+        refresh();
     worker = std::thread([this] { run(); });
 }
 
+void EventRefresher::cease() {
+    Lock lock(mutex);
+    stopping = true;
+    changed.notify_all();
+}
+
 void EventRefresher::stop() {
-    {
-        Lock lock(mutex);
-        stopping = true;
-        changed.notify_all();
-    }
+    cease();
     if (worker.joinable())
         worker.join();
 }

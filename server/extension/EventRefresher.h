@@ -22,7 +22,9 @@ public:
     void request();
     /// Refreshes once before it returns, then whenever it is requested.
     void start();
-    /// Returns when a running refresh is over; requests that wait are dropped.
+    /// Nothing is refreshed any more, once a running refresh is over.
+    void cease();
+    /// Ceases, and returns when a running refresh is over.
     void stop();
 
 private:
