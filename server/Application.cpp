@@ -24,7 +24,7 @@ ZrHmiSrv::Text domainOf(const std::filesystem::path& extension) {
 Application::Application(const Options& given)
     : options(given),
       backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), hub, metrics),
-      dispatcher(router, OriginPolicy(options.address), lanes, metrics),
+      dispatcher(router, OriginPolicy(options.allowedHosts), lanes, metrics),
       server(io.context(), options.address, options.port, dispatcher, hub) {}
 
 void Application::addRoutes() {

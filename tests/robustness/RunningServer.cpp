@@ -51,7 +51,7 @@ std::size_t counter(const Value& diagnostics, const char* name) {
 RunningServer::RunningServer()
     : configurationFile(writeConfiguration()),
       backend(configurationFile, context, changes, metrics) {
-    hmi::setLogLevel(hmi::LogLevel::off);
+    hmi::configureLog(hmi::LogLevel::off, hmi::LogFormat::text);
     backend.start(extensionFile());
 }
 
