@@ -25,7 +25,7 @@ ZrHmiSrv::Text domainOf(const std::filesystem::path& extension) {
 Application::Application(const Options& given)
     : options(given),
       backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics),
-      dispatcher(router, OriginPolicy(options.address), lanes, metrics),
+      dispatcher(router, OriginPolicy(options.allowedHosts), lanes, metrics),
       server(io.context(), options.address, options.port, dispatcher, hub) {
     feed.add("stream", hub);
 }
