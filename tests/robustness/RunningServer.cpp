@@ -90,7 +90,7 @@ RunningServer::RunningServer()
 RunningServer::RunningServer(const std::vector<ConfiguredTarget>& targets, const char* timeout)
     : configurationFile(writeConfiguration(targets, timeout)),
       backend(configurationFile, context, changes, metrics) {
-    hmi::setLogLevel(hmi::LogLevel::off);
+    hmi::configureLog(hmi::LogLevel::off, hmi::LogFormat::text);
     backend.start(extensionFile());
 }
 
