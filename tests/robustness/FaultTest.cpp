@@ -85,7 +85,6 @@ void live(Fleet& fleet, bool emptyTexts) {
         fleet.settle(emptyTexts);
     };
     const auto meanwhile = emptyTexts ? Expected::anyTexts : Expected::theTextsOrNone;
-    fleet.settle(emptyTexts);
     happens(raiseAction("hot", 1));
     confirm(fleet, "hot");
     fleet.settle(emptyTexts);
@@ -107,7 +106,6 @@ std::vector<Machine> run(const FaultCase& fault, std::size_t firstCall,
                          std::chrono::milliseconds patience = std::chrono::seconds(10)) {
     constexpr std::size_t size = 400;
     Fleet fleet(size);
-    fleet.patience = patience;
     // In one cycle of the controller: they bear the same time.
     const char* const time = R"(, "timeRaised": "2024-05-01T14:00:00Z")";
     fleet.act("[" + raiseAction("standing", 2, time) + "," + raiseAction("waiting", 1, time) + "]");
@@ -116,6 +114,8 @@ std::vector<Machine> run(const FaultCase& fault, std::size_t firstCall,
                           : R"({"do": "fail", "call": )" + fault.calls + ", " + fault.what +
                                 R"(, "skip": )" + std::to_string(firstCall + index - 1) + "},";
     });
+    fleet.settle(fault.emptyTexts);
+    fleet.patience = patience;
     live(fleet, fault.emptyTexts);
     fleet.stopAndFindLeaks();
     if (!fault.errors)
