@@ -94,7 +94,15 @@ void Fleet::forEach(const std::function<void(Machine&)>& visit) {
 
 void Fleet::settle(bool importAgain) {
     std::vector<Machine*> waiting;
-    std::set<const Machine*> asked;
+    std::map<const Machine*, std::int64_t> importsBefore;
+    /// False until an import has begun that was asked for here.
+    const auto isReadAgain = [&](const Machine& machine) {
+        const auto imports = simulation.calls("GetLoggedEvents", machine.netId.c_str());
+        const auto [before, first] = importsBefore.try_emplace(&machine, imports);
+        if (first)
+            server.command("ForceReconnect", machine.name.c_str());
+        return imports > before->second;
+    };
     forEach([&](Machine& machine) {
         if (machine.findings.empty())
             waiting.push_back(&machine);
@@ -107,11 +115,9 @@ void Fleet::settle(bool importAgain) {
             if (waiting.front() != &machines.front())
                 counts = server.events.countsByTarget();
             std::erase_if(waiting, [&](Machine* machine) {
-                if (!hasArrived(*machine))
-                    return false;
-                if (importAgain && !machine->struck.empty() && asked.insert(machine).second)
-                    server.command("ForceReconnect", machine->name.c_str());
-                return agrees(*machine);
+                return hasArrived(*machine) &&
+                       (!importAgain || machine->struck.empty() || isReadAgain(*machine)) &&
+                       agrees(*machine);
             });
             return waiting.empty();
         },
