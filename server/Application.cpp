@@ -28,7 +28,7 @@ Application::Application(const Options& given)
                    const std::string& locale) { return backend.calls.localize(event, locale); },
             lanes, feed),
       backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics),
-      dispatcher(router, OriginPolicy(options.address), lanes, metrics),
+      dispatcher(router, OriginPolicy(options.allowedHosts), lanes, metrics),
       server(io.context(), options.address, options.port, dispatcher, hub) {
     feed.add("texts", texts);  // before those that tell readers to ask again
     feed.add("stream", hub);

@@ -33,6 +33,8 @@ void Dispatcher::dispatch(Request request, std::string_view target, Reply reply)
     const Route* route = nullptr;
     Response refusal = responseOf([&]() -> Response {
         request.target = Target::parse(target);
+        if (!request.target.authority.empty())
+            request.host = request.target.authority;
         if (!policy.allows(request))
             throw RequestError(403, "not for pages of another origin");
         route = &router.find(request);
@@ -89,11 +91,11 @@ void Dispatcher::answer(const Exchange& exchange, Response response) {
 }
 
 bool Dispatcher::isStream(std::string_view target) {
-    return target.substr(0, target.find('?')) == "/api/stream";
+    return Target::pathOf(target) == "/api/stream";
 }
 
 std::uint64_t Dispatcher::bodyLimit(std::string_view target) {
-    return target.starts_with("/sim/") ? 10 << 20 : 1 << 20;
+    return Target::pathOf(target).starts_with("/sim/") ? 10 << 20 : 1 << 20;
 }
 
 }  // namespace hmi

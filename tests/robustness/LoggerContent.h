@@ -12,9 +12,7 @@ struct LoggerContent {
     std::size_t active = 0;
 };
 
-using CreateInstanceFunction = HRESULT(REFCLSID, REFIID, void**);
-
 /// Asks the logger through a connection of its own. Throws when the runtime does not answer.
-LoggerContent readLogger(CreateInstanceFunction& createInstance, const char* netId, ULONG limit);
+LoggerContent readLogger(const char* netId, ULONG limit);
 
 }  // namespace bridge_test

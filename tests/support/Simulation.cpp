@@ -9,10 +9,8 @@ namespace bridge_test {
 
 namespace {
 
-const char* const plantHead = R"({"localNetId": "5.10.20.1.1.1", "runtimes": {)";
-
-std::string runtime(const char* netId, const std::string& log) {
-    return "\"" + std::string(netId) + R"(": {"eventClasses": {")" + eventClass +
+std::string runtime(const std::string& netId, const std::string& log) {
+    return "\"" + netId + R"(": {"eventClasses": {")" + eventClass +
            R"(": {"name": {"1033": "Machine", "1031": "Maschine"}, "events": {
         "1": {"kind": "alarm", "severity": 3, "confirm": true,
               "text": {"1033": "Temperature {0} too high", "1031": "Temperatur {0} zu hoch"},
@@ -33,14 +31,24 @@ std::string expectSuccess(int result, char* answer) {
     return text;
 }
 
-}  // namespace
-
-Simulation::Simulation(const std::string& fillerLog) {
-    const std::string plant =
-        plantHead + runtime(fillerNetId, fillerLog) + "," + runtime(packerNetId, "[]") + "}}";
+void load(const std::string& runtimes) {
+    const std::string plant = R"({"localNetId": "5.10.20.1.1.1", "runtimes": {)" + runtimes + "}}";
     char* answer = nullptr;
     const int result = ZrSimulatorLoadPlant(plant.c_str(), &answer);
     expectSuccess(result, answer);
+}
+
+}  // namespace
+
+Simulation::Simulation(const std::string& fillerLog) {
+    load(runtime(fillerNetId, fillerLog) + "," + runtime(packerNetId, "[]"));
+}
+
+Simulation::Simulation(const std::vector<std::string>& netIds, const std::string& log) {
+    std::string runtimes;
+    for (const std::string& netId : netIds)
+        runtimes += (runtimes.empty() ? "" : ",") + runtime(netId, log);
+    load(runtimes);
 }
 
 Simulation::~Simulation() {
@@ -71,8 +79,8 @@ std::int64_t Simulation::liveObjects(const char* netId) {
     return status(netId).at("liveObjects").to_number<std::int64_t>();
 }
 
-std::int64_t Simulation::calls(const char* operation) {
-    const auto counted = status().at("calls").as_object();
+std::int64_t Simulation::calls(const char* operation, const char* netId) {
+    const auto counted = status(netId).at("calls").as_object();
     const auto* count = counted.if_contains(operation);
     return count ? count->to_number<std::int64_t>() : 0;
 }
