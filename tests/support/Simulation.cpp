@@ -11,7 +11,7 @@ namespace {
 
 const char* const plantHead = R"({"localNetId": "5.10.20.1.1.1", "runtimes": {)";
 
-std::string runtime(const char* netId, const std::string& log) {
+std::string runtime(const char* netId, const std::string& log, bool numbered) {
     return "\"" + std::string(netId) + R"(": {"eventClasses": {")" + eventClass +
            R"(": {"name": {"1033": "Machine", "1031": "Maschine"}, "events": {
         "1": {"kind": "alarm", "severity": 3, "confirm": true,
@@ -22,7 +22,7 @@ std::string runtime(const char* netId, const std::string& log) {
         "2": {"kind": "alarm", "severity": 2, "confirm": false, "text": {"1033": "Door open"}},
         "3": {"kind": "message", "severity": 1, "text": {"1033": "Batch done"}}}}},
         "sources": {"Tank": {"1031": "Behälter"}}, "logged": )" +
-           log + "}";
+           log + (numbered ? "}" : R"(, "instanceIds": false})");
 }
 
 /// Ends a call of the simulator, which has to answer 200.
@@ -35,9 +35,9 @@ std::string expectSuccess(int result, char* answer) {
 
 }  // namespace
 
-Simulation::Simulation(const std::string& fillerLog) {
-    const std::string plant =
-        plantHead + runtime(fillerNetId, fillerLog) + "," + runtime(packerNetId, "[]") + "}}";
+Simulation::Simulation(const std::string& fillerLog, bool numbered) {
+    const std::string plant = plantHead + runtime(fillerNetId, fillerLog, numbered) + "," +
+                              runtime(packerNetId, "[]", numbered) + "}}";
     char* answer = nullptr;
     const int result = ZrSimulatorLoadPlant(plant.c_str(), &answer);
     expectSuccess(result, answer);

@@ -14,7 +14,8 @@ inline constexpr const char* eventClass = "{0000ABCD-0001-0002-0304-05060708090A
 /// wants a confirmation, 2 one that does not, 3 a message.
 class Simulation {
 public:
-    explicit Simulation(const std::string& fillerLog = "[]");
+    /// `numbered`: whether the loggers have instance numbers.
+    explicit Simulation(const std::string& fillerLog = "[]", bool numbered = true);
     ~Simulation();
     Simulation(const Simulation&) = delete;
     Simulation& operator=(const Simulation&) = delete;
