@@ -170,9 +170,10 @@ void raiseToHost(benchmark::State& state) {
     Listener host;
     const std::atomic<bool> stopping = false;
     std::atomic<std::int32_t> ids = 1;
+    LocalAddress localAddress;
     const auto target = TargetSystemPlatformSpecific<TargetSystem>::make(
         TargetSystemSettings{targetName, "1.2.3.4.5.6", true, ZrHmiSrv::Timespan(), 1000}, domain,
-        host, stopping, ids);
+        localAddress, host, stopping, ids);
     FakeEvent alarm(border, eventData(1));
     std::int64_t seconds = 1;
     const auto raise = [&] {

@@ -19,6 +19,14 @@ target_link_libraries(bridge_boost_thread INTERFACE bridge_boost Boost::thread)
 add_library(bridge_json STATIC ${CMAKE_CURRENT_LIST_DIR}/BoostJson.cpp)
 target_link_libraries(bridge_json PUBLIC bridge_boost)
 
+add_library(bridge_url STATIC ${CMAKE_CURRENT_LIST_DIR}/BoostUrl.cpp)
+target_link_libraries(bridge_url PUBLIC bridge_boost)
+
+# Headers only, so that the Windows build can have them.
+add_library(bridge_log INTERFACE)
+target_link_libraries(bridge_log INTERFACE bridge_boost)
+target_compile_definitions(bridge_log INTERFACE SPDLOG_HEADER_ONLY SPDLOG_FMT_EXTERNAL FMT_HEADER_ONLY)
+
 add_library(bridge_ffi INTERFACE)
 if(NOT WIN32)
     find_path(FFI_INCLUDE_DIR ffi.h REQUIRED)

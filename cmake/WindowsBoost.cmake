@@ -3,9 +3,12 @@
 # state for each thread, of which a process may have only one set.
 set(bridge_third_party ${CMAKE_BINARY_DIR}/third-party)
 
-# A folder with Boost alone: its neighbours under /usr/include are Linux's.
+# A folder with Boost and the other header-only libraries: their neighbours under /usr/include are
+# Linux's.
 file(MAKE_DIRECTORY ${bridge_third_party}/include)
-file(CREATE_LINK /usr/include/boost ${bridge_third_party}/include/boost SYMBOLIC)
+foreach(library boost CLI fmt spdlog)
+    file(CREATE_LINK /usr/include/${library} ${bridge_third_party}/include/${library} SYMBOLIC)
+endforeach()
 add_library(Boost::headers INTERFACE IMPORTED)
 target_include_directories(Boost::headers SYSTEM INTERFACE ${bridge_third_party}/include)
 target_compile_definitions(Boost::headers INTERFACE BOOST_CHRONO_HEADER_ONLY)

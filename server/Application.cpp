@@ -1,10 +1,11 @@
 #include "server/Application.h"
 
 #include <cstdio>
+#include <memory>
 
 #include "server/Log.h"
 #include "server/StartError.h"
-#include "server/StopSignal.h"
+#include "server/StopDeadline.h"
 #include "server/api/PageResource.h"
 
 namespace hmi {
@@ -23,9 +24,11 @@ ZrHmiSrv::Text domainOf(const std::filesystem::path& extension) {
 
 Application::Application(const Options& given)
     : options(given),
-      backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), hub, metrics),
-      dispatcher(router, OriginPolicy(options.address), lanes, metrics),
-      server(io.context(), options.address, options.port, dispatcher, hub) {}
+      backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics),
+      dispatcher(router, OriginPolicy(options.allowedHosts), lanes, metrics),
+      server(io.context(), options.address, options.port, dispatcher, hub) {
+    feed.add("stream", hub);
+}
 
 void Application::addRoutes() {
     eventsResource.addRoutes(router);
@@ -38,27 +41,54 @@ void Application::addRoutes() {
         simulatorResource = std::make_unique<SimulatorResource>(*simulator);
         simulatorResource->addRoutes(router);
     }
-    router.add(Method::get, "/api/stream", Lane::local, [](const Request&) {
+    router.add(Method::get, "/api/stream", [](const Request&) {
         return Response::error(426, "the stream is for WebSocket clients");
     });
 }
 
 void Application::run() {
-    StopSignal stop(io.context());
+    StopSignal signal(io.context());
     if (!options.plant.empty()) {
         simulator = std::make_unique<SimulatorControl>(options.extension);
         simulator->loadPlant(options.plant);
     }
-    backend.start(options.extension);
+    // On a thread of its own, so that a signal is heard meanwhile.
+    std::future<void> started = std::async(std::launch::async, [&] {
+        const std::shared_ptr<void> atTheEnd(nullptr, [&](void*) { signal.wake(); });
+        backend.start(options.extension);
+    });
+    if (!signal.wait()) {
+        started.get();
+        serve(signal);
+    }
+    hmi::log(LogLevel::info, "stopping");
+    const StopDeadline deadline(backend.timeout() + std::chrono::milliseconds(1500),
+                                [this] { return lanes.running(); });
+    stop(started);
+}
+
+void Application::serve(StopSignal& signal) {
     addRoutes();
     server.start();
     std::printf("listening on %s\n", server.url().c_str());
     std::fflush(stdout);
-    stop.wait();
-    hmi::log(LogLevel::info, "stopping");
+    while (!signal.wait()) {
+    }
+}
+
+void Application::stop(std::future<void>& started) {
     server.stop();
-    lanes.join();
+    lanes.stop();
+    // At once, and not when the calls are over: it is what makes them end.
+    backend.shutDownExtension();
+    try {
+        if (started.valid())
+            started.get();
+    } catch (const StartError& error) {
+        hmi::log(LogLevel::info, error.what());
+    }
     backend.stop();
+    lanes.join();
     simulator.reset();
     io.stop(std::chrono::seconds(1));
 }

@@ -1,17 +1,20 @@
 #pragma once
 
+#include <future>
 #include <memory>
 
 #include "server/Backend.h"
 #include "server/Options.h"
-#include "server/WorkerLanes.h"
+#include "server/StopSignal.h"
 #include "server/api/CommandsResource.h"
 #include "server/api/ConfigResource.h"
 #include "server/api/EventsResource.h"
 #include "server/api/LogResource.h"
 #include "server/api/MetricsResource.h"
 #include "server/api/SimulatorResource.h"
+#include "server/events/ChangeFeed.h"
 #include "server/extension/SimulatorControl.h"
+#include "server/lanes/WorkerLanes.h"
 #include "server/metrics/Metrics.h"
 #include "server/net/HttpServer.h"
 #include "server/net/IoThread.h"
@@ -29,10 +32,16 @@ public:
 
 private:
     void addRoutes();
+    /// Returns when the process is to stop.
+    void serve(StopSignal& signal);
+    /// `started`: the start of the extension, when it is still under way.
+    void stop(std::future<void>& started);
+
     const Options options;
     IoThread io;
     Metrics metrics;
     StreamHub hub{io.context(), metrics};
+    ChangeFeed feed;
     std::unique_ptr<SimulatorControl>
         simulator;  ///< outlives the extension, which uses its library
     Backend backend;

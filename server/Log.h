@@ -5,9 +5,10 @@
 namespace hmi {
 
 enum class LogLevel { debug, info, warning, error, off };
+enum class LogFormat { text, json };
 
-/// Entries below this level are not written. Set once, before other threads log.
-void setLogLevel(LogLevel level) noexcept;
+/// Entries below the level are not written. Called once, before other threads log.
+void configureLog(LogLevel level, LogFormat format);
 bool isLogged(LogLevel level) noexcept;
 
 /// Writes one line to standard error; control characters of the text become spaces. Any thread.

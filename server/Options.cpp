@@ -1,86 +1,116 @@
 #include "server/Options.h"
 
-#include <charconv>
-#include <functional>
-#include <map>
+#include <algorithm>
+#include <iterator>
 #include <string_view>
-#include <utility>
+
+#include <CLI/CLI.hpp>
 
 #include "server/StartError.h"
+#include "server/Version.h"
 
 namespace hmi {
 
 namespace {
 
-std::filesystem::path toPath(std::string_view utf8) {
+constexpr std::string_view levels[] = {"debug", "info", "warning", "error", "off"};
+
+std::filesystem::path toPath(const std::string& utf8) {
     return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
 }
 
-std::uint16_t toPort(std::string_view text) {
-    std::uint16_t port = 0;
-    const auto read = std::from_chars(text.data(), text.data() + text.size(), port);
-    if (read.ec != std::errc() || read.ptr != text.data() + text.size())
-        throw StartError("--port: " + std::string(text) + " is not a number from 0 to 65535");
-    return port;
+/// The command line as typed, before it is checked as a whole.
+struct Typed {
+    std::string extension, config, plant;
+    std::string level = "info";
+    std::string format = "text";
+};
+
+/// The variable of the environment that stands for an option: HMI_LOG_LEVEL for "--log-level".
+std::string variableOf(std::string_view option) {
+    std::string name = "HMI_";
+    for (const char c : option.substr(2))
+        name += c == '-' ? '_' : c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+    return name;
 }
 
-LogLevel toLogLevel(std::string_view text) {
-    static const std::map<std::string_view, LogLevel> levels{{"debug", LogLevel::debug},
-                                                             {"info", LogLevel::info},
-                                                             {"warning", LogLevel::warning},
-                                                             {"error", LogLevel::error},
-                                                             {"off", LogLevel::off}};
-    const auto found = levels.find(text);
-    if (found == levels.end())
-        throw StartError("--log-level: " + std::string(text) +
-                         " is none of debug, info, warning, error, off");
-    return found->second;
+template <class T>
+CLI::Option* add(CLI::App& app, const char* name, const char* value, T& to, const char* what) {
+    return app.add_option(name, to, what)->type_name(value)->envname(variableOf(name));
 }
 
-using Setter = std::function<void(Options&, std::string_view)>;
+void describe(CLI::App& app, Options& options, Typed& typed) {
+    const CLI::Validator notEmpty(
+        [](std::string& text) { return text.empty() ? "a value is missing" : std::string(); }, {});
+    add(app, "--extension", "FILE", typed.extension, "The extension's library")->check(notEmpty);
+    add(app, "--config", "FILE", typed.config,
+        "The extension's configuration (JSON); accepted changes are written back to it")
+        ->check(notEmpty);
+    add(app, "--plant", "FILE", typed.plant, "Simulated runtimes to start (JSON)")->check(notEmpty);
+    add(app, "--port", "N", options.port, "Port to listen on, 0 for any free one")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    add(app, "--address", "A", options.address, "IP address to listen on")
+        ->check(notEmpty)
+        ->capture_default_str();
+    add(app, "--allow-host", "NAME", options.allowedHosts,
+        "Host name by which clients may reach the server, besides addresses and localhost; "
+        "repeatable")
+        ->allow_extra_args(false)
+        ->delimiter(',')
+        ->check(notEmpty);
+    add(app, "--log-level", "L", typed.level, "debug, info, warning, error or off")
+        ->check(CLI::IsMember({"debug", "info", "warning", "error", "off"}))
+        ->capture_default_str();
+    add(app, "--log-format", "F", typed.format, "text or json: one object a line")
+        ->check(CLI::IsMember({"text", "json"}))
+        ->capture_default_str();
+}
 
-const std::map<std::string_view, Setter>& setters() {
-    static const std::map<std::string_view, Setter> table{
-        {"--extension", [](Options& o, std::string_view v) { o.extension = toPath(v); }},
-        {"--config", [](Options& o, std::string_view v) { o.config = toPath(v); }},
-        {"--plant", [](Options& o, std::string_view v) { o.plant = toPath(v); }},
-        {"--port", [](Options& o, std::string_view v) { o.port = toPort(v); }},
-        {"--address", [](Options& o, std::string_view v) { o.address = v; }},
-        {"--log-level", [](Options& o, std::string_view v) { o.logLevel = toLogLevel(v); }},
-    };
-    return table;
+/// One line, whatever was typed.
+std::string oneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
+    return text;
+}
+
+void finish(Options& options, const Typed& typed) {
+    if (typed.extension.empty())
+        throw StartError("--extension is missing");
+    if (typed.config.empty())
+        throw StartError("--config is missing");
+    options.extension = toPath(typed.extension);
+    options.config = toPath(typed.config);
+    options.plant = toPath(typed.plant);
+    const auto level = std::find(std::begin(levels), std::end(levels), typed.level);
+    options.logLevel = static_cast<LogLevel>(std::distance(std::begin(levels), level));
+    options.logFormat = typed.format == "json" ? LogFormat::json : LogFormat::text;
 }
 
 }  // namespace
 
 Options Options::parse(std::span<const char* const> arguments) {
     Options options;
-    std::map<std::string_view, bool> given;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string_view name = arguments[i];
-        if (name == "--help") {
-            options.help = true;
-            return options;
-        }
-        const auto setter = setters().find(name);
-        if (setter == setters().end())
-            throw StartError("unknown argument " + std::string(name));
-        if (i + 1 == arguments.size() || *arguments[i + 1] == '\0')
-            throw StartError(std::string(name) + ": a value is missing");
-        if (std::exchange(given[setter->first], true))
-            throw StartError(std::string(name) + " is given twice");
-        setter->second(options, arguments[++i]);
-    }
-    for (const char* required : {"--extension", "--config"}) {
-        if (!given.contains(required))
-            throw StartError(std::string(required) + " is missing");
+    Typed typed;
+    CLI::App app("An HMI server that loads the event-logger extension: alarms and messages of "
+                 "automation runtimes by HTTP, WebSocket and a page for operators.",
+                 "hmi-server");
+    app.set_version_flag("--version", std::string("hmi-server ") + version);
+    app.footer("Each option can be given in the environment too: HMI_CONFIG for --config.\n"
+               "Exit code 2: bad arguments, files that cannot be used, or an extension that "
+               "refuses to start.");
+    describe(app, options, typed);
+    try {
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        finish(options, typed);
+    } catch (const CLI::CallForHelp&) {
+        options.information = app.help();
+    } catch (const CLI::CallForVersion& asked) {
+        options.information = std::string(asked.what()) + "\n";
+    } catch (const CLI::Error& error) {
+        throw StartError(oneLine(error.what()));
     }
     return options;
-}
-
-const char* Options::usage() {
-    return "hmi-server --extension FILE --config FILE [--plant FILE] [--port N] [--address A]\n"
-           "           [--log-level debug|info|warning|error|off]\n";
 }
 
 }  // namespace hmi

@@ -13,11 +13,11 @@ namespace {
 int run(int argc, const char* const* argv) {
     const auto options =
         hmi::Options::parse({argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)});
-    if (options.help) {
-        std::fputs(hmi::Options::usage(), stdout);
+    if (!options.information.empty()) {
+        std::fputs(options.information.c_str(), stdout);
         return 0;
     }
-    hmi::setLogLevel(options.logLevel);
+    hmi::configureLog(options.logLevel, options.logFormat);
     hmi::Application(options).run();
     return 0;
 }

@@ -31,10 +31,24 @@ Response localizationError(ErrorValue result) {
 }  // namespace
 
 void EventsResource::addRoutes(Router& router) {
-    router.add(Method::get, "/api/events", Lane::local, [this](const auto& r) { return list(r); });
-    router.add(Method::get, "/api/events/*", Lane::local, [this](const auto& r) { return one(r); });
-    router.add(Method::post, "/api/events/*/confirm", Lane::extension,
-               [this](const auto& r) { return confirm(r); });
+    const auto ifLocalized = [](const Request& request, Place place) {
+        return request.target.query.find("locale") ? std::move(place) : Place{Lane::local};
+    };
+    router.add(
+        Method::get, "/api/events", [=](const Request& r) { return ifLocalized(r, {Lane::lists}); },
+        [this](const Request& r) { return list(r); });
+    router.add(
+        Method::get, "/api/events/*",
+        [=, this](const Request& r) {
+            return ifLocalized(r, {Lane::details, find(r)->target});
+        },
+        [this](const Request& r) { return one(r); });
+    router.add(
+        Method::post, "/api/events/*/confirm",
+        [this](const Request& r) {
+            return Place{Lane::confirmations, find(r)->target};
+        },
+        [this](const Request& r) { return confirm(r); });
 }
 
 Response EventsResource::list(const Request& request) {

@@ -12,7 +12,7 @@ namespace hmi {
 namespace json = boost::json;
 
 void LogResource::addRoutes(Router& router) {
-    router.add(Method::get, "/api/log", Lane::local, [this](const auto& r) { return read(r); });
+    router.add(Method::get, "/api/log", [this](const auto& r) { return read(r); });
 }
 
 Response LogResource::read(const Request& request) const {

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
-#include "server/metrics/Metrics.h"
-#include "server/WorkerLanes.h"
 #include "server/http/OriginPolicy.h"
 #include "server/http/Router.h"
+#include "server/lanes/WorkerLanes.h"
+#include "server/metrics/Metrics.h"
 
 namespace hmi {
 
@@ -19,7 +20,7 @@ public:
     using Reply = std::function<void(Response)>;
 
     /// Called on the I/O thread with a target that is not yet decoded; replies once, from any
-    /// thread, possibly before this returns.
+    /// thread, possibly before this returns; or not at all when the client has gone meanwhile.
     void dispatch(Request request, std::string_view target, Reply reply);
     static bool isStream(std::string_view target);
     /// Whether the client that asks may follow the stream.
@@ -28,6 +29,19 @@ public:
     static std::uint64_t bodyLimit(std::string_view target);
 
 private:
+    struct Exchange {
+        const Route& route;
+        const Request request;
+        const Reply reply;
+    };
+
+    void place(const std::shared_ptr<Exchange>& exchange);
+    void handle(const Place& place, const std::shared_ptr<Exchange>& exchange);
+    /// In that lane, unless the client has gone by then.
+    void run(const Place& place, const std::shared_ptr<Exchange>& exchange,
+             std::function<void()> work);
+    void answer(const Exchange& exchange, Response response);
+
     const Router& router;
     const OriginPolicy policy;
     WorkerLanes& lanes;

@@ -1,38 +1,57 @@
 #include "server/http/OriginPolicy.h"
 
-#include <algorithm>
+#include <boost/url/authority_view.hpp>
+#include <boost/url/parse.hpp>
+#include <boost/url/url_view.hpp>
 
 #include "server/json/Utf8.h"
 
 namespace hmi {
 
+namespace urls = boost::urls;
+
 namespace {
 
-bool isDigitOrDot(char c) {
-    return (c >= '0' && c <= '9') || c == '.';
+std::string hostOf(const urls::authority_view& authority) {
+    return toLowerAscii(authority.host());
 }
 
-/// Numbers lead to no foreign name. A bracket starts an address of IP version 6.
-bool isNumeric(std::string_view name) {
-    return name.starts_with('[') || std::all_of(name.begin(), name.end(), isDigitOrDot);
+bool isAddress(const urls::authority_view& authority) {
+    return authority.host_type() == urls::host_type::ipv4 ||
+           authority.host_type() == urls::host_type::ipv6;
 }
 
-std::string_view withoutPort(std::string_view host) {
-    const auto colon = host.rfind(':');
-    const auto bracket = host.rfind(']');
-    if (colon == std::string_view::npos || (bracket != std::string_view::npos && colon < bracket))
-        return host;
-    return host.substr(0, colon);
+std::string portOf(const urls::authority_view& authority, std::string_view scheme) {
+    if (authority.port().empty())
+        return scheme == "https" ? "443" : "80";
+    return authority.port();
 }
 
 }  // namespace
 
+OriginPolicy::OriginPolicy(const std::vector<std::string>& given) : names{"localhost"} {
+    for (const std::string& name : given)
+        names.insert(toLowerAscii(name));
+}
+
 bool OriginPolicy::allows(const Request& request) const {
-    const std::string host = toLowerAscii(request.host);
-    const std::string_view name = withoutPort(host);
-    if (!isNumeric(name) && name != "localhost" && name != toLowerAscii(address))
+    const auto host = urls::parse_authority(request.host);
+    if (!host || host->has_userinfo())
         return false;
-    return request.origin.empty() || toLowerAscii(request.origin) == "http://" + host;
+    if (!isAddress(*host) && !names.contains(hostOf(*host)))
+        return false;
+    if (request.origin.empty())
+        return true;
+    const auto origin = urls::parse_uri(request.origin);
+    if (!origin || (origin->scheme() != "http" && origin->scheme() != "https"))
+        return false;
+    const urls::authority_view from = origin->authority();
+    const std::string scheme = origin->scheme();
+    if (from.has_userinfo() || !origin->encoded_resource().empty())
+        return false;
+    if (hostOf(from) == hostOf(*host) && portOf(from, scheme) == portOf(*host, scheme))
+        return true;
+    return hostOf(from) != "localhost" && names.contains(hostOf(from));
 }
 
 }  // namespace hmi

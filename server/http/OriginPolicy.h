@@ -1,6 +1,8 @@
 #pragma once
 
+#include <set>
 #include <string>
+#include <vector>
 
 #include "server/http/Request.h"
 
@@ -10,14 +12,16 @@ namespace hmi {
 /// server through that browser. Immutable.
 class OriginPolicy {
 public:
-    explicit OriginPolicy(std::string address) : address(std::move(address)) {}
+    /// The names by which the server is known, besides `localhost` and addresses.
+    explicit OriginPolicy(const std::vector<std::string>& names);
 
     /// False for a host name that is not ours (a foreign name may lead here by a manipulated name
-    /// look-up), and for an origin other than the host that the request is for.
+    /// look-up), and for an origin that is neither the host that the request is for nor one of
+    /// the names: in front of those a proxy may stand, with another port.
     bool allows(const Request& request) const;
 
 private:
-    const std::string address;
+    std::set<std::string> names;
 };
 
 }  // namespace hmi

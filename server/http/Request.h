@@ -1,6 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "server/http/Target.h"
@@ -16,6 +18,8 @@ struct Request {
     std::string host;    ///< the header, empty when there is none
     std::string origin;  ///< likewise
     std::string body;
+    /// Set when nobody waits for the answer any more; null when that is never known.
+    std::shared_ptr<const std::atomic<bool>> abandoned;
 };
 
 }  // namespace hmi

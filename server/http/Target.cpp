@@ -3,49 +3,48 @@
 #include <algorithm>
 #include <charconv>
 
+#include <boost/url/encode.hpp>
+#include <boost/url/parse.hpp>
+#include <boost/url/rfc/pchars.hpp>
+#include <boost/url/url_view.hpp>
+
 #include "server/http/Response.h"
 #include "server/json/Utf8.h"
 
 namespace hmi {
 
+namespace urls = boost::urls;
+
 namespace {
 
-int hexDigit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    const char small = static_cast<char>(c | 0x20);
-    return small >= 'a' && small <= 'f' ? small - 'a' + 10 : -1;
+/// Clients send texts of other languages, brackets and the like as they are, though they should not.
+std::string encodeRest(std::string_view text) {
+    return urls::encode(text, urls::pchars + '/' + '?' + '%');
 }
 
-std::string decode(std::string_view text, bool plusIsSpace) {
-    std::string decoded;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '+' && plusIsSpace) {
-            decoded += ' ';
-        } else if (text[i] == '%') {
-            const int high = i + 2 < text.size() ? hexDigit(text[i + 1]) : -1;
-            const int low = i + 2 < text.size() ? hexDigit(text[i + 2]) : -1;
-            if (high < 0 || low < 0)
-                throw RequestError(400, "malformed percent-encoding");
-            decoded += static_cast<char>(high * 16 + low);
-            i += 2;
-        } else {
-            decoded += text[i];
-        }
-    }
+std::string decode(urls::pct_string_view text, bool plusIsSpace) {
+    urls::encoding_opts options;
+    options.space_as_plus = plusIsSpace;
+    std::string decoded = text.decode(options);
     if (!isUtf8(decoded) || decoded.find('\0') != std::string::npos)
         throw RequestError(400, "the address is not UTF-8 text");
     return decoded;
 }
 
-/// Calls back for each part; an empty text has none.
-template <class Function>
-void forEachPart(std::string_view text, char separator, Function function) {
-    while (!text.empty()) {
-        const auto end = std::min(text.find(separator), text.size());
-        function(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
+/// Where the path of an absolute address begins; 0 when the text is none.
+std::size_t lengthOfAuthority(std::string_view text) {
+    const auto colon = text.find("://");
+    if (text.starts_with('/') || colon == std::string_view::npos)
+        return 0;
+    return std::min(text.find_first_of("/?", colon + 3), text.size());
+}
+
+urls::url_view parseText(std::string_view text) {
+    const auto parsed =
+        text.starts_with('/') ? urls::parse_origin_form(text) : urls::parse_absolute_uri(text);
+    if (!parsed)
+        throw RequestError(400, "the address is malformed");
+    return *parsed;
 }
 
 }  // namespace
@@ -86,20 +85,24 @@ std::uint64_t Query::number(std::string_view name, std::uint64_t otherwise) cons
 }
 
 Target Target::parse(std::string_view text) {
-    if (!text.starts_with('/'))
-        throw RequestError(400, "the address does not start with a slash");
+    const std::string encoded = encodeRest(text);
+    const urls::url_view url = parseText(encoded);
+    if (!text.starts_with('/') && url.scheme() != "http" && url.scheme() != "https")
+        throw RequestError(400, "the address is of another protocol");
     Target target;
-    const auto mark = std::min(text.find('?'), text.size());
-    forEachPart(text.substr(1, mark - 1), '/',
-                [&](std::string_view part) { target.path.push_back(decode(part, false)); });
-    if (mark > 1 && text[mark - 1] == '/')
-        target.path.emplace_back();
-    forEachPart(text.substr(std::min(mark + 1, text.size())), '&', [&](std::string_view part) {
-        const auto equals = std::min(part.find('='), part.size());
-        target.query.add(decode(part.substr(0, equals), true),
-                         decode(part.substr(std::min(equals + 1, part.size())), true));
-    });
+    target.authority = url.encoded_authority();
+    for (const urls::pct_string_view name : url.encoded_segments())
+        target.path.push_back(decode(name, false));
+    for (const auto& parameter : url.encoded_params()) {
+        if (!parameter.key.empty() || parameter.has_value)
+            target.query.add(decode(parameter.key, true), decode(parameter.value, true));
+    }
     return target;
+}
+
+std::string_view Target::pathOf(std::string_view text) {
+    text.remove_prefix(lengthOfAuthority(text));
+    return text.substr(0, text.find('?'));
 }
 
 }  // namespace hmi

@@ -28,9 +28,12 @@ private:
 struct Target {
     std::vector<std::string> path;  ///< the names between the slashes
     Query query;
+    std::string authority;  ///< of an absolute address, as it stands there; else empty
 
-    /// Throws RequestError 400.
+    /// "/path?query", or the same behind "http://host:port". Throws RequestError 400.
     static Target parse(std::string_view text);
+    /// The path of a target that is not parsed yet, still encoded.
+    static std::string_view pathOf(std::string_view text);
 };
 
 }  // namespace hmi

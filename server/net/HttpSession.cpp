@@ -136,7 +136,21 @@ void HttpSession::serve() {
                        self->send(std::move(answer), keepAlive);
                    });
     };
-    context->dispatcher.dispatch(takeRequest(), std::string(parser->get().target()), reply);
+    Request request = takeRequest();
+    request.abandoned = watchClient();
+    context->dispatcher.dispatch(std::move(request), std::string(parser->get().target()), reply);
+}
+
+/// Becomes true when the client ends the connection before it has its answer. One that sends its
+/// next request already is not watched any more.
+std::shared_ptr<const std::atomic<bool>> HttpSession::watchClient() {
+    auto gone = std::make_shared<std::atomic<bool>>(false);
+    stream.socket().async_wait(asio::ip::tcp::socket::wait_read,
+                               [self = shared_from_this(), gone](Error error) {
+                                   if (!error)
+                                       *gone = self->stream.socket().available(error) == 0;
+                               });
+    return gone;
 }
 
 std::shared_ptr<HttpSession> HttpSession::sharedWithWorkers() {
@@ -154,6 +168,8 @@ void HttpSession::follow() {
 }
 
 void HttpSession::send(Response reply, bool keepAlive) {
+    Error ignored;
+    stream.socket().cancel(ignored);  // the client is not watched any more
     const bool isPage = reply.contentType.starts_with("text/html");
     response = {static_cast<http::status>(reply.status), 11, std::move(reply.body)};
     response.set(http::field::content_type, reply.contentType);

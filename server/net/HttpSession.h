@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -47,6 +48,7 @@ private:
     void serve();
     /// Whoever lets go last, on whatever thread, the session ends on its own.
     std::shared_ptr<HttpSession> sharedWithWorkers();
+    std::shared_ptr<const std::atomic<bool>> watchClient();
     void follow();
     Request takeRequest();
     void send(Response response, bool keepAlive);

@@ -19,7 +19,12 @@ public:
     ConnectedLookup() {
         EXPECT_EQ(connection.create(), S_OK);
         connection.setTimeout(60'000);
-        EXPECT_TRUE(connection.connect(fillerNetId, false, abandoned));
+        connect(false);
+    }
+    void connect(bool preloadTranslations) {
+        connection.get()->Disconnect();
+        connection.connect(fillerNetId, preloadTranslations);
+        connection.setState({true, S_OK});
     }
 
     Simulation simulation;
