@@ -18,7 +18,7 @@ install() {
 }
 
 native_packages=(g++ cmake ninja-build libboost1.81-dev libboost-thread1.81-dev
-    libcli11-dev libspdlog-dev libffi-dev libgmock-dev libbenchmark-dev)
+    libcli11-dev libspdlog-dev libffi-dev libgmock-dev libbenchmark-dev python3)
 lint_packages=(clang-14)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 xz-utils)
 
