@@ -12,6 +12,9 @@ public:
 
     std::optional<HRESULT> enter(Operation operation) override {
         std::optional<HRESULT> answer;
+        // Without a connection there is none to ask about, and no runtime that could hang in it.
+        if (operation == Operation::IsConnected || operation == Operation::Disconnect)
+            return answer;
         for (const auto& entry : simulator.copyRuntimes()) {
             const auto its = entry.second->clientBorder()->enter(operation);
             if (!answer)

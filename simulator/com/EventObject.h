@@ -84,6 +84,8 @@ protected:
     virtual EventRecord record() const = 0;
 
     bool offers(REFIID iid) const final {
+        if (iid == InterfaceId<ZrEventLoggerFnxProxyLib::IZrEventInstance>::value())
+            return record().instanceId != 0;
         return iid != InterfaceId<ZrEventLoggerFnxProxyLib::IZrJsonAttribute>::value() ||
                record().content->json.has_value();
     }

@@ -11,7 +11,7 @@ namespace json = boost::json;
 
 Runtime::Runtime(RuntimeDefinition definition)
     : events(std::move(definition.catalog)),
-      ledger(std::move(definition.logged)),
+      ledger(std::move(definition.logged), definition.instanceIds),
       steps(std::move(definition.timeline)),
       repeat(definition.repeat) {}
 

@@ -55,10 +55,10 @@ std::vector<std::string> allNetIds() {
 }
 
 std::vector<ConfiguredTarget> allTargets() {
-    std::vector<ConfiguredTarget> all{{"Healthy", healthyNetId}};
+    std::vector<ConfiguredTarget> targets{{"Healthy", healthyNetId}};
     for (std::size_t index = 0; index < sickTargets; ++index)
-        all.push_back({nameOf(index), netIdOf(index)});
-    return all;
+        targets.push_back({nameOf(index), netIdOf(index)});
+    return targets;
 }
 
 struct Isolation : testing::Test {

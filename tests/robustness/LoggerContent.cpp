@@ -38,10 +38,19 @@ LoggerContent readLogger(const char* netId, ULONG limit) {
         [&](IZrAlarmCollection** active) { return logger->GetActiveAlarms(active); });
     forEachItem<IZrAlarm>(*alarms, [&](const auto& alarm) {
         content.events.insert(imageOf(*alarm));
+        content.uncleared.emplace_back(imageOf(*alarm), unclearedImageOf(*alarm));
         ++content.active;
     });
     check(logger->Disconnect());
     return content;
+}
+
+void acceptUncleared(LoggerContent& content, const EventImages& shown) {
+    for (const auto& [image, uncleared] : content.uncleared)
+        if (!shown.contains(image) && shown.contains(uncleared)) {
+            content.events.erase(content.events.find(image));
+            content.events.insert(uncleared);
+        }
 }
 
 }  // namespace bridge_test

@@ -152,7 +152,8 @@ Findings RunningServer::compare(const char* target, const char* netId) {
         shown.insert(
             std::visit([](const auto& event) { return imageOf(event); }, record->content.event));
     }
-    const LoggerContent logger = readLogger(netId, eventLimit);
+    LoggerContent logger = readLogger(netId, eventLimit);
+    acceptUncleared(logger, shown);
     compareImages(findings, "the server", shown, "the logger", logger.events);
     compareCounters(findings, state, page.events, logger.active);
     return findings;

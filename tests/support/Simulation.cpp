@@ -9,7 +9,7 @@ namespace bridge_test {
 
 namespace {
 
-std::string runtime(const std::string& netId, const std::string& log) {
+std::string runtime(const std::string& netId, const std::string& log, bool numbered) {
     return "\"" + netId + R"(": {"eventClasses": {")" + eventClass +
            R"(": {"name": {"1033": "Machine", "1031": "Maschine"}, "events": {
         "1": {"kind": "alarm", "severity": 3, "confirm": true,
@@ -20,7 +20,7 @@ std::string runtime(const std::string& netId, const std::string& log) {
         "2": {"kind": "alarm", "severity": 2, "confirm": false, "text": {"1033": "Door open"}},
         "3": {"kind": "message", "severity": 1, "text": {"1033": "Batch done"}}}}},
         "sources": {"Tank": {"1031": "Behälter"}}, "logged": )" +
-           log + "}";
+           log + (numbered ? "}" : R"(, "instanceIds": false})");
 }
 
 /// Ends a call of the simulator, which has to answer 200.
@@ -40,14 +40,14 @@ void load(const std::string& runtimes) {
 
 }  // namespace
 
-Simulation::Simulation(const std::string& fillerLog) {
-    load(runtime(fillerNetId, fillerLog) + "," + runtime(packerNetId, "[]"));
+Simulation::Simulation(const std::string& fillerLog, bool numbered) {
+    load(runtime(fillerNetId, fillerLog, numbered) + "," + runtime(packerNetId, "[]", numbered));
 }
 
 Simulation::Simulation(const std::vector<std::string>& netIds, const std::string& log) {
     std::string runtimes;
     for (const std::string& netId : netIds)
-        runtimes += (runtimes.empty() ? "" : ",") + runtime(netId, log);
+        runtimes += (runtimes.empty() ? "" : ",") + runtime(netId, log, true);
     load(runtimes);
 }
 

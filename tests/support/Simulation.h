@@ -15,8 +15,9 @@ inline constexpr const char* eventClass = "{0000ABCD-0001-0002-0304-05060708090A
 /// confirmation, 2 one that does not, 3 a message.
 class Simulation {
 public:
-    /// The filler, with this log, and the packer.
-    explicit Simulation(const std::string& fillerLog = "[]");
+    /// The filler, with this log, and the packer. `numbered`: whether the loggers have instance
+    /// numbers.
+    explicit Simulation(const std::string& fillerLog = "[]", bool numbered = true);
     /// Runtimes that all have this log.
     explicit Simulation(const std::vector<std::string>& netIds, const std::string& log = "[]");
     ~Simulation();
