@@ -136,7 +136,7 @@ TEST_F(LoggedEventImport, ShowsTheFinalStateOfWhatChangedMeanwhile) {
 }
 
 TEST_F(LoggedEventImport, ADatabaseChangeEndsTheReplay) {
-    loggedAlarm(1, 1, true);  // left to the import that follows
+    loggedAlarm(1, 1, true);
     FakeEvent& before = source(2);
     FakeEvent& behind = source(3);
     logger.betweenTheLists = [&] {
@@ -145,7 +145,7 @@ TEST_F(LoggedEventImport, ADatabaseChangeEndsTheReplay) {
         sent(behind);
     };
     EXPECT_EQ(import()->databaseChange, databaseChangeDeleted);
-    EXPECT_THAT(stored(), ElementsAre("2s message"));
+    EXPECT_THAT(stored(), ElementsAre("1s invalid 1", "2s message"));
     EXPECT_EQ(references(), 0);
     sent(behind);
     EXPECT_THAT(host.take(), ElementsAre("send 3s")) << "records no more";
