@@ -24,26 +24,21 @@ bool isStillActive(const EventContext& context, IZrLoggedEvent& item) {
 }  // namespace
 
 void ImportSnapshot::fetch(Logger& logger) {
-    context.proceed();
     const auto loggedEvents =
-        receiveObject<IZrLoggedEventCollection>([&](IZrLoggedEventCollection** events) {
+        context.receive<IZrLoggedEventCollection>([&](IZrLoggedEventCollection** events) {
             return logger.GetLoggedEvents(static_cast<ULONG>(context.eventLimit), events);
         });
-    context.proceed();
-    const auto alarms = receiveObject<IZrAlarmCollection>(
+    const auto alarms = context.receive<IZrAlarmCollection>(
         [&](IZrAlarmCollection** collection) { return logger.GetActiveAlarms(collection); });
-    forEachItem<IZrLoggedEvent>(*loggedEvents, [&](auto item) {
+    context.forEach<IZrLoggedEvent>(*loggedEvents, [&](auto item) {
         ++fetchedLogged;
         rejected.unlessMalformed([&] { takeLogged(std::move(item)); });
-        context.proceed();
     });
-    forEachItem<IZrAlarm>(*alarms, [&](auto alarm) {
-        takeActive(std::move(alarm));
-        context.proceed();
-    });
+    context.forEach<IZrAlarm>(*alarms, [&](auto alarm) { takeActive(std::move(alarm)); });
     convertActive();
     convertUnlisted();
-    // The proxy is not called any more: an import that fails has drawn no ids.
+    // The proxy is not called any more: an import that fails or is abandoned has drawn no ids.
+    context.proceed();
     keepIds();
     drawIds();
     build();
