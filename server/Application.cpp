@@ -24,10 +24,19 @@ ZrHmiSrv::Text domainOf(const std::filesystem::path& extension) {
 
 Application::Application(const Options& given)
     : options(given),
+      texts([this](const EventRecord& event,
+                   const std::string& locale) { return backend.calls.localize(event, locale); },
+            lanes, feed),
       backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics),
       dispatcher(router, OriginPolicy(options.allowedHosts), lanes, metrics),
       server(io.context(), options.address, options.port, dispatcher, hub) {
+    feed.add("texts", texts);  // before those that tell readers to ask again
     feed.add("stream", hub);
+}
+
+Application::~Application() {
+    lanes.stop();
+    lanes.join();
 }
 
 void Application::addRoutes() {
@@ -78,6 +87,7 @@ void Application::serve(StopSignal& signal) {
 
 void Application::stop(std::future<void>& started) {
     server.stop();
+    texts.stop();
     lanes.stop();
     // At once, and not when the calls are over: it is what makes them end.
     backend.shutDownExtension();

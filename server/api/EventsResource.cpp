@@ -52,18 +52,20 @@ void EventsResource::addRoutes(Router& router) {
 }
 
 Response EventsResource::list(const Request& request) {
-    const bool localized = request.target.query.find("locale") != nullptr;
-    const EventSearch::Result found = EventSearch(request.target.query).run(book, extension);
+    const EventSearch search(request.target.query);
+    const EventSearch::Result found = search.run(book, texts);
     json::monotonic_resource memory;
     json::array events(&memory);
     events.reserve(found.hits.size());
     for (const EventSearch::Hit& hit : found.hits) {
         json::object event = toJson(*hit.event, &memory);
-        if (localized && hit.texts.result == ErrorValue::success)
-            addTexts(event, hit.texts);
+        if (hit.texts && hit.texts->result == ErrorValue::success)
+            addTexts(event, *hit.texts);
         events.push_back(std::move(event));
     }
     json::object body({{"total", found.total}}, &memory);
+    if (search.isLocalized())
+        body.emplace("textsPending", found.textsPending);
     body.emplace("events", std::move(events));
     return Response::json(std::move(body));
 }
@@ -73,12 +75,12 @@ Response EventsResource::one(const Request& request) {
     const EventRecordPtr event = find(request);
     json::object body = toJson(*event);
     if (const std::string* const locale = request.target.query.find("locale")) {
-        const auto texts = extension.localize(*event, *locale);
-        if (!texts)
+        const auto localized = extension.localize(*event, *locale);
+        if (!localized)
             return Response::error(503, "the extension localizes nothing");
-        if (texts->result != ErrorValue::success)
-            return localizationError(texts->result);
-        addTexts(body, *texts);
+        if (localized->result != ErrorValue::success)
+            return localizationError(localized->result);
+        addTexts(body, *localized);
     }
     return Response::json(std::move(body));
 }

@@ -28,6 +28,28 @@ bool isEntry(const ConfigurationPath& path) {
     return path.depth() >= 2 && path.name(0) == "TARGET_SYSTEMS";
 }
 
+/// False when something above the path is no object.
+bool apply(json::value& document, const ConfigurationPath& path,
+           const std::optional<json::value>& value) {
+    if (value)
+        return path.assign(document, *value);
+    path.erase(document);
+    return true;
+}
+
+/// Throws ConfigurationError when a change at the path has made no configuration.
+void check(const json::value& document, const ConfigurationPath& path) {
+    if (!isEntry(path)) {
+        if (const auto fault = findFieldFault(document))
+            throw ConfigurationError(*fault);
+    }
+    // The extension would not start with it the next time.
+    if (path.depth() > 0 && path.name(0) == "TIMEOUT") {
+        if (const auto fault = findTimeoutFault(document))
+            throw ConfigurationError(*fault);
+    }
+}
+
 }  // namespace
 
 ConfigurationStore::State ConfigurationStore::load(const std::filesystem::path& file) {
@@ -39,7 +61,9 @@ ConfigurationStore::State ConfigurationStore::load(const std::filesystem::path& 
 }
 
 ConfigurationStore::ConfigurationStore(std::filesystem::path from)
-    : file(resolved(from)), state(load(from)) {}
+    : file(resolved(from)), state(load(from)) {
+    accepted = state.document;
+}
 
 std::optional<json::value> ConfigurationStore::get(const ConfigurationPath& path) const {
     Lock lock(mutex);
@@ -65,38 +89,62 @@ Value ConfigurationStore::read(const ConfigurationPath& path) const {
 ResultPair ConfigurationStore::change(const ConfigurationPath& path,
                                       std::optional<json::value> value,
                                       const std::function<ResultPair()>& accept) {
-    State next;
-    {
-        Lock lock(mutex);
-        next.document = state.document;
+    const auto proposal = propose({path, value});
+    ResultPair answer;
+    try {
+        answer = accept();
+    } catch (...) {
+        withdraw(proposal);
+        throw;
     }
-    if (!value)
-        path.erase(next.document);
-    else if (!path.assign(next.document, std::move(*value)))
-        throw ConfigurationError("a value above it is not an object");
-    if (!isEntry(path)) {
-        if (const auto fault = findFieldFault(next.document))
-            throw ConfigurationError(*fault);
-    }
-    // The extension would not start with it the next time.
-    if (path.depth() > 0 && path.name(0) == "TIMEOUT") {
-        if (const auto fault = findTimeoutFault(next.document))
-            throw ConfigurationError(*fault);
-    }
-    next.value = configurationValue(next.document);
-    ReplacementFile replacement(file, prettyJson(next.document));
-    {
-        Lock lock(mutex);
-        std::swap(state, next);
-    }
-    ResultPair answer = accept();
-    if (!answer.succeeded()) {
-        Lock lock(mutex);
-        std::swap(state, next);
-        return answer;
-    }
-    replacement.commit();
+    if (answer.succeeded())
+        keep(proposal);
+    else
+        withdraw(proposal);
     return answer;
+}
+
+ConfigurationStore::Proposals::iterator ConfigurationStore::propose(const Proposal& proposal) {
+    Lock fileLock(fileMutex);
+    json::value next;
+    {
+        Lock lock(mutex);
+        next = accepted;
+    }
+    if (!apply(next, proposal.path, proposal.value))
+        throw ConfigurationError("a value above it is not an object");
+    check(next, proposal.path);
+    ReplacementFile(file, prettyJson(next));  // there is room for it
+    Lock lock(mutex);
+    const auto added = proposals.insert(proposals.end(), proposal);
+    rebuild();
+    return added;
+}
+
+void ConfigurationStore::withdraw(Proposals::iterator proposal) {
+    Lock lock(mutex);
+    proposals.erase(proposal);
+    rebuild();
+}
+
+void ConfigurationStore::keep(Proposals::iterator proposal) {
+    Lock fileLock(fileMutex);
+    std::string text;
+    {
+        Lock lock(mutex);
+        apply(accepted, proposal->path, proposal->value);
+        proposals.erase(proposal);
+        text = prettyJson(accepted);
+    }
+    ReplacementFile(file, text).commit();
+}
+
+void ConfigurationStore::rebuild() {
+    State next{accepted, {}};
+    for (const Proposal& proposal : proposals)
+        apply(next.document, proposal.path, proposal.value);
+    next.value = configurationValue(next.document);
+    std::swap(state, next);
 }
 
 }  // namespace hmi

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <list>
 #include <optional>
 #include <stdexcept>
 
@@ -20,8 +21,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The extension's configuration and the file that it lives in. Reading is thread-safe; changes
-/// come one at a time.
+/// The extension's configuration and the file that it lives in. Thread-safe; of each entry of
+/// TARGET_SYSTEMS, and of all the rest, one change comes at a time.
 class ConfigurationStore {
 public:
     /// Throws StartError, which names the file and the field.
@@ -46,11 +47,24 @@ private:
         boost::json::value document;
         ZrHmiSrv::Value value;
     };
+    struct Proposal {
+        const ConfigurationPath& path;
+        const std::optional<boost::json::value>& value;  ///< none: to delete
+    };
+    using Proposals = std::list<Proposal>;
+
     static State load(const std::filesystem::path& file);
+    Proposals::iterator propose(const Proposal& proposal);
+    void withdraw(Proposals::iterator proposal);
+    void keep(Proposals::iterator proposal);
+    void rebuild() REQUIRES(mutex);
 
     const std::filesystem::path file;
-    mutable Mutex mutex;  ///< guards the state; nothing is called under it
-    State state GUARDED_BY(mutex);
+    Mutex fileMutex ACQUIRED_BEFORE(mutex);  ///< one writes the file at a time
+    mutable Mutex mutex;                     ///< guards all below; nothing is called under it
+    boost::json::value accepted GUARDED_BY(mutex);  ///< as it stands in the file
+    Proposals proposals GUARDED_BY(mutex);          ///< the extension is being asked about them
+    State state GUARDED_BY(mutex);                  ///< what is accepted, with the proposals
 };
 
 }  // namespace hmi

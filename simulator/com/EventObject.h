@@ -65,8 +65,8 @@ public:
         return catchToResult([&]() -> HRESULT {
             if (!buffer)
                 return E_POINTER;
-            if (const HRESULT hr = this->border->enter(Operation::Arguments); FAILED(hr))
-                return hr;
+            if (const auto answer = this->border->enter(Operation::Arguments))
+                return *answer;
             const auto content = record().content;
             const auto& [types, data] = content->block;
             if (size < types.size() + data.size())
@@ -99,8 +99,8 @@ protected:
             if (!argument)
                 return E_POINTER;
             VariantInit(argument);
-            if (const HRESULT hr = this->border->enter(Operation::Arguments); FAILED(hr))
-                return hr;
+            if (const auto answer = this->border->enter(Operation::Arguments))
+                return *answer;
             const auto content = record().content;
             if (index >= content->arguments.size())
                 return DISP_E_BADINDEX;

@@ -2,6 +2,7 @@
 
 #include "events/ProxyValue.h"
 #include "platform/Text.h"
+#include "targetsystem/proxy/CreateInstance.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;
@@ -21,11 +22,9 @@ bool isActive(const ComPtr<IZrLoggedEvent>& event) {
 
 }  // namespace
 
-LoggerContent readLogger(CreateInstanceFunction& createInstance, const char* netId, ULONG limit) {
-    const auto logger = receiveObject<IZrEventLogger4>([&](IZrEventLogger4** created) {
-        return createInstance(CLSID_EventLogger, InterfaceId<IZrEventLogger4>::value(),
-                              reinterpret_cast<void**>(created));
-    });
+LoggerContent readLogger(const char* netId, ULONG limit) {
+    ComPtr<IZrEventLogger4> logger;
+    check(ZrAtlCom::createInstance(CLSID_EventLogger, logger));
     const ScopedBstr address(netId);
     check(logger->Connect(address.get()));
     LoggerContent content;

@@ -84,6 +84,31 @@ TEST_F(ConfigurationStoreTest, IsWrittenWhenAcceptedAndRolledBackWhenRefused) {
     EXPECT_FALSE(store.get(path("A"))) << "it could not be written";
 }
 
+TEST_F(ConfigurationStoreTest, AnEntryThatIsNotDecidedYetHoldsUpNoOther) {
+    ConfigurationStore store(file);
+    const auto accept = [] { return ResultPair(); };
+    store.change(path("TARGET_SYSTEMS::B"), json::value({{"ENABLED", true}}), accept);
+    const json::value before = written();
+    store.change(path("TARGET_SYSTEMS::A"), json::value(5), [&] {
+        store.change(path("TARGET_SYSTEMS::B"), std::nullopt, [&] {
+            EXPECT_EQ(static_cast<int>(store.read(path("TARGET_SYSTEMS::A"))), 5);
+            EXPECT_FALSE(store.read(path("TARGET_SYSTEMS::B")).isset());
+            return ResultPair(ErrorValue::operation_failed);
+        });
+        store.change(path("LIMIT_EVENT_COUNT"), json::value(7), accept);
+        EXPECT_EQ(static_cast<int>(store.read(path("TARGET_SYSTEMS::A"))), 5);
+        EXPECT_TRUE(written().at("TARGET_SYSTEMS").at("A").is_object()) << "nobody has accepted it";
+        return ResultPair(ErrorValue::invalid_configuration);
+    });
+    json::value expected = before;
+    expected.as_object()["LIMIT_EVENT_COUNT"] = 7;
+    EXPECT_EQ(written(), expected);
+    EXPECT_EQ(store.get({}), expected);
+    std::ifstream stream(file);
+    const std::string text(std::istreambuf_iterator<char>(stream), {});
+    EXPECT_LT(text.find("\"A\""), text.find("\"B\"")) << "target systems keep their order";
+}
+
 TEST(ConfigurationWatchTest, TellsChangesBelowAWatchedPathAsASet) {
     const Value settings = fromJson(json::parse(
         R"([{"flags": 48, "paths": ["TARGETS::*"]}, {"flags": 16, "paths": ["LIMIT"]}])"));
