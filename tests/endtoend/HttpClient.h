@@ -25,6 +25,9 @@ HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std:
 /// Sends bytes as they are on a connection of their own; status 0 when there is no answer.
 HttpAnswer sendRaw(std::uint16_t port, const std::string& bytes);
 
+/// Sends a request on a connection of its own and leaves before there can be an answer.
+void abandonRequest(std::uint16_t port, const std::string& method, const std::string& target);
+
 /// Follows the stream of the server.
 class StreamClient {
 public:

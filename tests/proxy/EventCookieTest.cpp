@@ -17,7 +17,8 @@ public:
     HRESULT unadviseResult = S_OK;
     DWORD made = 0;
     DWORD ended = 0;
-    std::function<void()> meanwhile = [] {};  ///< in the next call
+    DWORD lastEnded = 0;
+    std::function<void()> meanwhile;  ///< once, inside the next call of those below
 
     HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID, IConnectionPoint** found) override {
         AddRef();
@@ -25,14 +26,16 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE Advise(IUnknown*, DWORD* cookie) override {
-        if (SUCCEEDED(adviseResult))
-            *cookie = ++made;
-        std::exchange(meanwhile, [] {})();
-        return adviseResult;
+        if (FAILED(adviseResult))
+            return adviseResult;
+        *cookie = ++made;
+        overlap();
+        return S_OK;
     }
-    HRESULT STDMETHODCALLTYPE Unadvise(DWORD) override {
+    HRESULT STDMETHODCALLTYPE Unadvise(DWORD cookie) override {
         ++ended;
-        std::exchange(meanwhile, [] {})();
+        lastEnded = cookie;
+        overlap();
         return unadviseResult;
     }
     HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints**) override {
@@ -43,6 +46,12 @@ public:
         return E_NOTIMPL;
     }
     HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
+
+private:
+    void overlap() {
+        if (const auto other = std::exchange(meanwhile, nullptr))
+            other();
+    }
 };
 
 struct EventCookie : testing::Test {
@@ -72,17 +81,26 @@ TEST_F(EventCookie, EndsEachConnectionOnce) {
     EXPECT_EQ(source.references(), 1);
 }
 
-// As from another thread: in the middle of the source's own calls.
-TEST_F(EventCookie, OverlappingCallsEndEveryConnectionExactlyOnce) {
+TEST_F(EventCookie, CallersThatOverlapEndEveryConnectionExactlyOnce) {
     ZrAtlCom::EventCookie cookie;
     source.meanwhile = [&] { EXPECT_EQ(advise(cookie), S_OK); };
     EXPECT_EQ(advise(cookie), S_FALSE) << "the other was faster";
     EXPECT_EQ(source.made, 2u);
     EXPECT_EQ(source.ended, 1u);
     EXPECT_TRUE(cookie.advised());
+
     source.meanwhile = [&] { EXPECT_EQ(cookie.unadvise(), S_OK); };
     EXPECT_EQ(cookie.unadvise(), S_OK);
     EXPECT_EQ(source.ended, 2u);
+
+    // A connection that could not be ended does not take the place of one that was made meanwhile.
+    advise(cookie);
+    source.unadviseResult = E_ABORT;
+    source.meanwhile = [&] { EXPECT_EQ(advise(cookie), S_OK); };
+    EXPECT_EQ(cookie.unadvise(), E_ABORT);
+    source.unadviseResult = S_OK;
+    EXPECT_EQ(cookie.unadvise(), S_OK);
+    EXPECT_EQ(source.lastEnded, source.made);
     EXPECT_EQ(source.references(), 1);
 }
 
