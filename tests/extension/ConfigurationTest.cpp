@@ -146,21 +146,21 @@ TEST(Diagnostics, TellsEachNumberOfItsOwn) {
                    std::string(eventClass) + "\"}");
     ASSERT_TRUE(host.waitFor([&] { return host.logged("FORGET_EVENT") == 3; }));
 
-    const Value targets = loaded.command("Diagnostics").read_value().get_map().get("TARGET_SYSTEMS");
+    const Value targets =
+        loaded.command("Diagnostics").read_value().get_map().get("TARGET_SYSTEMS");
     const Value filler = targets.get_map().get("Filler");
     std::vector<std::pair<std::string, int>> numbers;
     for (auto field = filler.begin(); field != filler.end(); ++field)
         if (field->is_number())
             numbers.emplace_back(field.name(), static_cast<int>(*field));
-    EXPECT_EQ(numbers,
-              (std::vector<std::pair<std::string, int>>{{"importedEventsCount", 18},
-                                                        {"importedAlarmsCount", 8},
-                                                        {"importedInvalidAlarmsCount", 3},
-                                                        {"importedMessagesCount", 10},
-                                                        {"activeAlarmsCount", 2},
-                                                        {"cachedAlarmsCount", 6},
-                                                        {"cachedInvalidAlarmsCount", 1},
-                                                        {"cachedMessagesCount", 9}}));
+    EXPECT_EQ(numbers, (std::vector<std::pair<std::string, int>>{{"importedEventsCount", 18},
+                                                                 {"importedAlarmsCount", 8},
+                                                                 {"importedInvalidAlarmsCount", 3},
+                                                                 {"importedMessagesCount", 10},
+                                                                 {"activeAlarmsCount", 2},
+                                                                 {"cachedAlarmsCount", 6},
+                                                                 {"cachedInvalidAlarmsCount", 1},
+                                                                 {"cachedMessagesCount", 9}}));
 }
 
 }  // namespace
