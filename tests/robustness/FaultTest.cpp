@@ -123,7 +123,7 @@ std::vector<Machine> run(const FaultCase& fault, std::size_t firstCall, std::siz
 }
 
 class EveryCall : public testing::TestWithParam<FaultCase> {
-    const Watchdog watchdog{std::chrono::seconds(110)};
+    const Watchdog watchdog{std::chrono::seconds(290)};
 };
 
 TEST_P(EveryCall, MayGoWrongOnce) {
@@ -258,7 +258,7 @@ protected:
         return "none, the " + std::to_string(n) + ".";
     }
 
-    const Watchdog watchdog{std::chrono::seconds(110)};
+    const Watchdog watchdog{std::chrono::seconds(290)};
     Simulation simulation;
     RunningServer server{{}};
     std::size_t withoutLogger = 0;
@@ -300,7 +300,6 @@ INSTANTIATE_TEST_SUITE_P(
 
 /// A library that loses a notification must be found out, each time.
 TEST(Checks, SeeADefectOfTheLibrary) {
-    const Watchdog watchdog(std::chrono::seconds(100));
     constexpr std::size_t told = 4;  // of the alarm and the message, while the connection stands
     const auto machines = run({"", R"("Notification")", R"("hresult": "0x98110745")", 0}, 0,
                               told + 1, std::chrono::milliseconds(1500));
