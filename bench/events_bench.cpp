@@ -232,7 +232,8 @@ void heapPerStoredEvent(benchmark::State& state) {
         state.counters["live_bytes"] = perEvent(before);
         for (const auto& alarm : alarms)
             pieces.lifecycle.handle({NotificationKind::alarmCleared,
-                                     ComPtr<IZrAlarm>(alarm.get()),
+                                     ZrAtlCom::ComPtr<ZrEventLoggerFnxProxyLib::IZrAlarm>(
+                                         alarm.get()),
                                      {},
                                      VARIANT_TRUE,
                                      {}},
