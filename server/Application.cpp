@@ -28,6 +28,7 @@ Application::Application(const Options& given)
       server(io.context(), options.address, options.port, dispatcher, hub) {}
 
 void Application::addRoutes() {
+    aboutResource.addRoutes(router);
     eventsResource.addRoutes(router);
     configResource.addRoutes(router);
     commandsResource.addRoutes(router);
@@ -39,7 +40,9 @@ void Application::addRoutes() {
         simulatorResource->addRoutes(router);
     }
     router.add(Method::get, "/api/stream", Lane::local, [](const Request&) {
-        return Response::error(426, "the stream is for WebSocket clients");
+        Response response = Response::error(426, "the stream is for WebSocket clients");
+        response.headers.emplace_back("Upgrade", "websocket");
+        return response;
     });
 }
 
@@ -50,12 +53,14 @@ void Application::run() {
         simulator->loadPlant(options.plant);
     }
     backend.start(options.extension);
+    aboutResource.setReady(true);
     addRoutes();
     server.start();
     std::printf("listening on %s\n", server.url().c_str());
     std::fflush(stdout);
     stop.wait();
     hmi::log(LogLevel::info, "stopping");
+    aboutResource.setReady(false);
     server.stop();
     lanes.join();
     backend.stop();

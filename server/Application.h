@@ -5,6 +5,7 @@
 #include "server/Backend.h"
 #include "server/Options.h"
 #include "server/WorkerLanes.h"
+#include "server/api/AboutResource.h"
 #include "server/api/CommandsResource.h"
 #include "server/api/ConfigResource.h"
 #include "server/api/EventsResource.h"
@@ -40,6 +41,7 @@ private:
     Router router;
     WorkerLanes lanes;
     Dispatcher dispatcher;
+    AboutResource aboutResource;
     EventsResource eventsResource{backend.events, backend.calls, metrics};
     ConfigResource configResource{backend.configuration, backend.calls};
     CommandsResource commandsResource{backend.calls};

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "server/Log.h"
+#include "server/http/Conditional.h"
 
 namespace hmi {
 
@@ -16,7 +17,7 @@ Response answer(Function function) {
         return function();
     } catch (const MethodError& error) {
         Response response = Response::error(error.status, error.what());
-        response.allow = error.allow;
+        response.headers.emplace_back("Allow", error.allow);
         return response;
     } catch (const RequestError& error) {
         return Response::error(error.status, error.what());
@@ -53,7 +54,11 @@ void Dispatcher::dispatch(Request request, std::string_view target, Reply reply)
         return send(std::move(refusal));
     const Lane lane = laneOf(*route, request);
     lanes.run(lane, [route, send, request = std::make_shared<Request>(std::move(request))] {
-        send(answer([&] { return route->handler(*request); }));
+        send(answer([&] {
+            Response response = route->handler(*request);
+            fit(*request, response);
+            return response;
+        }));
     });
 }
 

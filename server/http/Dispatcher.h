@@ -21,6 +21,8 @@ public:
     /// Called on the I/O thread with a target that is not yet decoded; replies once, from any
     /// thread, possibly before this returns.
     void dispatch(Request request, std::string_view target, Reply reply);
+    /// Has a worker do what takes time but waits for nothing.
+    void work(std::function<void()> task) { lanes.run(Lane::local, std::move(task)); }
     static bool isStream(std::string_view target);
     /// Whether the client that asks may follow the stream.
     bool allowsStream(const Request& request) const { return policy.allows(request); }

@@ -1,5 +1,6 @@
 #include "server/net/HttpServer.h"
 
+#include <algorithm>
 #include <chrono>
 #include <sstream>
 
@@ -8,6 +9,7 @@
 #include <boost/asio/steady_timer.hpp>
 
 #include "server/StartError.h"
+#include "server/net/FileLimit.h"
 #include "server/net/HttpSession.h"
 
 namespace hmi {
@@ -24,18 +26,14 @@ public:
         : io(io),
           socket(io),
           retry(io),
-          context(std::make_shared<SessionContext>(SessionContext{dispatcher, hub, {}})) {
+          context(std::make_shared<SessionContext>(
+              SessionContext{dispatcher, hub, Connections(limits())})) {
         socket.open(endpoint.protocol());
 #ifndef _WIN32
         socket.set_option(tcp::acceptor::reuse_address(true));  // on Windows it means to share it
 #endif
         socket.bind(endpoint);
         socket.listen();
-        context->connections.onEnd([this] { accept(); });
-    }
-
-    ~Acceptor() {
-        context->connections.onEnd([] {});
     }
 
     tcp::endpoint endpoint() const {
@@ -59,8 +57,15 @@ public:
     }
 
 private:
+    static Connections::Limits limits() {
+        Connections::Limits limits;
+        constexpr std::size_t others = 128;  // files and pipes that are no connections
+        limits.connections = std::min(limits.connections, raiseFileLimit() - others);
+        return limits;
+    }
+
     void accept() {
-        if (!started || accepting || context->connections.isFull())
+        if (!started || accepting)
             return;
         accepting = true;
         socket.async_accept([this](error_code error, tcp::socket client) {
@@ -69,9 +74,19 @@ private:
                 return;
             if (error)
                 return acceptLater();
-            std::make_shared<HttpSession>(std::move(client), context)->readRequest();
+            serve(std::move(client));
             accept();
         });
+    }
+
+    void serve(tcp::socket client) {
+        error_code error;
+        const auto peer = client.remote_endpoint(error).address();
+        client.set_option(tcp::no_delay(true), error);
+        const auto session = std::make_shared<HttpSession>(ClientStream(std::move(client), nullptr),
+                                                           peer, context);
+        if (context->connections.makeRoomFor(*session))
+            session->start();
     }
 
     /// The system is short of something, most likely of file handles.

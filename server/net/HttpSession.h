@@ -4,12 +4,13 @@
 #include <optional>
 
 #include <boost/beast/core/flat_buffer.hpp>
-#include <boost/beast/core/tcp_stream.hpp>
 #include <boost/beast/http/message.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/string_body.hpp>
 
 #include "server/http/Dispatcher.h"
+#include "server/net/Answer.h"
+#include "server/net/ClientStream.h"
 #include "server/net/Connection.h"
 #include "server/net/StreamHub.h"
 
@@ -30,15 +31,18 @@ struct SessionContext {
 /// Owned by its pending operations; on the I/O thread only.
 class HttpSession final : public Connection, public std::enable_shared_from_this<HttpSession> {
 public:
-    HttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<SessionContext> context);
+    HttpSession(ClientStream stream, const boost::asio::ip::address& peer,
+                std::shared_ptr<SessionContext> context);
 
-    void readRequest();
+    void start();
     void close() override;
+    void abort() override;
 
 private:
     using Error = boost::beast::error_code;
     using Parser = boost::beast::http::request_parser<boost::beast::http::string_body>;
 
+    void readRequest();
     void onHeader(Error error);
     void readBody();
     void sendContinue();
@@ -48,16 +52,23 @@ private:
     /// Whoever lets go last, on whatever thread, the session ends on its own.
     std::shared_ptr<HttpSession> sharedWithWorkers();
     void follow();
-    Request takeRequest();
-    void send(Response response, bool keepAlive);
-    void onSent(Error error, bool keepAlive);
+    Request request();
+
+    void refuse(Response reply);
+    void send(Response reply, Manner manner);
+    void write();
+    void onWritten(Error error);
+    void fetchPart();
+    void supply(std::optional<std::string> part);
+    void onSent();
     void linger();
+    void expireAfter(std::chrono::seconds time) { stream.next_layer().expires_after(time); }
 
     const std::shared_ptr<SessionContext> context;
-    boost::beast::tcp_stream stream;
+    ClientStream stream;
     boost::beast::flat_buffer buffer;
     std::optional<Parser> parser;
-    boost::beast::http::response<boost::beast::http::string_body> response;
+    std::optional<Answer> answer;
     bool idle = true;      ///< no request has begun to arrive
     bool closing = false;  ///< no request after this one
 };

@@ -6,6 +6,7 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/read.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
@@ -43,6 +44,18 @@ HttpAnswer sendRaw(std::uint16_t port, const std::string& bytes) {
     http::async_read(stream, buffer, parser, [&](error_code e, std::size_t) { error = e; });
     io.run();
     return error ? HttpAnswer() : HttpAnswer{parser.get().result_int(), parser.get().body()};
+}
+
+std::string exchange(std::uint16_t port, const std::string& bytes) {
+    asio::io_context io;
+    beast::tcp_stream stream(io);
+    stream.connect(loopback(port));
+    stream.expires_after(std::chrono::minutes(1));
+    std::string received;
+    asio::async_write(stream, asio::buffer(bytes), [](error_code, std::size_t) {});
+    asio::async_read(stream, asio::dynamic_buffer(received), [](error_code, std::size_t) {});
+    io.run();
+    return received;
 }
 
 HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std::string& target,

@@ -25,6 +25,9 @@ HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std:
 /// Sends bytes as they are on a connection of their own; status 0 when there is no answer.
 HttpAnswer sendRaw(std::uint16_t port, const std::string& bytes);
 
+/// All that the server answers to these bytes until it closes the connection, for a minute at most.
+std::string exchange(std::uint16_t port, const std::string& bytes);
+
 /// Follows the stream of the server.
 class StreamClient {
 public:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>
@@ -13,7 +14,8 @@ class ServerFixture {
 public:
     /// Throws unless it starts to listen.
     ServerFixture(const std::string& extension, const boost::json::value& config,
-                  const boost::json::value& plant = {});
+                  const boost::json::value& plant = {},
+                  const std::vector<std::string>& furtherArguments = {});
 
     std::uint16_t port() const { return portNumber; }
     HttpAnswer get(const std::string& target) const { return send("GET", target); }
