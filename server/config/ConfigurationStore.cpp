@@ -1,16 +1,22 @@
 #include "server/config/ConfigurationStore.h"
 
+#include <algorithm>
+#include <system_error>
 #include <utility>
 
 #include "server/JsonFile.h"
+#include "server/Log.h"
 #include "server/StartError.h"
+#include "server/config/ConfigurationCheck.h"
 #include "server/config/ConfigurationFields.h"
 #include "server/config/ReplacementFile.h"
+#include "server/json/JsonLines.h"
 #include "server/json/ParseJson.h"
 
 namespace hmi {
 
 namespace json = boost::json;
+using ZrHmiSrv::ErrorValue;
 using ZrHmiSrv::ResultPair;
 using ZrHmiSrv::Value;
 
@@ -23,23 +29,50 @@ std::filesystem::path resolved(const std::filesystem::path& file) {
     return missing ? file : target;
 }
 
-/// A target system's entry is the extension's to refuse, also where it is malformed.
+/// A target system's entry is the extension's to refuse.
 bool isEntry(const ConfigurationPath& path) {
     return path.depth() >= 2 && path.name(0) == "TARGET_SYSTEMS";
 }
 
+/// The first finding for which a configuration cannot be used.
+const Finding* firstFault(const std::vector<Finding>& findings, Finding::Weight least) {
+    const auto found = std::find_if(findings.begin(), findings.end(), [&](const Finding& finding) {
+        return finding.weight >= least;
+    });
+    return found == findings.end() ? nullptr : &*found;
+}
+
+/// Throws ConfigurationError when the text would not be read at the next start.
+void expectReadable(const std::string& text) {
+    if (text.size() > maxFileSize)
+        throw ConfigurationError("the configuration would be larger than 64 MiB");
+    try {
+        parseJson(text);
+    } catch (const JsonError& error) {
+        throw ConfigurationError(std::string("it could not be read again: ") + error.what());
+    }
+}
+
 }  // namespace
 
-ConfigurationStore::State ConfigurationStore::load(const std::filesystem::path& file) {
-    State loaded{readJsonFile(file), {}};
-    if (const auto fault = findFieldFault(loaded.document))
-        throw StartError(file.string() + ": " + *fault);
+ConfigurationStore::ConfigurationStore(std::filesystem::path from)
+    : file(resolved(from)), fileText(readFile(file)), state(load()) {}
+
+ConfigurationStore::State ConfigurationStore::load() const {
+    State loaded{parseJsonFile(file, fileText), {}};
+    const std::vector<Finding> findings = checkConfiguration(loaded.document);
+    const JsonLines lines(fileText);
+    const auto told = [&](const Finding& finding) {
+        return file.string() + ": line " + std::to_string(lines.of(finding.field)) + ": " +
+               finding.line();
+    };
+    if (const Finding* const fault = firstFault(findings, Finding::Weight::entry))
+        throw StartError(told(*fault));
+    for (const Finding& finding : findings)
+        log(LogLevel::warning, told(finding));
     loaded.value = configurationValue(loaded.document);
     return loaded;
 }
-
-ConfigurationStore::ConfigurationStore(std::filesystem::path from)
-    : file(resolved(from)), state(load(from)) {}
 
 std::optional<json::value> ConfigurationStore::get(const ConfigurationPath& path) const {
     Lock lock(mutex);
@@ -62,9 +95,23 @@ Value ConfigurationStore::read(const ConfigurationPath& path) const {
     return value;
 }
 
-ResultPair ConfigurationStore::change(const ConfigurationPath& path,
-                                      std::optional<json::value> value,
-                                      const std::function<ResultPair()>& accept) {
+void ConfigurationStore::expectFileAsKnown() const {
+    std::string now;
+    try {
+        now = readFile(file);
+    } catch (const StartError& error) {
+        throw ConfigurationConflict(error.what());
+    }
+    if (now != fileText)
+        throw ConfigurationConflict(file.string() +
+                                    ": somebody else has changed it; the server must be restarted "
+                                    "with that file before it can change it");
+}
+
+ConfigurationStore::State ConfigurationStore::stateAfter(const ConfigurationPath& path,
+                                                         std::optional<json::value> value) const {
+    if (path.depth() > ConfigurationPath::maxDepth)
+        throw ConfigurationError("the path has more than 32 names");
     State next;
     {
         Lock lock(mutex);
@@ -74,29 +121,45 @@ ResultPair ConfigurationStore::change(const ConfigurationPath& path,
         path.erase(next.document);
     else if (!path.assign(next.document, std::move(*value)))
         throw ConfigurationError("a value above it is not an object");
-    if (!isEntry(path)) {
-        if (const auto fault = findFieldFault(next.document))
-            throw ConfigurationError(*fault);
-    }
-    // The extension would not start with it the next time.
-    if (path.depth() > 0 && path.name(0) == "TIMEOUT") {
-        if (const auto fault = findTimeoutFault(next.document))
-            throw ConfigurationError(*fault);
-    }
+    const auto least = isEntry(path) ? Finding::Weight::fault : Finding::Weight::entry;
+    const std::vector<Finding> findings = checkConfiguration(next.document);
+    if (const Finding* const fault = firstFault(findings, least))
+        throw ConfigurationError(fault->line());
     next.value = configurationValue(next.document);
-    ReplacementFile replacement(file, prettyJson(next.document));
-    {
-        Lock lock(mutex);
-        std::swap(state, next);
+    return next;
+}
+
+void ConfigurationStore::swap(State& other) {
+    Lock lock(mutex);
+    std::swap(state, other);
+}
+
+ConfigurationChange ConfigurationStore::change(const ConfigurationPath& path,
+                                               std::optional<json::value> value,
+                                               const std::function<ResultPair()>& accept) {
+    expectFileAsKnown();
+    State next = stateAfter(path, std::move(value));
+    std::string text = prettyJson(next.document);
+    expectReadable(text);
+    const bool startsAgain =
+        !firstFault(checkConfiguration(next.document), Finding::Weight::entry);
+    ReplacementFile replacement(file, text);
+    swap(next);
+    ConfigurationChange done{accept(), {}};
+    if (done.answer.succeeded() && !startsAgain)
+        done.answer = ResultPair(ErrorValue::invalid_configuration, "the entry is not complete");
+    if (!done.answer.succeeded()) {
+        swap(next);
+        return done;
     }
-    ResultPair answer = accept();
-    if (!answer.succeeded()) {
-        Lock lock(mutex);
-        std::swap(state, next);
-        return answer;
+    try {
+        replacement.commit();
+        fileText = std::move(text);
+    } catch (const std::system_error& error) {
+        done.notKept = "in force, but not kept in " + file.string() + ": " + error.code().message();
+        log(LogLevel::error, "a change of the configuration is " + done.notKept);
     }
-    replacement.commit();
-    return answer;
+    return done;
 }
 
 }  // namespace hmi
