@@ -67,14 +67,28 @@ public:
     HeapUse heap{};
 };
 
+/// The pieces of one target system without a logger.
+struct Pieces {
+    explicit Pieces(std::int64_t limit)
+        : context{targetName, domain, host, ids, limit, {}, never, never} {}
+
+    Listener host;
+    std::atomic<std::int32_t> ids = 1;
+    const std::atomic<bool> never = false;
+    const EventContext context;
+    EventStore store{context};
+    AlarmLifecycle lifecycle{context, store};
+};
+
 // --- conversion ---
 
 void toHostAlarm(benchmark::State& state) {
     FakeBorder border;
     FakeEvent source(border, eventData(1));
+    const Pieces pieces(0);
     for (auto _ : state) {
         Alarm alarm;
-        ZrHmiEventLogger::toHostAlarm(alarm, source, domain, targetName, 1, false);
+        ZrHmiEventLogger::toHostAlarm(alarm, source, pieces.context, 1, false);
         benchmark::DoNotOptimize(alarm);
     }
 }
@@ -156,9 +170,10 @@ void raiseToHost(benchmark::State& state) {
     Listener host;
     const std::atomic<bool> stopping = false;
     std::atomic<std::int32_t> ids = 1;
+    LocalAddress localAddress;
     const auto target = TargetSystemPlatformSpecific<TargetSystem>::make(
         TargetSystemSettings{targetName, "1.2.3.4.5.6", true, ZrHmiSrv::Timespan(), 1000}, domain,
-        host, stopping, ids);
+        localAddress, host, stopping, ids);
     FakeEvent alarm(border, eventData(1));
     std::int64_t seconds = 1;
     const auto raise = [&] {
@@ -193,17 +208,6 @@ void raiseToHost(benchmark::State& state) {
 }
 
 // --- the store ---
-
-/// The pieces of one target system without a logger.
-struct Pieces {
-    explicit Pieces(std::int64_t limit) : context{targetName, domain, host, ids, limit} {}
-
-    Listener host;
-    std::atomic<std::int32_t> ids = 1;
-    const EventContext context;
-    EventStore store{context};
-    AlarmLifecycle lifecycle{context, store};
-};
 
 std::size_t heapInUse() {
     return mallinfo2().uordblks;
@@ -258,12 +262,13 @@ void keepLimited(benchmark::State& state) {
     FakeBorder border;
     FakeEvent source(border, eventData(1));
     source.data.type = LoggedEventType::alarm;
+    const Pieces pieces(0);
     std::int64_t seconds = 1;
     Container container(limit);
     const auto put = [&] {
         source.data.raised = at(++seconds);
         Event event;
-        toHostEvent(event, source, domain, targetName, static_cast<std::int32_t>(seconds));
+        toHostEvent(event, source, pieces.context, static_cast<std::int32_t>(seconds));
         container.insert(std::move(event));
     };
     for (std::size_t index = 0; index < 2 * limit; ++index)

@@ -57,8 +57,10 @@ public:
         char* answer = nullptr;
         const bool loaded = ZrSimulatorLoadPlant(plant, &answer) == 200;
         ZrSimulatorFree(answer);
-        if (!loaded || FAILED(connection.create()) || !connection.connect(netId, false, never))
+        if (!loaded || FAILED(connection.create()))
             std::abort();
+        connection.connect(netId, false);
+        connection.setState({true, S_OK});
     }
     ~Target() { ZrSimulatorShutdown(); }
 
@@ -67,7 +69,7 @@ public:
 private:
     std::atomic<bool> never = false;
     std::atomic<std::int32_t> hostIds = 1;
-    EventContext context{"Filler", "Bench", logging, hostIds, 0};
+    EventContext context{"Filler", "Bench", logging, hostIds, 0, {}, never, never};
     LoggerConnection connection;
 
 public:

@@ -32,7 +32,12 @@ find_package(ZLIB REQUIRED)
 
 # There are no Windows packages of these: the server has neither TLS nor users there.
 add_library(bridge_tls INTERFACE)
+add_library(bridge_passwords INTERFACE)
 if(NOT WIN32)
+    find_path(SODIUM_INCLUDE_DIR sodium.h REQUIRED)
+    find_library(SODIUM_LIBRARY sodium REQUIRED)
+    target_include_directories(bridge_passwords SYSTEM INTERFACE ${SODIUM_INCLUDE_DIR})
+    target_link_libraries(bridge_passwords INTERFACE ${SODIUM_LIBRARY})
     find_package(OpenSSL REQUIRED)
     target_link_libraries(bridge_tls INTERFACE OpenSSL::SSL)
     target_compile_definitions(bridge_tls INTERFACE HMI_WITH_TLS)

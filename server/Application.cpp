@@ -1,10 +1,13 @@
 #include "server/Application.h"
 
 #include <cstdio>
+#include <memory>
+
+#include <boost/asio/ip/address.hpp>
 
 #include "server/Log.h"
 #include "server/StartError.h"
-#include "server/StopSignal.h"
+#include "server/StopDeadline.h"
 #include "server/api/PageResource.h"
 
 namespace hmi {
@@ -19,16 +22,33 @@ ZrHmiSrv::Text domainOf(const std::filesystem::path& extension) {
     return ZrHmiSrv::Text(name);
 }
 
+/// Nobody is asked who they are: then only this machine may ask.
+void expectAllowedAddress(const Options& options) {
+    boost::system::error_code error;
+    const auto address = boost::asio::ip::make_address(options.address, error);
+    if (!error && !address.is_loopback() && options.users.empty() && !options.open)
+        throw StartError("--address: " + options.address +
+                         " lets everybody do everything; --users says who may do what, --open "
+                         "means it");
+}
+
 }  // namespace
 
 Application::Application(const Options& given)
     : options(given),
-      backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), hub, metrics),
-      dispatcher(router, OriginPolicy(options.allowedHosts), lanes, metrics),
-      server(io.context(), options.address, options.port, dispatcher, hub) {}
+      backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics),
+      access(OriginPolicy(options.allowedHosts), options.users),
+      dispatcher(router, lanes, metrics),
+      server(io.context(),
+             {options.address, options.port, options.certificate, options.key},
+             {access, dispatcher, audit, hub}) {
+    expectAllowedAddress(options);
+    feed.add("stream", hub);
+}
 
 void Application::addRoutes() {
     aboutResource.addRoutes(router);
+    sessionResource.addRoutes(router);
     eventsResource.addRoutes(router);
     configResource.addRoutes(router);
     commandsResource.addRoutes(router);
@@ -39,7 +59,7 @@ void Application::addRoutes() {
         simulatorResource = std::make_unique<SimulatorResource>(*simulator);
         simulatorResource->addRoutes(router);
     }
-    router.add(Method::get, "/api/stream", Lane::local, [](const Request&) {
+    router.add(Method::get, "/api/stream", [](const Request&) {
         Response response = Response::error(426, "the stream is for WebSocket clients");
         response.headers.emplace_back("Upgrade", "websocket");
         return response;
@@ -47,23 +67,55 @@ void Application::addRoutes() {
 }
 
 void Application::run() {
-    StopSignal stop(io.context());
+    StopSignal signal(io.context());
+    reload.emplace(io.context(), [this] {
+        server.reload();
+        access.reload();
+    });
     if (!options.plant.empty()) {
         simulator = std::make_unique<SimulatorControl>(options.extension);
         simulator->loadPlant(options.plant);
     }
-    backend.start(options.extension);
-    aboutResource.setReady(true);
+    // On a thread of its own, so that a signal is heard meanwhile.
+    std::future<void> started = std::async(std::launch::async, [&] {
+        const std::shared_ptr<void> atTheEnd(nullptr, [&](void*) { signal.wake(); });
+        backend.start(options.extension);
+    });
+    if (!signal.wait()) {
+        started.get();
+        serve(signal);
+    }
+    hmi::log(LogLevel::info, "stopping");
+    const StopDeadline deadline(backend.timeout() + std::chrono::milliseconds(1500),
+                                [this] { return lanes.running(); });
+    stop(started);
+}
+
+void Application::serve(StopSignal& signal) {
     addRoutes();
+    aboutResource.setReady(true);
     server.start();
     std::printf("listening on %s\n", server.url().c_str());
     std::fflush(stdout);
-    stop.wait();
-    hmi::log(LogLevel::info, "stopping");
+    while (!signal.wait()) {
+    }
+}
+
+void Application::stop(std::future<void>& started) {
     aboutResource.setReady(false);
     server.stop();
-    lanes.join();
+    access.stop();
+    lanes.stop();
+    // At once, and not when the calls are over: it is what makes them end.
+    backend.shutDownExtension();
+    try {
+        if (started.valid())
+            started.get();
+    } catch (const StartError& error) {
+        hmi::log(LogLevel::info, error.what());
+    }
     backend.stop();
+    lanes.join();
     simulator.reset();
     io.stop(std::chrono::seconds(1));
 }

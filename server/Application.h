@@ -1,10 +1,13 @@
 #pragma once
 
+#include <future>
 #include <memory>
+#include <optional>
 
 #include "server/Backend.h"
 #include "server/Options.h"
-#include "server/WorkerLanes.h"
+#include "server/ReloadSignal.h"
+#include "server/StopSignal.h"
 #include "server/api/AboutResource.h"
 #include "server/api/CommandsResource.h"
 #include "server/api/ConfigResource.h"
@@ -12,11 +15,14 @@
 #include "server/api/LogResource.h"
 #include "server/api/MetricsResource.h"
 #include "server/api/SimulatorResource.h"
+#include "server/events/ChangeFeed.h"
 #include "server/extension/SimulatorControl.h"
+#include "server/lanes/WorkerLanes.h"
 #include "server/metrics/Metrics.h"
 #include "server/net/HttpServer.h"
 #include "server/net/IoThread.h"
 #include "server/net/StreamHub.h"
+#include "server/users/SessionResource.h"
 
 namespace hmi {
 
@@ -30,17 +36,26 @@ public:
 
 private:
     void addRoutes();
+    /// Returns when the process is to stop.
+    void serve(StopSignal& signal);
+    /// `started`: the start of the extension, when it is still under way.
+    void stop(std::future<void>& started);
+
     const Options options;
     IoThread io;
     Metrics metrics;
     StreamHub hub{io.context(), metrics};
+    ChangeFeed feed;
     std::unique_ptr<SimulatorControl>
         simulator;  ///< outlives the extension, which uses its library
     Backend backend;
 
     Router router;
     WorkerLanes lanes;
+    AccessControl access;
+    Audit audit;
     Dispatcher dispatcher;
+    SessionResource sessionResource{access, !options.certificate.empty()};
     AboutResource aboutResource;
     EventsResource eventsResource{backend.events, backend.calls, metrics};
     ConfigResource configResource{backend.configuration, backend.calls};
@@ -49,6 +64,7 @@ private:
     MetricsResource metricsResource{metrics, backend.events, backend.calls};
     std::unique_ptr<SimulatorResource> simulatorResource;
     HttpServer server;
+    std::optional<ReloadSignal> reload;
 };
 
 }  // namespace hmi

@@ -24,11 +24,24 @@ void Backend::start(const std::filesystem::path& extensionFile) {
     refresher.start();
 }
 
-void Backend::stop() {
-    refresher.stop();
+void Backend::shutDownExtension() {
+    refresher.cease();
     calls.shutdown();
+}
+
+void Backend::stop() {
+    shutDownExtension();
+    refresher.stop();
     listeners.clear();
     extension.reset();
+}
+
+std::chrono::milliseconds Backend::timeout() const {
+    constexpr std::chrono::milliseconds usual{5000};
+    const auto configured = configuration.read(*ConfigurationPath::parse("TIMEOUT"));
+    return configured.type() == ZrHmiSrv::ValueType::timespan
+               ? std::chrono::milliseconds(configured.get_timespan().milliseconds())
+               : usual;
 }
 
 }  // namespace hmi

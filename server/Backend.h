@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 
@@ -26,8 +27,14 @@ public:
 
     /// Throws StartError when the extension cannot be loaded or refuses.
     void start(const std::filesystem::path& extensionFile);
-    /// Returns when the extension has gone. Calls of it answer nothing from then on.
+    /// Tells the extension to stop, also while `start` runs on another thread. Returns when it has
+    /// answered. Calls of it answer nothing from then on.
+    void shutDownExtension();
+    /// Returns when the extension has gone.
     void stop();
+
+    /// How long a target system may take to answer.
+    std::chrono::milliseconds timeout() const;
 
 private:
     const ZrHmiSrv::Context context;

@@ -6,7 +6,7 @@
 
 namespace hmi {
 
-/// What the server says of itself: /healthz, /readyz, /api/version.
+/// What the server says of itself: /healthz, /readyz, /api/version, /api/openapi.json.
 class AboutResource {
 public:
     void addRoutes(Router& router);

@@ -43,15 +43,30 @@ std::vector<Command> readCommands(const std::string& body) {
     }
 }
 
+/// The target system that a command is about, as far as its input tells; else empty.
+std::string targetNamedBy(const Command& command) {
+    const ZrHmiSrv::Value& input = command.write_value();
+    const ZrHmiSrv::Value* const name = input.is_map() ? input.lookup("targetName") : &input;
+    return name && name->type() == ZrHmiSrv::ValueType::string ? name->get_string() : std::string();
+}
+
+/// A group counts for the first target system that it is about.
+Place placeOf(const Request& request) {
+    request.target.query.allowOnly({});
+    for (const Command& command : readCommands(request.body)) {
+        if (std::string target = targetNamedBy(command); !target.empty())
+            return {Lane::commands, std::move(target)};
+    }
+    return {Lane::commands};
+}
+
 }  // namespace
 
 void CommandsResource::addRoutes(Router& router) {
-    router.add(Method::post, "/api/commands", Lane::extension,
-               [this](const auto& r) { return handle(r); });
+    router.add(Method::post, "/api/commands", placeOf, [this](const auto& r) { return handle(r); });
 }
 
 Response CommandsResource::handle(const Request& request) {
-    request.target.query.allowOnly({});
     CommandGroup commands(readCommands(request.body));
     const auto answer = extension.handle(commands);
     if (!answer)

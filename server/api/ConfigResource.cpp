@@ -22,15 +22,20 @@ ConfigurationPath pathOf(const Request& request) {
     return *path;
 }
 
+/// Changes of one target system's entry come one at a time, and wait for no other's.
+Place placeOf(const Request& request) {
+    const ConfigurationPath path = pathOf(request);
+    const bool isEntry = path.depth() > 1 && path.name(0) == "TARGET_SYSTEMS";
+    return {Lane::configuration, isEntry ? path.name(1) : std::string()};
+}
+
 }  // namespace
 
 void ConfigResource::addRoutes(Router& router) {
-    router.add(Method::get, "/api/config", Lane::local, [this](const auto& r) { return read(r); });
-    router.add(Method::get, "/api/config/*", Lane::local,
-               [this](const auto& r) { return read(r); });
-    router.add(Method::put, "/api/config/*", Lane::configuration,
-               [this](const auto& r) { return set(r); });
-    router.add(Method::remove, "/api/config/*", Lane::configuration,
+    router.add(Method::get, "/api/config", [this](const auto& r) { return read(r); });
+    router.add(Method::get, "/api/config/*", [this](const auto& r) { return read(r); });
+    router.add(Method::put, "/api/config/*", placeOf, [this](const auto& r) { return set(r); });
+    router.add(Method::remove, "/api/config/*", placeOf,
                [this](const auto& r) { return erase(r); });
 }
 

@@ -1,9 +1,10 @@
 #include "server/api/EventsResource.h"
 
-#include <boost/json/array.hpp>
-#include <boost/json/monotonic_resource.hpp>
+#include <memory>
+#include <string>
 
 #include "server/api/EventSearch.h"
+#include "server/api/LongList.h"
 #include "server/json/EventJson.h"
 #include "server/json/ValueJson.h"
 
@@ -31,27 +32,41 @@ Response localizationError(ErrorValue result) {
 }  // namespace
 
 void EventsResource::addRoutes(Router& router) {
-    router.add(Method::get, "/api/events", Lane::local, [this](const auto& r) { return list(r); });
-    router.add(Method::get, "/api/events/*", Lane::local, [this](const auto& r) { return one(r); });
-    router.add(Method::post, "/api/events/*/confirm", Lane::extension,
-               [this](const auto& r) { return confirm(r); });
+    const auto ifLocalized = [](const Request& request, Place place) {
+        return request.target.query.find("locale") ? std::move(place) : Place{Lane::local};
+    };
+    router.add(
+        Method::get, "/api/events", [=](const Request& r) { return ifLocalized(r, {Lane::lists}); },
+        [this](const Request& r) { return list(r); });
+    router.add(
+        Method::get, "/api/events/*",
+        [=, this](const Request& r) {
+            return ifLocalized(r, {Lane::details, find(r)->target});
+        },
+        [this](const Request& r) { return one(r); });
+    router.add(
+        Method::post, "/api/events/*/confirm",
+        [this](const Request& r) {
+            return Place{Lane::confirmations, find(r)->target};
+        },
+        [this](const Request& r) { return confirm(r); });
 }
 
 Response EventsResource::list(const Request& request) {
     const bool localized = request.target.query.find("locale") != nullptr;
-    const EventSearch::Result found = EventSearch(request.target.query).run(book, extension);
-    json::monotonic_resource memory;
-    json::array events(&memory);
-    events.reserve(found.hits.size());
-    for (const EventSearch::Hit& hit : found.hits) {
-        json::object event = toJson(*hit.event, &memory);
+    const auto found = std::make_shared<const EventSearch::Result>(
+        EventSearch(request.target.query).run(book, extension));
+    const auto item = [found, localized](std::size_t index, json::storage_ptr memory) {
+        const EventSearch::Hit& hit = found->hits[index];
+        json::object event = toJson(*hit.event, memory);
         if (localized && hit.texts.result == ErrorValue::success)
             addTexts(event, hit.texts);
-        events.push_back(std::move(event));
-    }
-    json::object body({{"total", found.total}}, &memory);
-    body.emplace("events", std::move(events));
-    return Response::json(std::move(body));
+        return event;
+    };
+    const std::size_t count = found->hits.size();
+    return LongList{"{\"total\":" + std::to_string(found->total) + ",\"events\":[", count,
+                    count * sizeof(EventSearch::Hit), item}
+        .response();
 }
 
 Response EventsResource::one(const Request& request) {

@@ -20,7 +20,7 @@ void PageResource::addRoutes(Router& router) {
     for (const PageFile& file : pageFiles) {
         const std::string path =
             file.name == "index.html" ? "/" : "/page/" + std::string(file.name);
-        router.add(Method::get, path, Lane::local, [file](const Request&) {
+        router.add(Method::get, path, [file](const Request&) {
             Response response;
             response.contentType = typeOf(file.name);
             response.body = file.content;

@@ -14,11 +14,11 @@ Response toResponse(SimulatorAnswer answer) {
 }  // namespace
 
 void SimulatorResource::addRoutes(Router& router) {
-    router.add(Method::get, "/sim/*", Lane::local, [this](const Request& request) {
+    router.add(Method::get, "/sim/*", [this](const Request& request) {
         request.target.query.allowOnly({});
         return toResponse(simulator.status(request.target.path[1]));
     });
-    router.add(Method::post, "/sim/*", Lane::local, [this](const Request& request) {
+    router.add(Method::post, "/sim/*", [this](const Request& request) {
         request.target.query.allowOnly({});
         if (request.body.find('\0') != std::string::npos)
             throw RequestError(400, "a NUL character is no JSON");

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "host/Event.h"
 #include "server/events/EventRecord.h"
@@ -14,14 +16,31 @@ struct LogEntry {
     ZrHmiSrv::Message message;
 };
 
-enum class ChangeType : std::uint8_t { raised, updated, removed, message, forgotten, reset, log };
+enum class ChangeType : std::uint8_t {
+    raised,
+    updated,
+    removed,
+    message,
+    forgotten,
+    reset,
+    log,
+    texts,  ///< localized texts are known now that a reader had to go without
+};
 
-/// Something that happened to the events or the log. `event` is null for reset and log, `entry`
-/// for all but log.
+/// The events that a target system has handed over as all of its own, in no order.
+struct Replacement {
+    std::string target;
+    std::vector<EventRecordPtr> events;
+};
+
+/// Something that happened to the events or the log. `event` is there for a single event, `entry`
+/// for the log. A reset with a replacement: the target system has these events and no others; one
+/// without: all target systems have handed over theirs.
 struct Change {
     ChangeType type;
-    EventRecordPtr event;
-    std::shared_ptr<const LogEntry> entry;
+    EventRecordPtr event = {};
+    std::shared_ptr<const LogEntry> entry = {};
+    std::shared_ptr<const Replacement> replacement = {};
 };
 
 /// Where changes are told, in the order in which they happened. Called with the mutex of the book

@@ -1,8 +1,10 @@
 #include "server/events/EventBook.h"
 
-#include <algorithm>
 #include <limits>
+#include <unordered_set>
 #include <utility>
+
+#include "server/events/KnownEvents.h"
 
 namespace hmi {
 
@@ -57,88 +59,109 @@ void EventBook::end(Alarm alarm) {
 
 void EventBook::insert(const EventRecordPtr& event, ChangeType type) {
     current.insert(event);
-    if (draft && draft->covers(event->target))
-        draft->store.insert(event);
-    sink.post({type, event, nullptr});
-    if (current.size() <= capacity)
-        return;
-    const EventRecordPtr oldest = current.oldest();
-    current.erase(oldest->id);
-    sink.post({ChangeType::forgotten, oldest, nullptr});
+    sink.post({type, event});
+    forgetBeyondCapacity();
+}
+
+void EventBook::forgetBeyondCapacity() {
+    while (current.size() > capacity) {
+        const EventRecordPtr oldest = current.oldest();
+        current.erase(oldest->id);
+        sink.post({ChangeType::forgotten, oldest});
+    }
 }
 
 void EventBook::change(const Alarm& alarm, ChangeType type) {
     const bool ended = type == ChangeType::removed;
     Lock lock(mutex);
-    if (draft) {
-        if (const EventRecordPtr event = changed(draft->store, alarm, ended))
-            draft->store.insert(event);
-    }
     if (const EventRecordPtr event = changed(current, alarm, ended)) {
         current.insert(event);
-        sink.post({type, event, nullptr});
+        sink.post({type, event});
     }
 }
 
 bool EventBook::drop(const EventRecord& dropped) {
     Lock lock(mutex);
-    if (draft)
-        takeOut(draft->store, dropped);
     const EventRecordPtr held = takeOut(current, dropped);
     if (held)
-        sink.post({ChangeType::forgotten, held, nullptr});
+        sink.post({ChangeType::forgotten, held});
     return held != nullptr;
 }
 
 void EventBook::beginReset() {
     Lock lock(mutex);
-    draft.emplace();
-}
-
-void EventBook::eraseTarget(EventStore& store, const std::string& target) {
-    EventFilter filter;
-    filter.target = target;
-    for (const EventRecordPtr& event : store.select(filter, 0, unlimited).events)
-        store.erase(event->id);
+    reset.emplace(Reset{arrivals, {}});
 }
 
 void EventBook::replaceTarget(const std::string& target, std::span<const Event> events) {
-    // The live calls of this target system wait until we return; those of the others, and the
-    // readers, get their turn between two portions.
-    constexpr std::size_t portion = 256;
+    std::vector<EventRecordPtr> gone;  // outlives the lock, so that old events are freed outside
     {
         Lock lock(mutex);
-        if (draft && !draft->handedOver.insert(target).second)
-            eraseTarget(draft->store, target);
+        if (reset)
+            reset->handedOver.insert(target);
+        gone = eventsOf(target);
     }
-    while (!events.empty()) {
-        const auto now = events.first(std::min(portion, events.size()));
-        events = events.subspan(now.size());
-        Lock lock(mutex);
-        if (!draft)
-            return;
-        for (const Event& event : now) {
-            std::optional<EventContent> content = contentOf(event);
-            if (content && draft->store.size() < capacity)
-                draft->store.insert(std::make_shared<EventRecord>(std::move(*content), ++arrivals));
-        }
+    auto replacement = std::make_shared<Replacement>(Replacement{target, {}});
+    KnownEvents known(gone);
+    std::unordered_set<EventRecordPtr> kept(gone.begin(), gone.end());
+    EventStore added;
+    for (const Event& event : events) {
+        std::optional<EventContent> content = contentOf(event);
+        if (!content)
+            continue;
+        EventRecordPtr record = known.meet(std::move(*content), ++arrivals);
+        replacement->events.push_back(record);
+        if (kept.erase(record) == 0)
+            added.insert(std::move(record));
     }
+    gone.assign(kept.begin(), kept.end());
+    if (gone.empty() && added.size() == 0)
+        return;
+    Lock lock(mutex);
+    current.replace(gone, added);
+    sink.post({.type = ChangeType::reset, .replacement = std::move(replacement)});
+    forgetBeyondCapacity();
 }
 
-void EventBook::publishReset() {
-    std::optional<Draft> published;  // outlives the lock, so that the old events are freed outside
+void EventBook::endReset() {
+    std::vector<EventRecordPtr> dropped;  // outlives the lock
     Lock lock(mutex);
-    if (!draft)
+    const std::optional<Reset> ended = std::exchange(reset, std::nullopt);
+    if (!ended)
         return;
-    published = std::exchange(draft, std::nullopt);
-    std::swap(current, published->store);
-    sink.post({ChangeType::reset, nullptr, nullptr});
+    const auto targets = current.countsByTarget();
+    for (const auto& [target, counts] : targets) {
+        if (!ended->handedOver.contains(target))
+            dropBefore(ended->since, target, dropped);
+    }
+    sink.post({.type = ChangeType::reset});
+}
+
+void EventBook::dropBefore(std::uint64_t arrival, const std::string& target,
+                           std::vector<EventRecordPtr>& dropped) {
+    auto rest = std::make_shared<Replacement>(Replacement{target, {}});
+    const std::size_t before = dropped.size();
+    for (EventRecordPtr& event : eventsOf(target)) {
+        if (event->position.arrival > arrival) {
+            rest->events.push_back(std::move(event));
+            continue;
+        }
+        current.erase(event->id);
+        dropped.push_back(std::move(event));
+    }
+    if (dropped.size() > before)
+        sink.post({.type = ChangeType::reset, .replacement = std::move(rest)});
 }
 
 void EventBook::abandonReset() {
-    std::optional<Draft> abandoned;
     Lock lock(mutex);
-    abandoned = std::exchange(draft, std::nullopt);
+    reset.reset();
+}
+
+std::vector<EventRecordPtr> EventBook::eventsOf(const std::string& target) const {
+    EventFilter filter;
+    filter.target = target;
+    return current.select(filter, 0, unlimited).events;
 }
 
 EventRecordPtr EventBook::find(EventId id) const {

@@ -6,6 +6,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "platform/Mutex.h"
 #include "server/events/Change.h"
@@ -16,10 +17,12 @@ namespace hmi {
 /// The events that the extension has handed over, as readers see them. Thread-safe; every change
 /// is told to the sink. Holds at most `capacity` events, beyond that the oldest go.
 ///
-/// A reset builds a second set while the first stays visible, and then takes its place in one
-/// step. The extension hands over each target system under a lock that also keeps back the live
-/// calls of that target system. So a live call that comes while a reset is being built belongs to
-/// both sets if its target system has been handed over, and otherwise is part of what will be.
+/// In a reset the target systems hand over their events one after another. Each hand-over takes the
+/// place of that target system's events in one step and is visible at once, so that none waits for
+/// another. The extension holds a lock meanwhile that keeps back the live calls of that target
+/// system: what was called before is part of the hand-over, what comes later changes its result.
+/// At the end those target systems have no events that handed over none, except for what they sent
+/// since the reset began: they are newer than the reset is, and the next one brings them.
 class EventBook {
 public:
     explicit EventBook(IChangeSink& sink, std::size_t capacity = 1'000'000)
@@ -35,10 +38,12 @@ public:
     bool drop(const EventRecord& dropped);
 
     /// The steps of a reset, from one thread at a time: begin, one replacement for each target
-    /// system, then publish; or abandon, which leaves everything as it is.
+    /// system, then end; or abandon, which leaves those as they are that handed over nothing.
     void beginReset();
+    /// Events that are known already keep their ids. With an exception the target system's events
+    /// stay as they were, also at the end of the reset.
     void replaceTarget(const std::string& target, std::span<const ZrHmiSrv::Event> events);
-    void publishReset();
+    void endReset();
     void abandonReset();
 
     EventRecordPtr find(EventId id) const;
@@ -46,27 +51,24 @@ public:
     std::map<std::string, TargetCounts> countsByTarget() const;
 
 private:
-    /// The set that a reset builds.
-    struct Draft {
-        EventStore store;
+    struct Reset {
+        std::uint64_t since;  ///< the last arrival before it
         std::set<std::string> handedOver;
-
-        /// An event without a target system is in no batch.
-        bool covers(const std::string& target) const {
-            return target.empty() || handedOver.contains(target);
-        }
     };
 
     void insert(const EventRecordPtr& event, ChangeType type) REQUIRES(mutex);
     void change(const ZrHmiSrv::Alarm& alarm, ChangeType type);
-    void eraseTarget(EventStore& store, const std::string& target) REQUIRES(mutex);
+    std::vector<EventRecordPtr> eventsOf(const std::string& target) const REQUIRES(mutex);
+    void dropBefore(std::uint64_t arrival, const std::string& target,
+                    std::vector<EventRecordPtr>& dropped) REQUIRES(mutex);
+    void forgetBeyondCapacity() REQUIRES(mutex);
 
     IChangeSink& sink;
     const std::size_t capacity;
     std::atomic<std::uint64_t> arrivals = 0;
     mutable Mutex mutex;  ///< guards all below; short, nothing but the sink is called under it
     EventStore current GUARDED_BY(mutex);
-    std::optional<Draft> draft GUARDED_BY(mutex);
+    std::optional<Reset> reset GUARDED_BY(mutex);
 };
 
 }  // namespace hmi

@@ -90,6 +90,21 @@ void EventStore::erase(EventId id) {
     count(*erased, false);
 }
 
+void EventStore::replace(const std::vector<EventRecordPtr>& gone, EventStore& added) {
+    for (const auto& [target, ofTarget] : added.counts)
+        counts.try_emplace(target);
+    records.get<ById>().reserve(records.size() + added.size());
+    // Nothing below needs memory: the other store's nodes move over.
+    for (const EventRecordPtr& event : gone)
+        erase(event->id);
+    for (const EventRecordPtr& event : added.records.get<ByPosition>()) {
+        erase(event->id);
+        count(*event, true);
+    }
+    records.get<ByPosition>().merge(added.records.get<ByPosition>());
+    added.counts.clear();
+}
+
 EventPage EventStore::select(const EventFilter& filter, std::size_t offset,
                              std::size_t limit) const {
     using Position = Stretch<Records::index<ByPosition>::type>;

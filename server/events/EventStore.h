@@ -43,6 +43,9 @@ public:
     /// Takes the place of an event of the same id.
     void insert(EventRecordPtr event);
     void erase(EventId id);
+    /// Takes out some events, and takes all over that another store holds of one target system.
+    /// With an exception nothing has changed.
+    void replace(const std::vector<EventRecordPtr>& gone, EventStore& added);
 
     /// The selected events from `offset` on, at most `limit`, newest first. One criterion or none
     /// costs O(log n + limit); of several, the rarest is walked.

@@ -12,7 +12,7 @@ void LogBook::add(ZrHmiSrv::Message message) {
     if (entries.full())
         oldest = entries.front();
     entries.push_back(entry);
-    sink.post({ChangeType::log, nullptr, std::move(entry)});
+    sink.post({.type = ChangeType::log, .entry = std::move(entry)});
 }
 
 LogBook::Page LogBook::read(std::uint64_t since, std::size_t limit) const {

@@ -17,17 +17,19 @@ void EventRefresher::request() {
 
 void EventRefresher::start() {
     request();
-    awaitRequest();
-    refresh();
+    if (awaitRequest())
+        refresh();
     worker = std::thread([this] { run(); });
 }
 
+void EventRefresher::cease() {
+    Lock lock(mutex);
+    stopping = true;
+    changed.notify_all();
+}
+
 void EventRefresher::stop() {
-    {
-        Lock lock(mutex);
-        stopping = true;
-        changed.notify_all();
-    }
+    cease();
     if (worker.joinable())
         worker.join();
 }
@@ -47,15 +49,14 @@ bool EventRefresher::awaitRequest() {
 
 void EventRefresher::refresh() {
     const auto start = std::chrono::steady_clock::now();
-    complete = true;
     book.beginReset();
     const auto answer = extension.provideEvents(*this);
-    if (!answer || !answer->succeeded() || !complete) {
+    if (!answer || !answer->succeeded()) {
         book.abandonReset();
-        log(LogLevel::warning, "the extension handed over no events");
+        log(LogLevel::warning, "the extension did not hand over all events");
         return;
     }
-    book.publishReset();
+    book.endReset();
     metrics.countReset(std::chrono::steady_clock::now() - start);
 }
 
@@ -63,7 +64,6 @@ void EventRefresher::replace_events(const char* target_name,
                                     std::span<const ZrHmiSrv::Event> events) try {
     book.replaceTarget(toValidUtf8(target_name ? target_name : ""), events);
 } catch (const std::exception& exception) {
-    complete = false;
     log(LogLevel::error, std::string("events of a target system were lost: ") + exception.what());
 }
 

@@ -4,9 +4,9 @@
 #include <thread>
 
 #include "platform/Mutex.h"
-#include "server/metrics/Metrics.h"
 #include "server/events/EventBook.h"
 #include "server/extension/ExtensionCalls.h"
+#include "server/metrics/Metrics.h"
 
 namespace hmi {
 
@@ -22,7 +22,9 @@ public:
     void request();
     /// Refreshes once before it returns, then whenever it is requested.
     void start();
-    /// Returns when a running refresh is over; requests that wait are dropped.
+    /// Nothing is refreshed any more, once a running refresh is over.
+    void cease();
+    /// Ceases, and returns when a running refresh is over.
     void stop();
 
 private:
@@ -38,7 +40,6 @@ private:
     std::condition_variable_any changed;
     bool requested GUARDED_BY(mutex) = false;
     bool stopping GUARDED_BY(mutex) = false;
-    bool complete = false;  ///< whether all that was handed over could be kept; worker only
     std::thread worker;
 };
 

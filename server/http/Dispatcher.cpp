@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <memory>
+#include <optional>
 
 #include "server/Log.h"
 #include "server/http/Conditional.h"
@@ -12,7 +13,7 @@ namespace {
 
 /// Runs what makes a response; whatever it throws becomes one.
 template <class Function>
-Response answer(Function function) {
+Response responseOf(Function function) {
     try {
         return function();
     } catch (const MethodError& error) {
@@ -27,39 +28,75 @@ Response answer(Function function) {
     return Response::error(500, "the server could not do this; its log says why");
 }
 
-/// Texts come from the extension, whatever else the request is about.
-Lane laneOf(const Route& route, const Request& request) {
-    return route.lane == Lane::local && request.target.query.find("locale") ? Lane::extension
-                                                                            : route.lane;
-}
-
 }  // namespace
 
-void Dispatcher::dispatch(Request request, std::string_view target, Reply reply) {
-    const auto send = [this, reply = std::move(reply)](Response response) {
-        metrics.countRequest(response.status);
-        reply(std::move(response));
-    };
+void Dispatcher::dispatch(Request request, std::optional<Response> refused, Reply reply) {
+    if (refused) {
+        metrics.countRequest(refused->status);
+        return reply(std::move(*refused));
+    }
     const Route* route = nullptr;
-    Response refusal = answer([&]() -> Response {
-        request.target = Target::parse(target);
-        if (!request.target.authority.empty())
-            request.host = request.target.authority;
-        if (!policy.allows(request))
-            throw RequestError(403, "not for pages of another origin");
+    Response refusal = responseOf([&]() -> Response {
         route = &router.find(request);
         return {};
     });
-    if (!route)
-        return send(std::move(refusal));
-    const Lane lane = laneOf(*route, request);
-    lanes.run(lane, [route, send, request = std::make_shared<Request>(std::move(request))] {
-        send(answer([&] {
-            Response response = route->handler(*request);
-            fit(*request, response);
+    if (!route) {
+        metrics.countRequest(refusal.status);
+        return reply(std::move(refusal));
+    }
+    const std::shared_ptr<Exchange> exchange(
+        new Exchange{*route, std::move(request), std::move(reply)});
+    if (route->placement)
+        run({Lane::local}, exchange, [this, exchange] { place(exchange); });
+    else
+        handle({Lane::local}, exchange);
+}
+
+void Dispatcher::place(const std::shared_ptr<Exchange>& exchange) {
+    std::optional<Place> place;
+    Response refusal = responseOf([&]() -> Response {
+        place = exchange->route.placement(exchange->request);
+        return {};
+    });
+    if (place)
+        handle(*place, exchange);
+    else
+        answer(*exchange, std::move(refusal));
+}
+
+void Dispatcher::handle(const Place& place, const std::shared_ptr<Exchange>& exchange) {
+    run(place, exchange, [this, exchange] {
+        answer(*exchange, responseOf([&] {
+            Response response = exchange->route.handler(exchange->request);
+            fit(exchange->request, response);
             return response;
         }));
     });
+}
+
+void Dispatcher::run(const Place& place, const std::shared_ptr<Exchange>& exchange,
+                     std::function<void()> work) {
+    const auto unlessAbandoned = [this, exchange, work = std::move(work)] {
+        const auto& abandoned = exchange->request.abandoned;
+        if (abandoned && *abandoned)
+            metrics.countAbandonedRequest();
+        else
+            work();
+    };
+    const auto refuse = [this, exchange](const std::string& why) {
+        answer(*exchange, Response::error(503, why));
+    };
+    lanes.run(place, {unlessAbandoned, refuse});
+}
+
+void Dispatcher::answer(const Exchange& exchange, Response response) {
+    metrics.countRequest(response.status);
+    exchange.reply(std::move(response));
+}
+
+void Dispatcher::work(std::function<void()> task, std::function<void()> refused) {
+    lanes.run({Lane::local}, {std::move(task), [refused = std::move(refused)](
+                                                   const std::string&) { refused(); }});
 }
 
 bool Dispatcher::isStream(std::string_view target) {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "server/http/Target.h"
@@ -24,6 +26,8 @@ struct Request {
 
     std::string peer;  ///< the client's address, without a port
     std::string user;  ///< who asks; empty when nobody is asked who they are
+    /// Set when nobody waits for the answer any more; null when that is never known.
+    std::shared_ptr<const std::atomic<bool>> abandoned;
 };
 
 }  // namespace hmi

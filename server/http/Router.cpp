@@ -31,8 +31,8 @@ const char* nameOf(Method method) {
 
 }  // namespace
 
-void Router::add(Method method, std::string_view path, Lane lane, Handler handler) {
-    routes.push_back({method, Target::parse(path).path, lane, std::move(handler)});
+void Router::add(Method method, std::string_view path, Placement placement, Handler handler) {
+    routes.push_back({method, Target::parse(path).path, std::move(placement), std::move(handler)});
 }
 
 const Route& Router::find(const Request& request) const {

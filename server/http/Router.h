@@ -7,22 +7,18 @@
 
 #include "server/http/Request.h"
 #include "server/http/Response.h"
+#include "server/lanes/Lane.h"
 
 namespace hmi {
 
-/// Which threads serve a request.
-enum class Lane : std::uint8_t {
-    local,          ///< never waits for the extension
-    extension,      ///< calls the extension, as long as that takes
-    configuration,  ///< likewise, one at a time
-};
-
 using Handler = std::function<Response(const Request&)>;
+/// Tells where a request is served; called on the local lane. Throws as a handler does.
+using Placement = std::function<Place(const Request&)>;
 
 struct Route {
     Method method;
     std::vector<std::string> path;  ///< "*" stands for any one name
-    Lane lane;
+    Placement placement;            ///< none: on the local lane
     Handler handler;
 };
 
@@ -30,7 +26,11 @@ struct Route {
 class Router {
 public:
     /// `path`: for example "/api/events/*".
-    void add(Method method, std::string_view path, Lane lane, Handler handler);
+    void add(Method method, std::string_view path, Handler handler) {
+        add(method, path, {}, std::move(handler));
+    }
+    /// For a request that may have to wait.
+    void add(Method method, std::string_view path, Placement placement, Handler handler);
     /// Throws RequestError 404, MethodError when there are only other methods.
     const Route& find(const Request& request) const;
 

@@ -14,7 +14,7 @@ using ZrHmiSrv::Message;
 namespace {
 
 constexpr const char* typeNames[] = {"raised",    "updated", "removed", "message",
-                                     "forgotten", "reset",   "log"};
+                                     "forgotten", "reset",   "log",     "texts"};
 
 json::value idOf(EventId id, const json::storage_ptr& storage) {
     if (id.kind == EventKind::alarm)
@@ -77,6 +77,8 @@ std::string toLine(const Change& change) {
         line.emplace("event", toJson(*change.event, &memory));
     if (change.entry)
         line.emplace("entry", toJson(*change.entry, &memory));
+    if (change.replacement)
+        line.emplace("target", toJson(std::string_view(change.replacement->target), &memory));
     return json::serialize(line);
 }
 

@@ -50,6 +50,9 @@ std::string Metrics::text() const {
     text.family("hmi_http_requests_total", "counter", "Answered requests.");
     for (std::size_t hundreds = 2; hundreds < requests.size(); ++hundreds)
         text.sample({{"status", std::to_string(hundreds) + "xx"}}, number(requests[hundreds]));
+    text.family("hmi_http_abandoned_requests_total", "counter",
+                "Requests whose client had gone when their turn came.");
+    text.sample({}, number(abandonedRequests));
     text.family("hmi_resets_total", "counter", "Times that all events were replaced.");
     text.sample({}, number(resets));
     text.family("hmi_reset_seconds_total", "counter", "Time spent on replacing all events.");

@@ -27,6 +27,7 @@ public:
     void countStreamClients(int joined) noexcept { streamClients += joined; }
     void countSlowClient() noexcept { ++slowClients; }
     void countRequest(unsigned status) noexcept { ++requests[status / 100 % 6]; }
+    void countAbandonedRequest() noexcept { ++abandonedRequests; }
     /// By name and the target system that it is about. Beyond a thousand of these the rest counts
     /// as "other".
     void countLogMessage(const ZrHmiSrv::Message& message);
@@ -41,6 +42,7 @@ private:
 
     std::array<std::atomic<std::uint64_t>, slots> hostCalls{};
     std::array<std::atomic<std::uint64_t>, 6> requests{};  ///< by the hundreds of their status
+    std::atomic<std::uint64_t> abandonedRequests = 0;
     std::atomic<std::uint64_t> resets = 0;
     std::atomic<std::uint64_t> resetNanoseconds = 0;
     std::atomic<std::int64_t> streamClients = 0;

@@ -14,10 +14,11 @@ constexpr const char* contentPolicy =
 
 Answer::Answer(Response given, const Manner& manner)
     : response(std::move(given)),
+      source(response.parts ? std::make_shared<BodyParts>(std::move(response.parts)) : nullptr),
       message(static_cast<http::status>(response.status), manner.version),
       headOnly(manner.headOnly) {
     setHeaders(manner);
-    const bool hasParts = response.parts != nullptr;
+    const bool hasParts = source != nullptr;
     message.body().data = hasParts || response.body.empty() ? nullptr : response.body.data();
     message.body().size = response.body.size();
     message.body().more = hasParts;
@@ -33,12 +34,12 @@ void Answer::setHeaders(const Manner& manner) {
         message.set("Content-Security-Policy", contentPolicy);
     for (const auto& header : response.headers)
         message.set(header.first, header.second);
-    if (!response.parts && response.status != 304)
+    if (!source && response.status != 304)
         message.content_length(response.body.size());
-    if (response.parts && manner.version >= 11)
+    if (source && manner.version >= 11)
         message.chunked(true);
     // Without a length the end of the connection is the end of the body.
-    message.keep_alive(manner.keepAlive && (!response.parts || manner.version >= 11));
+    message.keep_alive(manner.keepAlive && (!source || manner.version >= 11));
 }
 
 void Answer::supply(std::string part) {

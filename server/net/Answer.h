@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include <boost/beast/http/buffer_body.hpp>
@@ -28,7 +29,8 @@ public:
 
     /// The part of the body that comes next; an empty one ends it.
     void supply(std::string part);
-    const BodyParts& parts() const noexcept { return response.parts; }
+    /// What makes them; shared with the worker that it runs on.
+    std::shared_ptr<BodyParts> parts() const noexcept { return source; }
     bool keepsAlive() const { return message.keep_alive(); }
     bool isDone();
 
@@ -36,6 +38,7 @@ private:
     void setHeaders(const Manner& manner);
 
     Response response;
+    const std::shared_ptr<BodyParts> source;  ///< null for a body that is there
     Message message;
     const bool headOnly;
 

@@ -49,6 +49,7 @@ HttpSession::HttpSession(ClientStream client, const asio::ip::address& from,
     : Connection(SessionContext::connectionsOf(shared), from),
       context(std::move(shared)),
       stream(std::move(client)),
+      executor(stream.get_executor()),
       buffer(bufferLimit) {}
 
 void HttpSession::close() {
@@ -58,6 +59,8 @@ void HttpSession::close() {
 }
 
 void HttpSession::abort() {
+    if (handedOver)
+        return;
     stream.next_layer().close();
 }
 
@@ -147,27 +150,66 @@ void HttpSession::serve() {
     stream.next_layer().expires_never();
     const auto& head = parser->get();
     const Manner manner{head.version(), head.method() == http::verb::head, head.keep_alive()};
-    const auto reply = [self = sharedWithWorkers(), manner](Response response) {
-        asio::post(self->stream.get_executor(),
-                   [self, manner, response = std::move(response)]() mutable {
-                       self->send(std::move(response), manner);
-                   });
-    };
     const std::string target(head.target());
-    context->dispatcher.dispatch(request(), target, reply);
+    Request taken = request();
+    taken.abandoned = watchClient();
+    context->access.admit(
+        std::move(taken), target,
+        [self = sharedWithWorkers(), manner](Request admitted, std::optional<Response> refusal) {
+            self->dispatch(std::move(admitted), std::move(refusal), manner);
+        });
+}
+
+/// Any thread.
+void HttpSession::dispatch(Request admitted, std::optional<Response> refusal,
+                           const Manner& manner) {
+    const auto audited = Audit::entryOf(admitted);
+    context->dispatcher.dispatch(
+        std::move(admitted), std::move(refusal),
+        [self = sharedWithWorkers(), manner, audited](Response response) {
+            if (audited)
+                self->context->audit.record(*audited, response);
+            asio::post(self->executor,
+                       [self, manner, response = std::move(response)]() mutable {
+                           self->send(std::move(response), manner);
+                       });
+        });
+}
+
+/// Becomes true when the client ends the connection before it has its answer. One that sends its
+/// next request already is not watched any more.
+std::shared_ptr<const std::atomic<bool>> HttpSession::watchClient() {
+    auto gone = std::make_shared<std::atomic<bool>>(false);
+    stream.next_layer().socket().async_wait(
+        asio::ip::tcp::socket::wait_read, [self = shared_from_this(), gone](Error error) {
+            if (!error)
+                *gone = self->stream.next_layer().socket().available(error) == 0;
+        });
+    return gone;
 }
 
 std::shared_ptr<HttpSession> HttpSession::sharedWithWorkers() {
     return {this, [session = shared_from_this()](HttpSession*) mutable {
-                const auto executor = session->stream.get_executor();
+                const auto executor = session->executor;
                 asio::post(executor, [last = std::move(session)] {});
             }};
 }
 
 void HttpSession::follow() {
-    if (!context->dispatcher.allowsStream(request()))
-        return refuse(Response::error(403, "not for pages of another origin"));
     stream.next_layer().expires_never();
+    const std::string target(parser->get().target());
+    context->access.admit(
+        request(), target, [self = sharedWithWorkers()](Request, std::optional<Response> refusal) {
+            asio::post(self->executor, [self, refusal = std::move(refusal)]() mutable {
+                self->accept(std::move(refusal));
+            });
+        });
+}
+
+void HttpSession::accept(std::optional<Response> refusal) {
+    if (refusal)
+        return refuse(std::move(*refusal));
+    handedOver = true;
     std::make_shared<StreamSession>(std::move(stream), peer, context)->accept(parser->release());
 }
 
@@ -177,6 +219,8 @@ void HttpSession::refuse(Response reply) {
 }
 
 void HttpSession::send(Response reply, Manner manner) {
+    Error ignored;
+    stream.next_layer().socket().cancel(ignored);  // the client is not watched any more
     enter(Phase::sending);
     hold(0);
     if (!hold(sizeOf(reply)))
@@ -205,17 +249,21 @@ void HttpSession::onWritten(Error error) {
 }
 
 void HttpSession::fetchPart() {
-    context->dispatcher.work([self = sharedWithWorkers(), parts = answer->parts()]() mutable {
-        std::optional<std::string> part;
-        try {
-            part = parts();
-        } catch (const std::exception& exception) {
-            log(LogLevel::error, std::string("an answer failed halfway: ") + exception.what());
-        }
-        asio::post(self->stream.get_executor(), [self, part = std::move(part)]() mutable {
+    const auto self = sharedWithWorkers();
+    const auto give = [self](std::optional<std::string> part) {
+        asio::post(self->executor, [self, part = std::move(part)]() mutable {
             self->supply(std::move(part));
         });
-    });
+    };
+    const auto make = [parts = answer->parts(), give] {
+        try {
+            give((*parts)());
+        } catch (const std::exception& exception) {
+            log(LogLevel::error, std::string("an answer failed halfway: ") + exception.what());
+            give(std::nullopt);
+        }
+    };
+    context->dispatcher.work(make, [give] { give(std::nullopt); });
 }
 
 void HttpSession::supply(std::optional<std::string> part) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -13,12 +14,16 @@
 #include "server/net/ClientStream.h"
 #include "server/net/Connection.h"
 #include "server/net/StreamHub.h"
+#include "server/users/AccessControl.h"
+#include "server/users/Audit.h"
 
 namespace hmi {
 
 /// What the sessions of a server share.
 struct SessionContext {
+    AccessControl& access;
     Dispatcher& dispatcher;
+    const Audit& audit;
     StreamHub& hub;
     Connections connections;
 
@@ -49,9 +54,12 @@ private:
     void onBody(Error error);
     void onReadFailed(Error error);
     void serve();
+    void dispatch(Request admitted, std::optional<Response> refusal, const Manner& manner);
     /// Whoever lets go last, on whatever thread, the session ends on its own.
     std::shared_ptr<HttpSession> sharedWithWorkers();
+    std::shared_ptr<const std::atomic<bool>> watchClient();
     void follow();
+    void accept(std::optional<Response> refusal);
     Request request();
 
     void refuse(Response reply);
@@ -66,10 +74,12 @@ private:
 
     const std::shared_ptr<SessionContext> context;
     ClientStream stream;
+    const ClientStream::executor_type executor;
     boost::beast::flat_buffer buffer;
     std::optional<Parser> parser;
     std::optional<Answer> answer;
     bool idle = true;      ///< no request has begun to arrive
+    bool handedOver = false;  ///< the stream has gone to another session
     bool closing = false;  ///< no request after this one
 };
 

@@ -11,13 +11,13 @@
 
 namespace hmi {
 
-void StreamHub::post(Change change) noexcept {
+bool StreamHub::post(const Change& change) noexcept {
     Lock lock(mutex);
     if (!followed)
-        return;
+        return true;
     try {
         if (waiting.size() < maxWaiting)
-            waiting.push_back(std::move(change));
+            waiting.push_back(change);
         else
             overflown = true;
         if (!scheduled)
@@ -26,6 +26,7 @@ void StreamHub::post(Change change) noexcept {
     } catch (const std::exception&) {
         overflown = true;
     }
+    return !overflown;
 }
 
 void StreamHub::join(std::shared_ptr<IStreamClient> client) {

@@ -8,8 +8,8 @@
 #include <boost/asio/io_context.hpp>
 
 #include "platform/Mutex.h"
+#include "server/events/ChangeFeed.h"
 #include "server/metrics/Metrics.h"
-#include "server/events/Change.h"
 
 namespace hmi {
 
@@ -28,11 +28,11 @@ protected:
 
 /// Takes changes from any thread and brings them, in their order, to all clients on the I/O
 /// thread. A client that joins gets all changes from then on, or is disconnected.
-class StreamHub final : public IChangeSink {
+class StreamHub final : public IChangeListener {
 public:
     StreamHub(boost::asio::io_context& io, Metrics& metrics) : io(io), metrics(metrics) {}
 
-    void post(Change change) noexcept override;
+    bool post(const Change& change) noexcept override;
 
     // On the I/O thread.
     void join(std::shared_ptr<IStreamClient> client);

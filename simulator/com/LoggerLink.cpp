@@ -12,8 +12,12 @@ HRESULT LoggerLink::enter(Operation operation) {
         Lock lock(mutex);
         entered = border;
     }
-    return entered == simulator.unbound() ? simulator.enterUnbound(operation)
-                                          : entered->enter(operation);
+    if (entered != simulator.unbound())
+        return entered->enter(operation);
+    // Without a connection there is none to ask about, and no runtime that could hang in it.
+    const bool ofConnection =
+        operation == Operation::IsConnected || operation == Operation::Disconnect;
+    return ofConnection ? S_OK : simulator.enterUnbound(operation);
 }
 
 HRESULT LoggerLink::connect(Operation operation, const FnxNetId& netId, bool preloadTranslations) {

@@ -6,7 +6,7 @@
 
 #include <boost/container_hash/hash.hpp>
 
-#include "events/ProxyValue.h"
+#include "events/EventContext.h"
 #include "host/Time.h"
 #include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
@@ -20,14 +20,15 @@ struct AlarmKey {
     friend bool operator==(const AlarmKey&, const AlarmKey&) = default;
 };
 
-/// The key of a live or logged alarm, read from it. Throws ZrAtlCom::CAtlException.
+/// The key of a live or logged alarm, read from it. Throws ZrAtlCom::CAtlException
+/// and Abandoned.
 template <class Source>
-AlarmKey alarmKeyOf(Source& source) {
+AlarmKey alarmKeyOf(const EventContext& context, Source& source) {
     using ZrEventLoggerFnxProxyLib::IZrEvent;
     using ZrEventLoggerFnxProxyLib::IZrEventInstance;
-    AlarmKey key{toTimestamp(readValue(source, &IZrEvent::get_TimeRaised)), {}};
-    if (const auto instance = optionalInterface<IZrEventInstance>(source))
-        key.number = readValue(*instance, &IZrEventInstance::get_InstanceId);
+    AlarmKey key{toTimestamp(context.read(source, &IZrEvent::get_TimeRaised)), {}};
+    if (const auto instance = context.query<IZrEventInstance>(source))
+        key.number = context.read(*instance, &IZrEventInstance::get_InstanceId);
     return key;
 }
 
@@ -38,13 +39,14 @@ struct AlarmInstance {
     friend bool operator==(const AlarmInstance&, const AlarmInstance&) = default;
 };
 
-/// None where the logger does not number its alarms. Throws ZrAtlCom::CAtlException.
+/// None where the logger does not number its alarms. Throws as alarmKeyOf does.
 template <class Source>
-std::optional<AlarmInstance> alarmInstanceOf(Source& source, const AlarmKey& key) {
+std::optional<AlarmInstance> alarmInstanceOf(const EventContext& context, Source& source,
+                                             const AlarmKey& key) {
     using ZrEventLoggerFnxProxyLib::IZrEvent;
     if (!key.number)
         return std::nullopt;
-    return AlarmInstance{readValue(source, &IZrEvent::get_EventClass), *key.number};
+    return AlarmInstance{context.read(source, &IZrEvent::get_EventClass), *key.number};
 }
 
 }  // namespace ZrHmiEventLogger

@@ -29,8 +29,8 @@ Timestamp orNow(Timestamp time) {
     return time.isset() ? time : Timestamp::now();
 }
 
-Timestamp timeCleared(IZrAlarm& alarm) {
-    return toTimestamp(readValue(alarm, &IZrAlarm::get_TimeCleared));
+Timestamp timeCleared(const EventContext& context, IZrAlarm& alarm) {
+    return toTimestamp(context.read(alarm, &IZrAlarm::get_TimeCleared));
 }
 
 /// The key under which an alarm is found again: of the time that was converted, should the alarm
@@ -71,6 +71,7 @@ struct AlarmLifecycle::Raised {
 };
 
 void AlarmLifecycle::handle(const RecordedCallback& notification, bool quiet) {
+    identities.dropEnded();
     switch (notification.kind) {
         case NotificationKind::messageSent:
             return onMessageSent(*notification.message, quiet);
@@ -87,10 +88,12 @@ void AlarmLifecycle::handle(const RecordedCallback& notification, bool quiet) {
 
 void AlarmLifecycle::onMessageSent(IZrMessage& source, bool quiet) {
     Message message;
-    toHostMessage(message, source, context.domain, context.targetName);
+    toHostMessage(message, source, context);
     if (identities.takeMessage(message))
         return;
     bool kept = false;
+    Lock lock(store.publishMutex);
+    context.proceed();
     const auto evicted = store.change([&](Container& events) {
         kept = events.insert(eventOf(message), {}, context.eventLimit) != nullptr;
     });
@@ -120,14 +123,14 @@ AlarmLifecycle::Container::Entry* AlarmLifecycle::findRaised(const Container& ev
 }
 
 void AlarmLifecycle::convert(Alarm& alarm, IZrAlarm& source, bool keepId) {
-    toHostAlarm(alarm, source, context.domain, context.targetName, context.drawHostId(), keepId);
+    toHostAlarm(alarm, source, context, context.drawHostId(), keepId);
 }
 
 void AlarmLifecycle::onAlarmRaised(IZrAlarm& source, bool quiet) {
-    Raised raised{source, alarmKeyOf(source), {}};
+    Raised raised{source, alarmKeyOf(context, source), {}};
     const bool late = identities.takeAlarm(raised.key, NotificationKind::alarmRaised);
     if (!late && identities.anyUnsettled())
-        if (const auto instance = alarmInstanceOf(source, raised.key))
+        if (const auto instance = alarmInstanceOf(context, source, raised.key))
             raised.unsettled = identities.unsettled(*instance);
     const auto stored = findStored(raised);
     if (stored && !(late && isCurrent(*stored, source)))
@@ -139,7 +142,7 @@ void AlarmLifecycle::onAlarmRaised(IZrAlarm& source, bool quiet) {
 /// Whether the alarm stands in the store just as the logger has it.
 bool AlarmLifecycle::isCurrent(const Alarm& stored, IZrAlarm& source) const {
     Alarm current = stored;
-    toHostAlarm(current, source, context.domain, context.targetName, 0, true);
+    toHostAlarm(current, source, context, 0, true);
     return Value(current) == Value(stored);
 }
 
@@ -163,6 +166,8 @@ void AlarmLifecycle::announce(const Text& name, const Raised& raised, const Alar
                               bool quiet) {
     Container::Removed former;
     auto pointer = pointerTo(raised.source);
+    Lock lock(store.publishMutex);
+    context.proceed();
     store.forget(store.change([&](Container& events) {
         if (auto* entry = findRaised(events, raised))
             former = events.erase(*entry);
@@ -177,19 +182,21 @@ void AlarmLifecycle::announce(const Text& name, const Raised& raised, const Alar
 
 void AlarmLifecycle::refresh(const RecordedCallback& notification) {
     IZrAlarm& source = *notification.alarm;
-    const AlarmKey key = alarmKeyOf(source);
+    const AlarmKey key = alarmKeyOf(context, source);
     const auto stored = findStored({source, key, {}});
     if (!stored)
         return;
     Alarm alarm = *stored;
-    toHostAlarm(alarm, source, context.domain, context.targetName, 0, true);
+    toHostAlarm(alarm, source, context, 0, true);
     if (notification.kind == NotificationKind::alarmCleared)
-        alarm.set_time_cleared(orNow(timeCleared(source)));
+        alarm.set_time_cleared(orNow(timeCleared(context, source)));
     else if (notification.kind == NotificationKind::alarmConfirmed && !alarm.time_cleared().isset())
         alarm.set_time_cleared(stored->time_cleared());
 
     Container::Removed former;
     Container::Released released{};
+    Lock lock(store.publishMutex);
+    context.proceed();
     store.forget(store.change([&](Container& events) {
         auto* entry = events.findByPointer(&source);
         if (!entry)
@@ -209,12 +216,12 @@ void AlarmLifecycle::refresh(const RecordedCallback& notification) {
 void AlarmLifecycle::onAlarmCleared(IZrAlarm& alarm, VARIANT_BOOL removed, bool quiet) {
     static const Text known("KNOWN_ALARM_CLEARED");
     static const Text unknown("UNKNOWN_ALARM_CLEARED");
-    const Timestamp cleared = timeCleared(alarm);
+    const Timestamp cleared = timeCleared(context, alarm);
     const Change change{NotificationKind::alarmCleared,
                         known,
                         unknown,
-                        alarmKeyOf(alarm),
-                        mapConfirmationState(readValue(alarm, &IZrAlarm::get_ConfirmationState)),
+                        alarmKeyOf(context, alarm),
+                        mapConfirmationState(context.read(alarm, &IZrAlarm::get_ConfirmationState)),
                         cleared,
                         orNow(cleared),
                         [](Alarm& stored, Timestamp time) {
@@ -227,12 +234,12 @@ void AlarmLifecycle::onAlarmCleared(IZrAlarm& alarm, VARIANT_BOOL removed, bool 
 void AlarmLifecycle::onAlarmConfirmed(IZrAlarm& alarm, VARIANT_BOOL removed, bool quiet) {
     static const Text known("KNOWN_ALARM_CONFIRMED");
     static const Text unknown("UNKNOWN_ALARM_CONFIRMED");
-    const Timestamp confirmed = toTimestamp(readValue(alarm, &IZrAlarm::get_TimeConfirmed));
+    const Timestamp confirmed = toTimestamp(context.read(alarm, &IZrAlarm::get_TimeConfirmed));
     const Change change{NotificationKind::alarmConfirmed,
                         known,
                         unknown,
-                        alarmKeyOf(alarm),
-                        mapConfirmationState(readValue(alarm, &IZrAlarm::get_ConfirmationState)),
+                        alarmKeyOf(context, alarm),
+                        mapConfirmationState(context.read(alarm, &IZrAlarm::get_ConfirmationState)),
                         confirmed,
                         confirmed,
                         [](Alarm& stored, Timestamp time) { stored.set_time_confirmed(time); }};
@@ -243,6 +250,8 @@ void AlarmLifecycle::onAlarmChanged(const Change& change, bool removed, bool qui
     std::optional<Alarm> alarm;
     Event former;
     Container::Released released{};
+    Lock lock(store.publishMutex);
+    context.proceed();
     const auto evicted = store.change([&](Container& events) {
         auto* entry = findKnown(events, change.key);
         if (!entry)
@@ -283,20 +292,6 @@ AlarmLifecycle::Container::Entry* AlarmLifecycle::findKnown(const Container& eve
         return entry;
     const auto unsettled = identities.unsettled(key);
     return unsettled ? findUnsettled(events, *unsettled) : nullptr;
-}
-
-HRESULT AlarmLifecycle::confirm(const Alarm& alarm) {
-    static const Text name("CALL_CONFIRM");
-    try {
-        const auto pinned = store.pin(alarm.id());
-        if (!pinned)
-            return E_FAIL;
-        context.logging.logMessage(diagnosticMessage(name, {context.targetName, alarm.id()}));
-        return store.confirm(alarm.id(), pinned);
-    } catch (...) {
-        reportCurrentException(context.logging, context.targetName);
-        return E_FAIL;
-    }
 }
 
 }  // namespace ZrHmiEventLogger

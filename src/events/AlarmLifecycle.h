@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "events/AlarmConfirmation.h"
 #include "events/EventContext.h"
 #include "events/EventStore.h"
 #include "events/ImportedIdentities.h"
@@ -11,14 +12,15 @@ namespace ZrHmiEventLogger {
 
 /// What a target system does with each notification: keeps the store in step, logs, and tells the
 /// host unless `quiet` is set, as it is when an import replays. Handlers are called with the
-/// target's sinkMutex held and throw what the proxy threw, having changed nothing.
+/// target's sinkMutex held and throw what the proxy threw, or Abandoned when the target is over,
+/// having changed nothing.
 class AlarmLifecycle {
 public:
     using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
     using IZrMessage = ZrEventLoggerFnxProxyLib::IZrMessage;
 
     AlarmLifecycle(const EventContext& context, EventStore& store)
-        : context(context), store(store) {}
+        : context(context), store(store), confirmation(context, store) {}
 
     /// Of every kind but databaseChanged, which is the target's own affair.
     void handle(const RecordedCallback& notification, bool quiet);
@@ -35,7 +37,7 @@ public:
     ImportedIdentities& imported() { return identities; }
 
     /// An operator's confirmation, on a host thread. Throws nothing.
-    HRESULT confirm(const ZrHmiSrv::Alarm& alarm);
+    HRESULT confirm(const ZrHmiSrv::Alarm& alarm) { return confirmation.confirm(alarm.id()); }
 
 private:
     using Container = EventStore::Container;
@@ -58,6 +60,7 @@ private:
 
     const EventContext& context;
     EventStore& store;
+    AlarmConfirmation confirmation;
     ImportedIdentities identities;
 };
 

@@ -25,37 +25,37 @@ const Text alarmName("ZREVENTLOGGER_ALARM");
 const Text messageName("ZREVENTLOGGER_MESSAGE");
 
 template <class Source>
-void setCommon(Alarm& alarm, Source& source, const Text& domain, const Text& targetName) {
+void setCommon(Alarm& alarm, Source& source, const EventContext& context) {
     alarm.set_name(alarmName);
-    alarm.set_domain(domain);
-    alarm.set_severity(mapSeverity(readValue(source, &IZrEvent::get_Severity)));
-    alarm.set_time_raised(toTimestamp(readValue(source, &IZrEvent::get_TimeRaised)));
-    alarm.set_time_confirmed(toTimestamp(readValue(source, &Source::get_TimeConfirmed)));
-    alarm.set_payload(eventParameters(source, targetName));
+    alarm.set_domain(context.domain);
+    alarm.set_severity(mapSeverity(context.read(source, &IZrEvent::get_Severity)));
+    alarm.set_time_raised(toTimestamp(context.read(source, &IZrEvent::get_TimeRaised)));
+    alarm.set_time_confirmed(toTimestamp(context.read(source, &Source::get_TimeConfirmed)));
+    alarm.set_payload(eventParameters(context, source));
 }
 
 template <class Source>
-void setCommon(Message& message, Source& source, const Text& domain, const Text& targetName) {
+void setCommon(Message& message, Source& source, const EventContext& context) {
     message.set_name(messageName);
-    message.set_domain(domain);
-    message.set_severity(mapSeverity(readValue(source, &IZrEvent::get_Severity)));
-    message.set_time_raised(toTimestamp(readValue(source, &IZrEvent::get_TimeRaised)));
-    message.set_payload(eventParameters(source, targetName));
+    message.set_domain(context.domain);
+    message.set_severity(mapSeverity(context.read(source, &IZrEvent::get_Severity)));
+    message.set_time_raised(toTimestamp(context.read(source, &IZrEvent::get_TimeRaised)));
+    message.set_payload(eventParameters(context, source));
 }
 
-AlarmConfirmationState loggedConfirmation(IZrLoggedEvent& source, Timestamp confirmed) {
-    if (readValue(source, &IZrLoggedEvent::get_RequiresConfirmation) != VARIANT_TRUE)
+AlarmConfirmationState loggedConfirmation(const EventContext& context, IZrLoggedEvent& source,
+                                          Timestamp confirmed) {
+    if (context.read(source, &IZrLoggedEvent::get_RequiresConfirmation) != VARIANT_TRUE)
         return AlarmConfirmationState::none;
     return confirmed.isset() ? AlarmConfirmationState::confirmed : AlarmConfirmationState::lapsed;
 }
 
-Alarm loggedAlarm(IZrLoggedEvent& source, const Text& domain, const Text& targetName,
-                  std::int32_t hostId) {
+Alarm loggedAlarm(IZrLoggedEvent& source, const EventContext& context, std::int32_t hostId) {
     Alarm alarm;
     alarm.set_id(hostId);
-    setCommon(alarm, source, domain, targetName);
-    alarm.set_time_cleared(toTimestamp(readValue(source, &IZrLoggedEvent::get_TimeCleared)));
-    alarm.set_confirmation_state(loggedConfirmation(source, alarm.time_confirmed()));
+    setCommon(alarm, source, context);
+    alarm.set_time_cleared(toTimestamp(context.read(source, &IZrLoggedEvent::get_TimeCleared)));
+    alarm.set_confirmation_state(loggedConfirmation(context, source, alarm.time_confirmed()));
     if (!alarm.time_cleared().isset())
         alarm.set_alarm_state(AlarmState::invalid);
     return alarm;
@@ -86,34 +86,33 @@ Timestamp toTimestamp(FILETIME time) {
     return Timestamp::from_file_time(static_cast<long long>(std::min(ticks, latest)));
 }
 
-void toHostAlarm(Alarm& alarm, IZrAlarm& source, const Text& domain, const Text& targetName,
-                 std::int32_t hostId, bool keepId) {
+void toHostAlarm(Alarm& alarm, IZrAlarm& source, const EventContext& context, std::int32_t hostId,
+                 bool keepId) {
     if (!keepId)
         alarm.set_id(hostId);
-    setCommon(alarm, source, domain, targetName);
-    const Timestamp cleared = toTimestamp(readValue(source, &IZrAlarm::get_TimeCleared));
+    setCommon(alarm, source, context);
+    const Timestamp cleared = toTimestamp(context.read(source, &IZrAlarm::get_TimeCleared));
     alarm.set_time_cleared(cleared > alarm.time_raised() ? cleared : Timestamp());
     alarm.set_confirmation_state(
-        mapConfirmationState(readValue(source, &IZrAlarm::get_ConfirmationState)));
+        mapConfirmationState(context.read(source, &IZrAlarm::get_ConfirmationState)));
 }
 
-void toHostMessage(Message& message, IZrMessage& source, const Text& domain,
-                   const Text& targetName) {
-    setCommon(message, source, domain, targetName);
+void toHostMessage(Message& message, IZrMessage& source, const EventContext& context) {
+    setCommon(message, source, context);
 }
 
-void toHostEvent(Event& event, IZrLoggedEvent& source, const Text& domain, const Text& targetName,
+void toHostEvent(Event& event, IZrLoggedEvent& source, const EventContext& context,
                  std::int32_t hostId) {
-    event.set_domain(domain);
-    switch (readValue(source, &IZrLoggedEvent::get_EventType)) {
+    event.set_domain(context.domain);
+    switch (context.read(source, &IZrLoggedEvent::get_EventType)) {
         case LoggedEventType::message: {
             Message message;
-            setCommon(message, source, domain, targetName);
+            setCommon(message, source, context);
             carry(event, std::move(message));
             break;
         }
         case LoggedEventType::alarm:
-            carry(event, loggedAlarm(source, domain, targetName, hostId));
+            carry(event, loggedAlarm(source, context, hostId));
             break;
     }
 }

@@ -1,9 +1,11 @@
 /// From the event logger's objects to the host's events. A failing proxy call throws
-/// ZrAtlCom::CAtlException; the half-filled event is then to be discarded. Any thread.
+/// ZrAtlCom::CAtlException, a target that is over Abandoned; the half-filled event is then to be
+/// discarded. Any thread.
 #pragma once
 
 #include <cstdint>
 
+#include "events/EventContext.h"
 #include "host/Event.h"
 #include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
@@ -20,15 +22,14 @@ ZrHmiSrv::Severity mapSeverity(std::uint32_t severity);
 ZrHmiSrv::AlarmConfirmationState mapConfirmationState(std::uint32_t state);
 
 /// With `keepId` the id that the alarm already has stays.
-void toHostAlarm(ZrHmiSrv::Alarm& alarm, IZrAlarm& source, const ZrHmiSrv::Text& domain,
-                 const ZrHmiSrv::Text& targetName, std::int32_t hostId, bool keepId);
+void toHostAlarm(ZrHmiSrv::Alarm& alarm, IZrAlarm& source, const EventContext& context,
+                 std::int32_t hostId, bool keepId);
 
-void toHostMessage(ZrHmiSrv::Message& message, IZrMessage& source, const ZrHmiSrv::Text& domain,
-                   const ZrHmiSrv::Text& targetName);
+void toHostMessage(ZrHmiSrv::Message& message, IZrMessage& source, const EventContext& context);
 
 /// The event gets a payload only when the entry is an alarm or a message.
-void toHostEvent(ZrHmiSrv::Event& event, IZrLoggedEvent& source, const ZrHmiSrv::Text& domain,
-                 const ZrHmiSrv::Text& targetName, std::int32_t hostId);
+void toHostEvent(ZrHmiSrv::Event& event, IZrLoggedEvent& source, const EventContext& context,
+                 std::int32_t hostId);
 
 /// The event that carries a live alarm or message, with its name, domain and time.
 ZrHmiSrv::Event eventOf(ZrHmiSrv::Alarm alarm);

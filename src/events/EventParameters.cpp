@@ -14,6 +14,7 @@
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;
+using ZrAtlCom::ComPtr;
 using ZrAtlCom::guidText;
 using ZrAtlCom::receiveText;
 using ZrHmiSrv::Binary;
@@ -69,7 +70,20 @@ Text classText(const GUID& eventClass) {
     return texts.of(eventClass);
 }
 
-bool hasSource(IZrEvent& source, SourceAttribute kind) {
+template <class Interface, class Source>
+ComPtr<Interface> attribute(const EventContext& context, Source& source) {
+    context.proceed();
+    return attributeInterface<Interface>(source);
+}
+
+template <class Source, class Getter>
+Text textOf(const EventContext& context, Source& source, Getter getter) {
+    context.proceed();
+    return Text(receiveText(getter, source));
+}
+
+bool hasSource(const EventContext& context, IZrEvent& source, SourceAttribute kind) {
+    context.proceed();
     VARIANT_BOOL has = VARIANT_FALSE;
     check(source.HasSource(kind, &has));
     return has == VARIANT_TRUE;
@@ -85,7 +99,8 @@ bool isWellFormed(const ArgumentBlockLayout& layout) {
            lies(layout.typesOffset, layout.typesSize) && lies(layout.dataOffset, layout.dataSize);
 }
 
-ArgumentBlockLayout readLayout(IZrEventArguments& arguments) {
+ArgumentBlockLayout readLayout(const EventContext& context, IZrEventArguments& arguments) {
+    context.proceed();
     ArgumentBlockLayout layout{};
     check(arguments.GetLayout(&layout));
     if (!isWellFormed(layout))
@@ -93,12 +108,14 @@ ArgumentBlockLayout readLayout(IZrEventArguments& arguments) {
     return layout;
 }
 
-void addBlock(Value& parameters, IZrEventArguments& arguments, const ArgumentBlockLayout& layout) {
+void addBlock(const EventContext& context, Value& parameters, IZrEventArguments& arguments,
+              const ArgumentBlockLayout& layout) {
     const auto part = [](LONG value) { return static_cast<std::size_t>(value); };
     const std::size_t size = part(layout.typesSize) + part(layout.dataSize);
     if (layout.count == 0 || size == 0)
         return;
     std::vector<std::byte> block(size);
+    context.proceed();
     check(arguments.GetBlock(reinterpret_cast<BYTE*>(block.data()), static_cast<ULONG>(size)));
     const std::span<const std::byte> bytes(block);
     parameters.insert(keys::types,
@@ -109,65 +126,65 @@ void addBlock(Value& parameters, IZrEventArguments& arguments, const ArgumentBlo
 
 /// Alarms and messages say how many arguments they have; the block is optional.
 template <class LiveEvent>
-void addArguments(Value& parameters, LiveEvent& source) {
-    const ULONG count = readValue(source, &LiveEvent::get_ArgumentCount);
+void addArguments(const EventContext& context, Value& parameters, LiveEvent& source) {
+    const ULONG count = context.read(source, &LiveEvent::get_ArgumentCount);
     parameters.insert(keys::numArguments, static_cast<double>(count));
-    const auto arguments = optionalInterface<IZrEventArguments>(source);
+    const auto arguments = context.query<IZrEventArguments>(source);
     if (!arguments)
         return;
-    const ArgumentBlockLayout layout = readLayout(*arguments);
+    const ArgumentBlockLayout layout = readLayout(context, *arguments);
     if (static_cast<ULONG>(layout.count) != count)
         check(E_INVALIDARG);
-    addBlock(parameters, *arguments, layout);
+    addBlock(context, parameters, *arguments, layout);
 }
 
 /// A logged event says so only through its argument block.
-void addArguments(Value& parameters, IZrLoggedEvent& source) {
-    const auto arguments = attributeInterface<IZrEventArguments>(source);
+void addArguments(const EventContext& context, Value& parameters, IZrLoggedEvent& source) {
+    const auto arguments = attribute<IZrEventArguments>(context, source);
     if (!arguments) {
         parameters.insert(keys::numArguments, 0);
         return;
     }
-    const ArgumentBlockLayout layout = readLayout(*arguments);
+    const ArgumentBlockLayout layout = readLayout(context, *arguments);
     parameters.insert(keys::numArguments, static_cast<double>(layout.count));
-    addBlock(parameters, *arguments, layout);
+    addBlock(context, parameters, *arguments, layout);
 }
 
 template <class Source>
-Value parametersOf(Source& source, const Text& targetName) {
+Value parametersOf(const EventContext& context, Source& source) {
     Value parameters(ValueType::structure);
     parameters.reserve(parameterCount);
-    parameters.insert(keys::targetName, targetName);
-    parameters.insert(keys::eventClass, classText(readValue(source, &IZrEvent::get_EventClass)));
+    parameters.insert(keys::targetName, context.targetName);
+    parameters.insert(keys::eventClass, classText(context.read(source, &IZrEvent::get_EventClass)));
     parameters.insert(keys::eventId,
-                      static_cast<double>(readValue(source, &IZrEvent::get_EventId)));
-    if (hasSource(source, SourceAttribute::id))
+                      static_cast<double>(context.read(source, &IZrEvent::get_EventId)));
+    if (hasSource(context, source, SourceAttribute::id))
         parameters.insert(keys::sourceId,
-                          static_cast<double>(readValue(source, &IZrEvent::get_SourceId)));
-    if (hasSource(source, SourceAttribute::name))
-        parameters.insert(keys::sourceName, Text(receiveText(&IZrEvent::get_SourceName, source)));
-    if (hasSource(source, SourceAttribute::guid))
+                          static_cast<double>(context.read(source, &IZrEvent::get_SourceId)));
+    if (hasSource(context, source, SourceAttribute::name))
+        parameters.insert(keys::sourceName, textOf(context, source, &IZrEvent::get_SourceName));
+    if (hasSource(context, source, SourceAttribute::guid))
         parameters.insert(keys::sourceGuid,
-                          Text(guidText(readValue(source, &IZrEvent::get_SourceGuid))));
-    if (const auto json = attributeInterface<IZrJsonAttribute>(source))
+                          Text(guidText(context.read(source, &IZrEvent::get_SourceGuid))));
+    if (const auto json = attribute<IZrJsonAttribute>(context, source))
         parameters.insert(keys::jsonAttribute,
-                          Text(receiveText(&IZrJsonAttribute::get_JsonAttribute, *json)));
-    addArguments(parameters, source);
+                          textOf(context, *json, &IZrJsonAttribute::get_JsonAttribute));
+    addArguments(context, parameters, source);
     return parameters;
 }
 
 }  // namespace
 
-Value eventParameters(IZrAlarm& source, const Text& targetName) {
-    return parametersOf(source, targetName);
+Value eventParameters(const EventContext& context, IZrAlarm& source) {
+    return parametersOf(context, source);
 }
 
-Value eventParameters(IZrMessage& source, const Text& targetName) {
-    return parametersOf(source, targetName);
+Value eventParameters(const EventContext& context, IZrMessage& source) {
+    return parametersOf(context, source);
 }
 
-Value eventParameters(IZrLoggedEvent& source, const Text& targetName) {
-    return parametersOf(source, targetName);
+Value eventParameters(const EventContext& context, IZrLoggedEvent& source) {
+    return parametersOf(context, source);
 }
 
 }  // namespace ZrHmiEventLogger

@@ -1,17 +1,18 @@
 #pragma once
 
+#include "events/EventContext.h"
 #include "host/Value.h"
 #include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
 
-/// The parameters that every event bears, in their fixed order.
-ZrHmiSrv::Value eventParameters(ZrEventLoggerFnxProxyLib::IZrAlarm& source,
-                                const ZrHmiSrv::Text& targetName);
-ZrHmiSrv::Value eventParameters(ZrEventLoggerFnxProxyLib::IZrMessage& source,
-                                const ZrHmiSrv::Text& targetName);
-ZrHmiSrv::Value eventParameters(ZrEventLoggerFnxProxyLib::IZrLoggedEvent& source,
-                                const ZrHmiSrv::Text& targetName);
+/// The parameters that every event bears, in their fixed order. Throws as the conversion does.
+ZrHmiSrv::Value eventParameters(const EventContext& context,
+                                ZrEventLoggerFnxProxyLib::IZrAlarm& source);
+ZrHmiSrv::Value eventParameters(const EventContext& context,
+                                ZrEventLoggerFnxProxyLib::IZrMessage& source);
+ZrHmiSrv::Value eventParameters(const EventContext& context,
+                                ZrEventLoggerFnxProxyLib::IZrLoggedEvent& source);
 
 namespace keys {
 extern const ZrHmiSrv::Text targetName;

@@ -1,9 +1,9 @@
 #include "events/EventStore.h"
 
 #include "events/DiagnosticMessage.h"
-#include "targetsystem/proxy/CAtlException.h"
 
 using ZrHmiSrv::Event;
+using ZrHmiSrv::IEventReceiver;
 
 namespace ZrHmiEventLogger {
 
@@ -42,8 +42,29 @@ std::shared_ptr<EventStore::Container> EventStore::exchange(std::shared_ptr<Cont
 
 bool EventStore::removeAlarms() {
     std::vector<Container::Removed> removed;
-    change([&](Container& container) { removed = container.removeAlarms(); });
+    {
+        Lock lock(publishMutex);
+        change([&](Container& container) { removed = container.removeAlarms(); });
+    }
     return !removed.empty();
+}
+
+void EventStore::provideEvents(IEventReceiver& receiver) {
+    Lock lock(publishMutex);
+    handOver(receiver);
+}
+
+bool EventStore::tryProvideEvents(IEventReceiver& receiver) {
+    if (!publishMutex.try_lock())
+        return false;
+    Lock lock(publishMutex, std::adopt_lock);
+    handOver(receiver);
+    return true;
+}
+
+void EventStore::handOver(IEventReceiver& receiver) {
+    if (!context.isOver())
+        receiver.replace_events(context.targetName.c_str(), eventsOldestFirst());
 }
 
 std::vector<Event> EventStore::eventsOldestFirst() const {
@@ -70,14 +91,6 @@ EventStore::AlarmPointer EventStore::pin(int hostId) const {
     Lock lock(storeMutex);
     const Container::Entry* entry = events->findById(hostId);
     return entry ? entry->pointer() : nullptr;
-}
-
-HRESULT EventStore::confirm(int hostId, const AlarmPointer& pinned) {
-    Lock lock(storeMutex);
-    const Container::Entry* entry = events->findById(hostId);
-    if (!entry || entry->pointer()->get() != pinned->get())
-        return E_FAIL;
-    return ZrAtlCom::check(pinned->get()->Confirm());
 }
 
 EventStatistics EventStore::statistics() const {

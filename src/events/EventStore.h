@@ -12,13 +12,14 @@
 #include "events/EventContext.h"
 #include "events/LimitedEventContainer.h"
 #include "events/ScopedEventPointer.h"
+#include "host/Listeners.h"
 #include "platform/Mutex.h"
 #include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
 
-/// The events of one target system that stand in the host, and the lock around them. Any thread.
-/// Nothing is reported from inside: what was evicted is handed to the caller.
+/// The events of one target system that stand in the host, and the locks around them. Any thread.
+/// Nothing is reported from inside a change: what was evicted is handed to the caller.
 class EventStore {
 public:
     using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
@@ -28,10 +29,17 @@ public:
 
     explicit EventStore(const EventContext& context);
 
+    /// Held while the events change and the host is told of it, which is one step, and while they
+    /// are handed over. Taken after sinkMutex; never held across a call of the proxy. A target
+    /// that is retired under it, or was stopped, changes nothing in the host any more: who takes
+    /// it looks at the context first. Recursive for hosts that ask for the events from inside one
+    /// of their slots.
+    RecursiveMutex publishMutex;
+
     /// Runs `apply` on the events; publishes the counters. Answers what left, oldest
     /// eviction first.
     template <class Apply>
-    Evicted change(Apply apply) EXCLUDES(storeMutex) {
+    Evicted change(Apply apply) REQUIRES(publishMutex) EXCLUDES(storeMutex) {
         Lock lock(storeMutex);
         apply(*events);
         publish();
@@ -46,9 +54,15 @@ public:
 
     /// The rebuilt events take the place of the old ones, which are handed out so that they are
     /// destroyed with no lock held.
-    std::shared_ptr<Container> exchange(std::shared_ptr<Container> rebuilt) EXCLUDES(storeMutex);
+    std::shared_ptr<Container> exchange(std::shared_ptr<Container> rebuilt) REQUIRES(publishMutex)
+        EXCLUDES(storeMutex);
     /// Takes out all events that are alarms; false when there are none.
-    bool removeAlarms() EXCLUDES(storeMutex);
+    bool removeAlarms() EXCLUDES(publishMutex, storeMutex);
+    /// Hands all events to the receiver, oldest first, as one batch that no change interrupts.
+    /// Those of a target that is over are nobody's any more.
+    void provideEvents(ZrHmiSrv::IEventReceiver& receiver) EXCLUDES(publishMutex, storeMutex);
+    /// The same, unless a change is under way: then false.
+    bool tryProvideEvents(ZrHmiSrv::IEventReceiver& receiver) EXCLUDES(publishMutex, storeMutex);
     std::vector<ZrHmiSrv::Event> eventsOldestFirst() const EXCLUDES(storeMutex);
 
     /// The host id under which a live alarm is stored.
@@ -58,24 +72,22 @@ public:
         EXCLUDES(storeMutex);
     /// Keeps the live alarm of a host id alive; null when there is none.
     AlarmPointer pin(int hostId) const EXCLUDES(storeMutex);
-    /// Confirms the pinned alarm unless it was released meanwhile (E_FAIL). The lock is held
-    /// across the call, so that no notification of the confirmation overtakes its result.
-    HRESULT confirm(int hostId, const AlarmPointer& pinned) EXCLUDES(storeMutex);
 
     /// A copy that is published after every change: waits for no one who holds the store.
     EventStatistics statistics() const EXCLUDES(statisticsMutex);
 
     /// Logs what was evicted and tells the host to drop it.
-    void forget(const Evicted& events) const;
-    void forgetEvent(const ZrHmiSrv::Event& event) const;
+    void forget(const Evicted& events) const REQUIRES(publishMutex);
 
 private:
     void publish() REQUIRES(storeMutex);
+    void handOver(ZrHmiSrv::IEventReceiver& receiver) REQUIRES(publishMutex) EXCLUDES(storeMutex);
+    void forgetEvent(const ZrHmiSrv::Event& event) const REQUIRES(publishMutex);
     void collectEvictions() REQUIRES(storeMutex);
 
     const EventContext& context;
-    /// Guards the events. Taken after sinkMutex; never held while the host is called.
-    mutable RecursiveMutex storeMutex;
+    /// Guards the events. Taken after publishMutex; never held across a call of any kind.
+    mutable Mutex storeMutex;
     std::shared_ptr<Container> events GUARDED_BY(storeMutex) = std::make_shared<Container>();
     Evicted evicted GUARDED_BY(storeMutex);
     mutable Mutex statisticsMutex;

@@ -27,7 +27,7 @@ public:
 };
 
 /// Reports the exception that is being handled, with its text when it has one. Call from a
-/// catch block. When even that fails there is nobody left to tell.
+/// catch block. Abandoned is not reported. When even reporting fails there is nobody left to tell.
 void reportCurrentException(ILoggingFunctions& logging, const ZrHmiSrv::Text& targetName) noexcept;
 
 }  // namespace ZrHmiEventLogger

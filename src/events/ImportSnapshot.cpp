@@ -13,45 +13,54 @@ namespace ZrHmiEventLogger {
 
 namespace {
 
-bool isStillActive(const ComPtr<IZrLoggedEvent>& item) {
-    const auto extended = optionalInterface<IZrLoggedEvent2>(*item);
-    return extended && readValue(*item, &IZrLoggedEvent::get_EventType) == LoggedEventType::alarm &&
-           readValue(*extended, &IZrLoggedEvent2::get_IsActive) == VARIANT_TRUE;
+bool isStillActive(const EventContext& context, IZrLoggedEvent& item) {
+    const auto extended = context.query<IZrLoggedEvent2>(item);
+    return extended &&
+           context.read(item, &IZrLoggedEvent::get_EventType) == LoggedEventType::alarm &&
+           context.read(*extended, &IZrLoggedEvent2::get_IsActive) == VARIANT_TRUE;
 }
 
 }  // namespace
 
 void ImportSnapshot::fetch(Logger& logger) {
+    context.proceed();
     const auto loggedEvents =
         receiveObject<IZrLoggedEventCollection>([&](IZrLoggedEventCollection** events) {
             return logger.GetLoggedEvents(static_cast<ULONG>(context.eventLimit), events);
         });
+    context.proceed();
     const auto alarms = receiveObject<IZrAlarmCollection>(
         [&](IZrAlarmCollection** collection) { return logger.GetActiveAlarms(collection); });
-    forEachItem<IZrLoggedEvent>(*loggedEvents, [&](auto item) { takeLogged(std::move(item)); });
-    forEachItem<IZrAlarm>(*alarms, [&](auto alarm) { takeActive(std::move(alarm)); });
+    forEachItem<IZrLoggedEvent>(*loggedEvents, [&](auto item) {
+        takeLogged(std::move(item));
+        context.proceed();
+    });
+    forEachItem<IZrAlarm>(*alarms, [&](auto alarm) {
+        takeActive(std::move(alarm));
+        context.proceed();
+    });
     keepIds();
     convertActive();
     build();
 }
 
 void ImportSnapshot::takeLogged(ComPtr<IZrLoggedEvent> item) {
-    if (isStillActive(item)) {
-        const AlarmKey key = alarmKeyOf(*item);
+    if (isStillActive(context, *item)) {
+        const AlarmKey key = alarmKeyOf(context, *item);
         skipped.push_back({std::move(item), key});
         return;
     }
     Logged entry;
-    toHostEvent(entry.event, *item, context.domain, context.targetName, context.drawHostId());
+    toHostEvent(entry.event, *item, context, context.drawHostId());
     if (entry.event.payload().type() == ValueType::alarm)
-        entry.key = alarmKeyOf(*item);
+        entry.key = alarmKeyOf(context, *item);
     logged.push_back(std::move(entry));
 }
 
 void ImportSnapshot::takeActive(ComPtr<IZrAlarm> source) {
     if (!activeAlarms.insert(source.get()).second)
         return;
-    const AlarmKey key = alarmKeyOf(*source);
+    const AlarmKey key = alarmKeyOf(context, *source);
     activeKeys.insert(key);
     active.push_back({std::move(source), key, {}, {}});
 }
@@ -73,7 +82,7 @@ std::optional<int> ImportSnapshot::keepOnce(std::optional<int> hostId) {
 void ImportSnapshot::convertActive() {
     for (Active& entry : active) {
         const int hostId = entry.keptId ? *entry.keptId : context.drawHostId();
-        toHostAlarm(entry.alarm, *entry.source, context.domain, context.targetName, hostId, false);
+        toHostAlarm(entry.alarm, *entry.source, context, hostId, false);
         entry.key.timeRaised = entry.alarm.time_raised();  // it may have been raised again
         activeKeys.insert(entry.key);
     }
@@ -111,10 +120,10 @@ std::vector<ImportSnapshot::Skipped> ImportSnapshot::unlisted() const {
     // The active list may hold an alarm under a later time than the log did.
     std::unordered_set<AlarmInstance> listed;
     for (const Active& entry : active)
-        if (const auto instance = alarmInstanceOf(*entry.source, entry.key))
+        if (const auto instance = alarmInstanceOf(context, *entry.source, entry.key))
             listed.insert(*instance);
     std::erase_if(missing, [&](const Skipped& entry) {
-        const auto instance = alarmInstanceOf(*entry.item, entry.key);
+        const auto instance = alarmInstanceOf(context, *entry.item, entry.key);
         return instance && listed.contains(*instance);
     });
     return missing;

@@ -32,7 +32,7 @@ public:
     ImportSnapshot(const EventContext& context, const EventStore& running)
         : context(context), running(running) {}
 
-    /// Throws what the proxy throws.
+    /// Throws what the proxy throws, or Abandoned when the target is over.
     void fetch(Logger& logger);
 
     std::shared_ptr<Container> takeStore() { return std::move(rebuilt); }
@@ -41,7 +41,7 @@ public:
     void keepUntilTheEnd(std::shared_ptr<Container> replaced) { former = std::move(replaced); }
 
     bool tookOver(const IZrAlarm* alarm) const { return activeAlarms.contains(alarm); }
-    /// The skipped alarms that the active list did not hold. Throws what the proxy throws.
+    /// The skipped alarms that the active list did not hold. Throws as fetch does.
     std::vector<Skipped> unlisted() const;
     std::uint64_t loggedCount() const { return logged.size() + skipped.size(); }
     std::uint64_t activeCount() const { return activeAlarms.size(); }

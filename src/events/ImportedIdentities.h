@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -24,6 +25,15 @@ struct UnsettledAlarm {
 /// kind. Used with the target's sinkMutex held.
 class ImportedIdentities {
 public:
+    using Clock = std::chrono::steady_clock;
+
+    /// What the library has not delivered by then it delivers no more: all identities end.
+    void endAt(Clock::time_point time) { end = time; }
+    void dropEnded() {
+        if (Clock::now() >= end)
+            *this = {};
+    }
+
     void addAlarm(const AlarmKey& key) { ++alarms[key].count; }
     void addMessage(const ZrHmiSrv::Message& message);
     /// A logged alarm that the log showed as alive but the active list did not hold: its end may
@@ -56,6 +66,7 @@ private:
     };
     static MessageIdentity identityOf(const ZrHmiSrv::Message& message);
 
+    Clock::time_point end = Clock::time_point::max();
     std::unordered_map<AlarmKey, Copies> alarms;
     std::unordered_map<AlarmKey, int> unsettledAlarms;  ///< with their host ids
     std::unordered_map<AlarmInstance, AlarmKey> unsettledInstances;

@@ -22,7 +22,7 @@ ImportResultPtr LoggedEventImport::run(Logger& logger) {
     auto result = std::make_shared<ImportResult>();
     result->released = snapshot;
     storeExchanged = false;
-    notifications.startRecording();
+    beginRecording();
     try {
         snapshot->fetch(logger);
         swapAndReplay(*snapshot, *result);
@@ -38,14 +38,17 @@ ImportResultPtr LoggedEventImport::run(Logger& logger) {
     return result;
 }
 
+void LoggedEventImport::beginRecording() {
+    Lock lock(notifications.sinkMutex);
+    lifecycle.imported() = {};
+    notifications.startRecording();
+}
+
 void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& result) {
     NotificationRecorder::Records records;
     Lock lock(notifications.sinkMutex);
     lifecycle.imported() = snapshot.takeIdentities();
-    snapshot.keepUntilTheEnd(store.exchange(snapshot.takeStore()));
-    storeExchanged = true;
-    store.forget(snapshot.evictions());
-
+    exchangeStores(snapshot);
     records = notifications.takeRecords();
     result.recorded = records.size();
     Replay state{snapshot, {}, {}, {}};
@@ -59,7 +62,17 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
     }
     if (!result.databaseChange)
         importUnlisted(state);
+    lifecycle.imported().endAt(ImportedIdentities::Clock::now() +
+                               std::chrono::nanoseconds(context.timeout.nanoseconds()));
     notifications.stopRecording();
+}
+
+void LoggedEventImport::exchangeStores(ImportSnapshot& snapshot) {
+    Lock lock(store.publishMutex);
+    context.proceed();
+    snapshot.keepUntilTheEnd(store.exchange(snapshot.takeStore()));
+    storeExchanged = true;
+    store.forget(snapshot.evictions());
 }
 
 void LoggedEventImport::replay(const RecordedCallback& record, Replay& state) {
@@ -72,7 +85,7 @@ void LoggedEventImport::replay(const RecordedCallback& record, Replay& state) {
 
 void LoggedEventImport::replayAlarm(const RecordedCallback& record, Replay& state) {
     constexpr bool quiet = true;
-    const AlarmKey key = alarmKeyOf(*record.alarm);
+    const AlarmKey key = alarmKeyOf(context, *record.alarm);
     const bool known = lifecycle.imported().holdsAlarm(key);
     lifecycle.imported().takeAlarm(key, record.kind);
     if (state.snapshot.tookOver(record.alarm.get()))
@@ -80,7 +93,7 @@ void LoggedEventImport::replayAlarm(const RecordedCallback& record, Replay& stat
     if (known)
         return;
     state.met.insert(key);
-    if (const auto instance = alarmInstanceOf(*record.alarm, key))
+    if (const auto instance = alarmInstanceOf(context, *record.alarm, key))
         state.metInstances.insert(*instance);
     // A change of an alarm that nobody has seen begins with the alarm itself.
     if (state.raised.insert(record.alarm.get()).second &&
@@ -93,13 +106,15 @@ void LoggedEventImport::replayAlarm(const RecordedCallback& record, Replay& stat
 /// notification told so far.
 void LoggedEventImport::importUnlisted(const Replay& state) {
     for (const ImportSnapshot::Skipped& skipped : state.snapshot.unlisted()) {
-        const auto instance = alarmInstanceOf(*skipped.item, skipped.key);
+        const auto instance = alarmInstanceOf(context, *skipped.item, skipped.key);
         if (state.met.contains(skipped.key) || (instance && state.metInstances.contains(*instance)))
             continue;
         Event event;
         const int hostId = context.drawHostId();
-        toHostEvent(event, *skipped.item, context.domain, context.targetName, hostId);
+        toHostEvent(event, *skipped.item, context, hostId);
         lifecycle.imported().addUnsettled({skipped.key, hostId}, instance);
+        Lock lock(store.publishMutex);
+        context.proceed();
         store.forget(store.change([&](EventStore::Container& events) {
             events.insert(std::move(event), {}, context.eventLimit);
         }));

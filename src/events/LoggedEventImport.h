@@ -23,9 +23,9 @@ public:
                       NotificationRecorder& notifications, AlarmLifecycle& lifecycle)
         : context(context), store(store), notifications(notifications), lifecycle(lifecycle) {}
 
-    /// Throws what the proxy threw. The store is then what it was, or the rebuilt one when only
-    /// the replay failed; the notifications that were recorded are gone. One import at a time,
-    /// called with no lock held that a notification takes.
+    /// Throws what the proxy threw, or Abandoned when the target is over. The store is then what it
+    /// was, or the rebuilt one when only the replay failed; the notifications that were recorded
+    /// are gone. One import at a time, called with no lock held that a notification takes.
     ImportResultPtr run(Logger& logger) EXCLUDES(notifications.sinkMutex);
     /// Whether the last run, failed or not, left another store behind than it found.
     bool exchangedStore() const { return storeExchanged; }
@@ -34,8 +34,11 @@ private:
     using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
     struct Replay;
 
+    /// What an earlier import took over holds no more.
+    void beginRecording() EXCLUDES(notifications.sinkMutex);
     void swapAndReplay(ImportSnapshot& snapshot, ImportResult& result)
         EXCLUDES(notifications.sinkMutex);
+    void exchangeStores(ImportSnapshot& snapshot);
     void replay(const RecordedCallback& record, Replay& state);
     void replayAlarm(const RecordedCallback& record, Replay& state);
     void importUnlisted(const Replay& state);

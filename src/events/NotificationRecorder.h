@@ -25,10 +25,7 @@ public:
             handle(record);
     }
 
-    void startRecording() EXCLUDES(sinkMutex) {
-        Lock lock(sinkMutex);
-        recording = true;
-    }
+    void startRecording() REQUIRES(sinkMutex) { recording = true; }
     void stopRecording() REQUIRES(sinkMutex) { recording = false; }
     /// In the order of their arrival.
     Records takeRecords() REQUIRES(sinkMutex) { return std::exchange(recordedCallbacks, {}); }

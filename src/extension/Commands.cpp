@@ -26,9 +26,13 @@ void answer(Command& command, ErrorValue code) {
 ResultPair ZrHmiEventLogger::handle(const Context&, CommandGroup& commands) {
     for (auto command = commands.begin_vector(); command != commands.end_vector(); ++command) {
         try {
-            execute(*command);
+            // A client that asks for much does not hold up the end.
+            if (stopping)
+                answer(*command, ErrorValue::operation_failed);
+            else
+                execute(*command);
         } catch (...) {
-            reportCurrentException(*this, productName);
+            reportCurrentException(*this, productName());
             answer(*command, ErrorValue::operation_failed);
         }
     }
@@ -39,7 +43,7 @@ void ZrHmiEventLogger::execute(Command& command) {
     const std::string_view name = command.mapping();
     const auto onTarget = [&](const Value* targetName, HRESULT (TargetSystem::*operation)()) {
         const auto target = targetName && targetName->type() == ValueType::string
-                                ? findTargetSystem(targetName->get_text().view())
+                                ? targetSystems.find(targetName->get_text().view())
                                 : nullptr;
         if (!target)
             return answer(command, ErrorValue::unknown_target_system);
@@ -65,8 +69,8 @@ void ZrHmiEventLogger::execute(Command& command) {
 
 void ZrHmiEventLogger::reportDiagnostics(Value& diagnostics) const {
     Value entries(ValueType::map);
-    for (const TargetSystemPointer& target : copyTargetSystems())
-        entries.insert(target->name(), diagnosticsOf(*target));
+    for (const Kept& kept : targetSystems.copy())
+        entries.insert(kept.target->name(), diagnosticsOf(*kept.target));
     Value all(ValueType::structure);
     all.insert("TARGET_SYSTEMS", std::move(entries));
     diagnostics = std::move(all);
@@ -74,8 +78,8 @@ void ZrHmiEventLogger::reportDiagnostics(Value& diagnostics) const {
 
 void ZrHmiEventLogger::listEnabledTargetSystems(Value& names) const {
     Value enabled(ValueType::vector);
-    for (const TargetSystemPointer& target : copyTargetSystems())
-        if (const auto current = findTargetSystem(target->name().view());
+    for (const Kept& kept : targetSystems.copy())
+        if (const auto current = targetSystems.find(kept.target->name().view());
             current && !current->IsDisabled())
             enabled << current->name();
     names = std::move(enabled);

@@ -16,22 +16,36 @@ std::optional<Timespan> toTimeout(const Value* value) {
     return value->get_timespan();
 }
 
-TargetSystemConfiguration readTargetSystem(Text name, const Value& entry) {
-    TargetSystemConfiguration target{std::move(name), {}, false};
-    if (isCompleteTargetSystem(entry)) {
-        target.address = entry.lookup("ADDRESS")->get_string();
-        target.enabled = static_cast<bool>(*entry.lookup("ENABLED"));
-    }
-    return target;
-}
+const char* const missingTimeout = "\"TIMEOUT\" is missing or no time span.";
 
-bool isCompleteTargetSystem(const Value& entry) {
-    const auto has = [&entry](const char* key, ValueType type) {
+namespace {
+
+std::string faultOf(const Value& entry) {
+    if (!entry.is_map())
+        return "The entry is no map.";
+    const auto is = [&entry](const char* key, ValueType type) {
         const Value* value = entry.lookup(key);
         return value && value->type() == type;
     };
-    return entry.is_map() && has("ADDRESS", ValueType::string) &&
-           has("ENABLED", ValueType::boolean);
+    if (!is("ADDRESS", ValueType::string))
+        return "\"ADDRESS\" is missing or no string.";
+    if (!is("ENABLED", ValueType::boolean))
+        return "\"ENABLED\" is missing or no bool.";
+    return {};
+}
+
+}  // namespace
+
+TargetSystemConfiguration readTargetSystem(Text name, const Value& entry) {
+    TargetSystemConfiguration target{std::move(name), {}, false, faultOf(entry)};
+    const Value* address = entry.lookup("ADDRESS");
+    const Value* enabled = entry.lookup("ENABLED");
+    target.addressIsText = !address || address->type() == ValueType::string;
+    if (address && enabled && target.addressIsText) {
+        target.address = address->get_string();
+        target.enabled = enabled->type() == ValueType::boolean && static_cast<bool>(*enabled);
+    }
+    return target;
 }
 
 std::vector<std::string_view> splitPath(std::string_view path) {
@@ -46,6 +60,9 @@ std::vector<std::string_view> splitPath(std::string_view path) {
 }
 
 Value Configuration::read(const char* path) const {
+    const HostGate::Call call(gate);
+    if (!call)
+        return {};
     Value value;
     return host.read_configuration(value, context, path).succeeded() ? value : Value();
 }

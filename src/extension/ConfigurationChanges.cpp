@@ -1,5 +1,7 @@
 /// Target systems that are added, changed or removed while the server runs.
+#include "extension/Deadline.h"
 #include "extension/ZrHmiEventLogger.h"
+#include "targetsystem/TargetSystemPlatformSpecific.h"
 
 using ZrHmiSrv::Context;
 using ZrHmiSrv::ErrorValue;
@@ -16,67 +18,101 @@ constexpr std::string_view targetSystemsKey = "TARGET_SYSTEMS";
 
 void ZrHmiEventLogger::value_set(ResultPair& result, const Context&, const char* path) {
     try {
-        Lock lock(configMutex);
         result = ErrorValue::success;
         const auto names = splitPath(path ? path : "");
         if (names.size() != 2)
             return;
-        if (names[0] != targetSystemsKey) {
-            result = ErrorValue::unknown_command;
-            return;
-        }
-        const ZrHmiSrv::Value entry = configuration.read(path);
-        if (!isCompleteTargetSystem(entry)) {
-            result = ErrorValue::invalid_configuration;
-            return;
-        }
-        result = applyTargetSystem(readTargetSystem(Text(names[1]), entry));
+        result = names[0] == targetSystemsKey ? setTargetSystem(path, names[1])
+                                              : ErrorValue::unknown_command;
+    } catch (const Refused&) {
+        result = ErrorValue::operation_failed;
     } catch (...) {
         result = ErrorValue::operation_failed;
-        reportCurrentException(*this, productName);
+        reportCurrentException(*this, productName());
     }
+}
+
+ResultPair ZrHmiEventLogger::setTargetSystem(const char* path, std::string_view name) {
+    const ConfigurationTurns::Turn turn(configurationTurns, std::string(name));
+    const auto configured = readTargetSystem(Text(name), configuration.read(path));
+    if (configured.fault.empty())
+        return applyTargetSystem(configured);
+    reportRefusal(configured.name, configured.fault);
+    return ErrorValue::invalid_configuration;
 }
 
 ResultPair ZrHmiEventLogger::applyTargetSystem(const TargetSystemConfiguration& configured) {
     const std::int64_t eventLimit = configuration.eventLimit();
     const auto timeout = configuration.timeout();
-    if (!timeout)
+    if (!timeout) {
+        reportRefusal(configured.name, missingTimeout);
         return ErrorValue::invalid_configuration;
-    const TargetSystemPointer running = findTargetSystem(configured.name.view());
-    if (running && running->netId() == fullAddress(configured) &&
+    }
+    const auto running = targetSystems.find(configured.name.view());
+    if (running && fullAddress(running->configuredAddress()) == fullAddress(configured.address) &&
         running->isEnabled() == configured.enabled)
         return ErrorValue::success;
-
-    const TargetSystemPointer replacement = createTargetSystem(configured, *timeout, eventLimit);
-    // Before the replacement can be found: the two are never connected at a time.
-    if (running)
-        running->retire();
-    exchangeTargetSystem(configured.name.view(), replacement);
-    if (replacement->isEnabled())
-        connect(*replacement);
-    sendResetTemporaryEvents();
+    replaceTargetSystem(createTargetSystem(configured, *timeout, eventLimit));
     return ErrorValue::success;
+}
+
+/// The two are never connected at a time, unless the former one hangs longer than its time-out.
+void ZrHmiEventLogger::replaceTargetSystem(const Kept& replacement) {
+    const TargetSystem& target = *replacement.target;
+    const Deadline deadline = deadlineAfter(target.timeout());
+    const Kept former = targetSystems.exchange(replacement);
+    if (former)
+        former.keeper->retire(deadline);
+    reset.request();
+    if (former)
+        targetSystems.retire({former}, deadline);
+    replacement.keeper->begin(target.isEnabled());
+    if (target.isEnabled())
+        replacement.target->firstAttempt().waitUntil(deadline);
 }
 
 void ZrHmiEventLogger::value_deleted(ResultPair& result, const Context&, const char* path) {
     try {
-        Lock lock(configMutex);
+        result = ErrorValue::success;
         const auto names = splitPath(path ? path : "");
         if (names[0] != targetSystemsKey) {
             result = ErrorValue::unknown_command;
             return;
         }
-        result = ErrorValue::success;
         if (names.size() < 2)
             return;
-        if (const auto former = exchangeTargetSystem(names[1], nullptr)) {
-            former->retire();
-            sendResetTemporaryEvents();
+        const ConfigurationTurns::Turn turn(configurationTurns, std::string(names[1]));
+        if (const Kept former = targetSystems.remove(names[1])) {
+            const Deadline deadline = deadlineAfter(former.target->timeout());
+            former.keeper->retire(deadline);
+            reset.request();
+            targetSystems.retire({former}, deadline);
         }
     } catch (...) {
         result = ErrorValue::operation_failed;
-        reportCurrentException(*this, productName);
+        reportCurrentException(*this, productName());
     }
+}
+
+/// Throws Refused when that fails, having told why.
+ZrHmiEventLogger::Kept ZrHmiEventLogger::createTargetSystem(
+    const TargetSystemConfiguration& configured, ZrHmiSrv::Timespan timeout,
+    std::int64_t eventLimit) {
+    try {
+        auto target = TargetSystemPlatformSpecific<TargetSystem>::make(
+            TargetSystemSettings{configured.name, configured.address, configured.enabled, timeout,
+                                 eventLimit},
+            context.domain(), localAddress, *this, stopping, sharedState);
+        auto keeper = std::make_shared<Keeper>(target, [this] { reset.request(); });
+        return {std::move(target), std::move(keeper)};
+    } catch (...) {
+        reportCurrentException(*this, configured.name);
+        throw Refused();
+    }
+}
+
+std::string ZrHmiEventLogger::fullAddress(const std::string& address) {
+    return resolveAddress(address, localAddress.get());
 }
 
 }  // namespace ZrHmiEventLogger

@@ -14,7 +14,7 @@ ErrorValue ZrHmiEventLogger::localize_event(Context, const char* locale, ILocali
     try {
         const EventLocalizer localizer([this](std::string_view targetName) {
             // The look-up keeps its target system alive.
-            const auto target = findTargetSystem(targetName);
+            const auto target = targetSystems.find(targetName);
             return std::shared_ptr<TextLookup>(target, target ? &target->texts() : nullptr);
         });
         return localizer.localize(locale, item, localized_text).result();

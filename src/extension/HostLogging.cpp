@@ -23,7 +23,7 @@ Message errorMessage(const Text& text, const char* explanation) {
 
 void ZrHmiEventLogger::logMessage(Message message) {
     message.set_domain(context.domain());
-    host->send_message(context, message, false);
+    callHost([&] { host->send_message(context, message, false); });
 }
 
 void ZrHmiEventLogger::reportCommunicationError(const Text& text) {
@@ -35,24 +35,42 @@ void ZrHmiEventLogger::reportCommunicationError(const Text& text, const std::exc
     logMessage(errorMessage(text, what && *what ? what : communicationError));
 }
 
-void ZrHmiEventLogger::sendMessage(Message message) { host->send_message(context, message, true); }
+void ZrHmiEventLogger::reportRefusal(const Text& subject, const std::string& reason) noexcept {
+    try {
+        logMessage(errorMessage(subject, reason.c_str()));
+    } catch (...) {
+        // The result tells of it as well.
+    }
+}
+
+void ZrHmiEventLogger::sendMessage(Message message) {
+    callHost([&] { host->send_message(context, message, true); });
+}
 
 void ZrHmiEventLogger::raiseAlarm(Alarm alarm) {
-    host->apply_alarm(context, AlarmOperation::raise, std::move(alarm));
+    callHost([&] { host->apply_alarm(context, AlarmOperation::raise, std::move(alarm)); });
 }
 
 void ZrHmiEventLogger::updateAlarm(Alarm alarm, bool removed) {
-    host->apply_alarm(context, removed ? AlarmOperation::remove : AlarmOperation::update,
-                      std::move(alarm));
+    const auto operation = removed ? AlarmOperation::remove : AlarmOperation::update;
+    callHost([&] { host->apply_alarm(context, operation, std::move(alarm)); });
 }
 
-void ZrHmiEventLogger::forgetEvent(Event event) { host->drop_event(context, std::move(event)); }
+void ZrHmiEventLogger::forgetEvent(Event event) {
+    callHost([&] { host->drop_event(context, std::move(event)); });
+}
 
 bool ZrHmiEventLogger::preloadTranslations() { return configuration.preloadTranslations(); }
 
-void ZrHmiEventLogger::sendResetTemporaryEvents() {
-    logMessage(diagnosticMessage("RESET_TEMPORARY_EVENTS", {}));
-    host->reset_events(context);
+/// True when the host was told, or is there no more. A log entry that fails changes nothing.
+bool ZrHmiEventLogger::sendResetTemporaryEvents() {
+    try {
+        logMessage(diagnosticMessage("RESET_TEMPORARY_EVENTS", {}));
+    } catch (...) {
+        reportCurrentException(*this, productName());
+    }
+    callHost([&] { host->reset_events(context); });
+    return true;
 }
 
 }  // namespace ZrHmiEventLogger

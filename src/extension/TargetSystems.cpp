@@ -1,66 +1,82 @@
-/// The extension's map of target systems.
-#include <utility>
+#include "extension/TargetSystems.h"
 
-#include "extension/ZrHmiEventLogger.h"
-#include "targetsystem/TargetSystemPlatformSpecific.h"
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace ZrHmiEventLogger {
 
-ZrHmiEventLogger::TargetSystemPointer ZrHmiEventLogger::createTargetSystem(
-    const TargetSystemConfiguration& configured, ZrHmiSrv::Timespan timeout,
-    std::int64_t eventLimit) {
-    return TargetSystemPlatformSpecific<TargetSystem>::make(
-        TargetSystemSettings{configured.name, fullAddress(configured), configured.enabled, timeout,
-                             eventLimit},
-        context.domain(), *this, stopping, sharedState);
-}
-
-std::string ZrHmiEventLogger::fullAddress(const TargetSystemConfiguration& configured) {
-    Lock lock(localAddressMutex);
-    if (localAddress.empty())
-        localAddress = readLocalAddress();
-    return resolveAddress(configured.address, localAddress);
-}
-
-ZrHmiEventLogger::TargetSystemPointer ZrHmiEventLogger::findTargetSystem(
-    std::string_view name) const {
-    Lock lock(targetSystemsMutex);
-    const auto found = targetSystems.find(name);
-    return found == targetSystems.end() ? nullptr : found->second;
-}
-
-std::vector<ZrHmiEventLogger::TargetSystemPointer> ZrHmiEventLogger::copyTargetSystems() const {
-    std::vector<TargetSystemPointer> copy;
-    Lock lock(targetSystemsMutex);
-    copy.reserve(targetSystems.size());
-    for (const auto& [name, target] : targetSystems)
-        copy.push_back(target);
-    return copy;
-}
-
-ZrHmiEventLogger::TargetSystemPointer ZrHmiEventLogger::exchangeTargetSystem(
-    std::string_view name, TargetSystemPointer target) {
-    Lock lock(targetSystemsMutex);
-    const auto found = targetSystems.find(name);
-    TargetSystemPointer former;
-    if (found != targetSystems.end()) {
-        former = std::exchange(found->second, target);
-        if (!target)
-            targetSystems.erase(found);
-    } else if (target) {
-        targetSystems.emplace(name, std::move(target));
-    }
-    return former;
-}
-
-void ZrHmiEventLogger::clearTargetSystems() {
-    TargetSystemMap leaving;
+void TargetSystems::join() {
+    retire(close(), TimePoint::max());
+    Keepers late;
     {
-        Lock lock(targetSystemsMutex);
-        leaving.swap(targetSystems);
+        Lock lock(leavingMutex);
+        late.swap(leaving);
     }
-    for (const auto& [name, target] : leaving)
-        target->retire();
+}
+
+TargetSystems::Pointer TargetSystems::find(std::string_view name) const {
+    Lock lock(targetSystemsMutex);
+    const auto found = targetSystems.find(name);
+    return found == targetSystems.end() ? nullptr : found->second.target;
+}
+
+std::vector<TargetSystems::Kept> TargetSystems::copy() const {
+    std::vector<Kept> all;
+    Lock lock(targetSystemsMutex);
+    all.reserve(targetSystems.size());
+    for (const auto& [name, kept] : targetSystems)
+        all.push_back(kept);
+    return all;
+}
+
+TargetSystems::Kept TargetSystems::exchange(const Kept& added) {
+    std::string name(added.target->name().view());
+    Lock lock(targetSystemsMutex);
+    if (closed)
+        return added;
+    return std::exchange(targetSystems[std::move(name)], added);
+}
+
+TargetSystems::Kept TargetSystems::remove(std::string_view name) {
+    Lock lock(targetSystemsMutex);
+    const auto found = targetSystems.find(name);
+    return found == targetSystems.end() ? Kept()
+                                        : std::move(targetSystems.extract(found).mapped());
+}
+
+std::vector<TargetSystems::Kept> TargetSystems::close() {
+    std::vector<Kept> all;
+    Lock lock(targetSystemsMutex);
+    closed = true;
+    all.reserve(targetSystems.size());
+    for (auto& [name, kept] : targetSystems)
+        all.push_back(std::move(kept));
+    targetSystems.clear();
+    return all;
+}
+
+void TargetSystems::retire(std::vector<Kept> retiring, TimePoint deadline) {
+    for (const Kept& kept : retiring)
+        kept.keeper->retire(deadline);
+    Keepers late;
+    for (Kept& kept : retiring) {
+        kept.target.reset();
+        if (!kept.keeper->awaitEnd(deadline))
+            late.push_back(std::move(kept.keeper));
+    }
+    keepUntilTheEnd(std::move(late));
+}
+
+void TargetSystems::keepUntilTheEnd(Keepers late) {
+    Keepers over;  // destroyed outside the lock
+    Lock lock(leavingMutex);
+    const auto ended = std::partition(leaving.begin(), leaving.end(), [](const auto& keeper) {
+        return !keeper->awaitEnd(TimePoint());
+    });
+    std::move(ended, leaving.end(), std::back_inserter(over));
+    leaving.erase(ended, leaving.end());
+    std::move(late.begin(), late.end(), std::back_inserter(leaving));
 }
 
 }  // namespace ZrHmiEventLogger

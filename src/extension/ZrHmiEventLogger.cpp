@@ -1,12 +1,14 @@
 #include "extension/ZrHmiEventLogger.h"
 
+#include <algorithm>
 #include <limits>
 
-#include <boost/thread/thread.hpp>
+#include "extension/Deadline.h"
 
 using ZrHmiSrv::Context;
 using ZrHmiSrv::ErrorValue;
 using ZrHmiSrv::ResultPair;
+using ZrHmiSrv::Text;
 using ZrHmiSrv::Timespan;
 using ZrHmiSrv::TimerError;
 using ZrHmiSrv::Value;
@@ -23,88 +25,81 @@ constexpr int configurationListenerFlags = 48;
 
 }  // namespace
 
-const ZrHmiSrv::Text ZrHmiEventLogger::productName("Corvane EventLogger");
+const Text& ZrHmiEventLogger::productName() {
+    static const Text name = Text("Corvane EventLogger");
+    return name;
+}
 
 ZrHmiEventLogger::ZrHmiEventLogger(ZrHmiSrv::IZrHmiSrvExtHost* host) : host(host) {}
 
 ZrHmiEventLogger::~ZrHmiEventLogger() {
     stopping = true;
-    // A worker may still be inside a target system: nothing it uses may go before it.
+    // Workers and keepers may still be inside a target system: nothing they use may go before.
     while (!threading.stop(std::numeric_limits<int>::max())) {
     }
-    clearTargetSystems();
+    targetSystems.join();
 }
 
 ResultPair ZrHmiEventLogger::init(const Context& initContext) {
+    Deadline deadline = std::chrono::steady_clock::now();
     try {
         context = initContext;
-        host->announce(context, productName.c_str());
+        callHost([&] { host->announce(context, productName().c_str()); });
         const Value whole = configuration.read("");
         if (!whole.isset()) {
             stopping = true;
             stopThreading();
+            reportRefusal(productName(), "There is no configuration.");
             return ErrorValue::invalid_configuration;
         }
         const auto timeout = toTimeout(whole.lookup("TIMEOUT"));
-        if (!timeout)
+        if (!timeout) {
+            reportRefusal("TIMEOUT", missingTimeout);
             return ErrorValue::initialization_failed;
+        }
+        deadline = deadlineAfter(*timeout);
+        if (registerListeners()) {
+            createTargetSystems(*timeout);
+            connectEnabledTargetSystems(deadline);
+            startTimer();
+            if (registerConfigurationListener())
+                return ErrorValue::success;
+        }
+    } catch (const Refused&) {
+        // It has been told which target system that was.
+    } catch (...) {
+        reportCurrentException(*this, productName());
+    }
+    return abandonInit(deadline);
+}
 
-        using namespace ZrHmiSrv;
+ResultPair ZrHmiEventLogger::abandonInit(Deadline deadline) {
+    stopping = true;
+    stopThreading();
+    targetSystems.retire(targetSystems.close(), deadline);
+    return ErrorValue::initialization_failed;
+}
+
+template <class Register>
+bool ZrHmiEventLogger::whileRunning(Register registerIt) {
+    Lock lock(registrationMutex);
+    if (stopping)
+        return false;
+    registerIt();
+    return true;
+}
+
+bool ZrHmiEventLogger::registerListeners() {
+    using namespace ZrHmiSrv;
+    return whileRunning([this] {
         host->register_listener(context, static_cast<IZrHmiSrvAlarmProviderListener*>(this));
         host->register_listener(context, static_cast<IZrHmiSrvEventLocalizationListener*>(this));
         host->register_listener(context, static_cast<IZrHmiSrvShutdownListener*>(this));
         host->register_listener(context, static_cast<IZrHmiSrvRequestListener*>(this));
-
-        createTargetSystems(*timeout);
-        connectEnabledTargetSystems();
-        startTimer();
-        registerConfigurationListener();
-        return ErrorValue::success;
-    } catch (...) {
-        reportCurrentException(*this, productName);
-        return abandonInit();
-    }
+    });
 }
 
-ResultPair ZrHmiEventLogger::abandonInit() {
-    stopThreading();
-    clearTargetSystems();
-    return ErrorValue::initialization_failed;
-}
-
-void ZrHmiEventLogger::createTargetSystems(Timespan timeout) {
-    const auto configuredTargets = configuration.targetSystems();
-    const std::int64_t eventLimit = configuration.eventLimit();
-    for (const TargetSystemConfiguration& configured : configuredTargets)
-        exchangeTargetSystem(configured.name.view(),
-                             createTargetSystem(configured, timeout, eventLimit));
-}
-
-void ZrHmiEventLogger::connectEnabledTargetSystems() {
-    // Side by side: a target that does not answer costs its time-out once, not for each behind it.
-    boost::thread_group connecting;
-    for (const TargetSystemPointer& target : copyTargetSystems()) {
-        if (!target->isEnabled())
-            continue;
-        try {
-            connecting.create_thread([this, target] { connect(*target); });
-        } catch (const boost::thread_resource_error&) {
-            connect(*target);
-        }
-    }
-    connecting.join_all();
-}
-
-void ZrHmiEventLogger::connect(TargetSystem& target) {
-    try {
-        ImportResultPtr importResult;
-        target.Connect(importResult);
-    } catch (...) {
-        reportCurrentException(*this, target.name());
-    }
-}
-
-void ZrHmiEventLogger::registerConfigurationListener() {
+bool ZrHmiEventLogger::registerConfigurationListener() {
     Value paths(ValueType::vector);
     paths << "TARGET_SYSTEMS::*";
     Value settings(ValueType::structure);
@@ -112,61 +107,79 @@ void ZrHmiEventLogger::registerConfigurationListener() {
     settings.insert("paths", std::move(paths));
     Value all(ValueType::vector);
     all << std::move(settings);
-    host->register_listener_with_settings(
-        context, static_cast<ZrHmiSrv::ZrHmiSrvConfigListener*>(this), all);
+    return whileRunning([&] {
+        host->register_listener_with_settings(
+            context, static_cast<ZrHmiSrv::ZrHmiSrvConfigListener*>(this), all);
+    });
+}
+
+void ZrHmiEventLogger::createTargetSystems(Timespan timeout) {
+    const auto configuredTargets = configuration.targetSystems();
+    const std::int64_t eventLimit = configuration.eventLimit();
+    for (const TargetSystemConfiguration& configured : configuredTargets) {
+        if (!configured.fault.empty())
+            reportRefusal(configured.name, configured.fault);
+        if (!configured.isUsable())
+            continue;
+        const Kept created = createTargetSystem(configured, timeout, eventLimit);
+        if (targetSystems.exchange(created))
+            throw Refused();  // closed meanwhile
+    }
+}
+
+void ZrHmiEventLogger::connectEnabledTargetSystems(Deadline deadline) {
+    const auto all = targetSystems.copy();
+    for (const Kept& kept : all)
+        kept.keeper->begin(kept.target->isEnabled());
+    for (const Kept& kept : all)
+        if (kept.target->isEnabled())
+            kept.target->firstAttempt().waitUntil(deadline);
 }
 
 void ZrHmiEventLogger::startTimer() {
-    threading.schedule(timerPeriodMilliseconds, context,
-                       [this](TimerError error, const Context&) { onTimer(error); });
+    threading.schedule_periodic(timerPeriodMilliseconds, context,
+                                [this](TimerError error, const Context&) { onTimer(error); });
 }
 
+/// Waits for no target system: each has a keeper that does.
 void ZrHmiEventLogger::onTimer(TimerError error) {
     if (error == TimerError::aborted)
         return;
-    try {
-        if (checkConnections())
-            sendResetTemporaryEvents();
-    } catch (...) {
-        reportCurrentException(*this, productName);
-    }
-    startTimer();
-}
-
-bool ZrHmiEventLogger::checkConnections() {
-    bool changed = false;
-    for (const TargetSystemPointer& target : copyTargetSystems()) {
-        if (stopping)
-            break;
-        try {
-            ImportResultPtr importResult;
-            changed |= target->CheckConnection(importResult);
-        } catch (...) {
-            reportCurrentException(*this, target->name());
-        }
-    }
-    return changed;
+    reset.settle();
+    for (const Kept& kept : targetSystems.copy())
+        kept.keeper->wake();
 }
 
 ResultPair ZrHmiEventLogger::shutdown(const Context&) {
     using namespace ZrHmiSrv;
-    stopping = true;
+    {
+        Lock lock(registrationMutex);
+        stopping = true;
+    }
+    auto leaving = targetSystems.close();
+    Deadline deadline = std::chrono::steady_clock::now();
+    for (const Kept& kept : leaving)
+        deadline = std::max(deadline, deadlineAfter(kept.target->timeout()));
+    // At once: what hangs has as long to end as the calls of the listeners have.
+    for (const Kept& kept : leaving)
+        kept.keeper->retire(deadline);
     unregister(static_cast<IZrHmiSrvAlarmProviderListener*>(this));
     unregister(static_cast<IZrHmiSrvEventLocalizationListener*>(this));
     unregister(static_cast<IZrHmiSrvShutdownListener*>(this));
     unregister(static_cast<IZrHmiSrvRequestListener*>(this));
     unregister(static_cast<ZrHmiSrv::ZrHmiSrvConfigListener*>(this));
     stopThreading();
-    clearTargetSystems();
+    targetSystems.retire(std::move(leaving), deadline);
+    hostGate.close(deadlineAfter(Timespan::from_milliseconds(stopTimeoutMilliseconds)));
     return ErrorValue::success;
 }
 
 void ZrHmiEventLogger::unregister(ZrHmiSrv::IZrHmiSrvListener* listener) {
     try {
-        host->unregister_listener(context, listener);
+        callHost([&] { host->unregister_listener(context, listener); });
     } catch (...) {
         // The rest of the shutdown does not depend on it.
-        reportCurrentException(*this, productName);
+        reportCurrentException(*this, productName());
     }
 }
 

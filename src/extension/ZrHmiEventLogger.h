@@ -2,19 +2,20 @@
 
 #include <atomic>
 #include <cstdint>
-#include <map>
-#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "events/ILoggingFunctions.h"
 #include "extension/Configuration.h"
+#include "extension/ConfigurationTurns.h"
+#include "extension/HostGate.h"
+#include "extension/OwedReset.h"
+#include "extension/TargetSystems.h"
 #include "host/IZrHmiSrvExtHost.h"
 #include "host/Threading.h"
 #include "platform/Mutex.h"
 #include "targetsystem/FnxHelper.h"
-#include "targetsystem/TargetSystem.h"
+#include "targetsystem/LocalAddress.h"
 
 namespace ZrHmiEventLogger {
 
@@ -66,36 +67,46 @@ public:
                        const char* path) override;
 
 private:
-    using TargetSystemPointer = std::shared_ptr<TargetSystem>;
-    using TargetSystemMap = std::map<std::string, TargetSystemPointer, std::less<>>;
+    using Deadline = TargetSystems::TimePoint;
+    using Kept = TargetSystems::Kept;
 
-    static const ZrHmiSrv::Text productName;
+    /// A target system cannot be created; why has been told.
+    struct Refused {};
+
+    /// Who speaks where no target system does.
+    static const ZrHmiSrv::Text& productName();
 
     // Lifecycle.
+    ZrHmiSrv::ResultPair start();
+    bool registerListeners();
+    bool registerConfigurationListener();
+    /// False once the extension stops: then nothing is registered any more.
+    template <class Register>
+    bool whileRunning(Register registerIt) EXCLUDES(registrationMutex);
     void createTargetSystems(ZrHmiSrv::Timespan timeout);
-    void connectEnabledTargetSystems();
-    void connect(TargetSystem& target);
-    void registerConfigurationListener();
+    void connectEnabledTargetSystems(Deadline deadline);
     void startTimer();
     void onTimer(ZrHmiSrv::TimerError error);
-    bool checkConnections();
-    void sendResetTemporaryEvents();
-    ZrHmiSrv::ResultPair abandonInit();
+    bool sendResetTemporaryEvents();
+    ZrHmiSrv::ResultPair abandonInit(Deadline deadline);
     void unregister(ZrHmiSrv::IZrHmiSrvListener* listener);
     void stopThreading();
 
-    // Target systems.
-    TargetSystemPointer createTargetSystem(const TargetSystemConfiguration& configured,
-                                           ZrHmiSrv::Timespan timeout, std::int64_t eventLimit);
-    std::string fullAddress(const TargetSystemConfiguration& configured);
-    TargetSystemPointer findTargetSystem(std::string_view name) const;
-    std::vector<TargetSystemPointer> copyTargetSystems() const;
-    /// The former one of that name, to be retired by the caller.
-    TargetSystemPointer exchangeTargetSystem(std::string_view name, TargetSystemPointer target);
-    void clearTargetSystems();
+    // The way to the host.
+    template <class Function>
+    void callHost(Function function) {
+        if (const HostGate::Call call(hostGate); call)
+            function();
+    }
+    void reportRefusal(const ZrHmiSrv::Text& subject, const std::string& reason) noexcept;
 
     // Configuration while running.
+    Kept createTargetSystem(const TargetSystemConfiguration& configured,
+                            ZrHmiSrv::Timespan timeout, std::int64_t eventLimit);
+    std::string fullAddress(const std::string& address);
+    ZrHmiSrv::ResultPair setTargetSystem(const char* path, std::string_view name);
     ZrHmiSrv::ResultPair applyTargetSystem(const TargetSystemConfiguration& configured);
+    void replaceTargetSystem(const Kept& replacement);
 
     // Commands.
     void execute(ZrHmiSrv::Command& command);
@@ -103,16 +114,17 @@ private:
     void listEnabledTargetSystems(ZrHmiSrv::Value& names) const;
 
     ZrHmiSrv::Threading threading{2};
-    mutable Mutex targetSystemsMutex;
-    TargetSystemMap targetSystems GUARDED_BY(targetSystemsMutex);
-    Mutex localAddressMutex;
-    std::string localAddress GUARDED_BY(localAddressMutex);  ///< read on first use
-    Mutex configMutex ACQUIRED_BEFORE(targetSystemsMutex);   ///< one configuration change at a time
+    TargetSystems targetSystems;
+    LocalAddress localAddress;
+    ConfigurationTurns configurationTurns;
     std::atomic<bool> stopping = false;
     std::atomic<std::int32_t> sharedState = 1;  ///< the next host alarm id
     ZrHmiSrv::IZrHmiSrvExtHost* const host;
+    HostGate hostGate;
     ZrHmiSrv::Context context;  ///< constant once `init` has set it
-    const Configuration configuration{*host, context};
+    const Configuration configuration{*host, hostGate, context};
+    OwedReset reset{[this] { return sendResetTemporaryEvents(); }};
+    Mutex registrationMutex;  ///< held while listeners are registered, unless the extension stops
 };
 
 }  // namespace ZrHmiEventLogger

@@ -14,10 +14,10 @@ extern "C" ZR_EXTENSION_EXPORT int ext_interface(ZrHmiSrv::IZrHmiSrvExtHost* hos
     if (!extension || !version)
         return 0;
     *extension = nullptr;
+    *version = ZrHmiSrv::interface_version;
     if (!host)
         return 0;
     ZrHmiSrv::initialize_api(host);
-    *version = ZrHmiSrv::interface_version;
     try {
         *extension = new ZrHmiEventLogger::ZrHmiEventLogger(host);
     } catch (...) {

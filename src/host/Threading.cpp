@@ -17,7 +17,13 @@ Threading::~Threading() {
 
 bool Threading::schedule(std::size_t delay_milliseconds, const Context& context,
                          TimerCallback callback) {
-    return pool->schedule(delay_milliseconds, context, std::move(callback));
+    return pool->schedule(delay_milliseconds, 0, context, std::move(callback));
+}
+
+bool Threading::schedule_periodic(std::size_t period_milliseconds, const Context& context,
+                                  TimerCallback callback) {
+    const std::size_t period = std::max<std::size_t>(period_milliseconds, 1);
+    return pool->schedule(period, period, context, std::move(callback));
 }
 
 bool Threading::stop(std::size_t milliseconds) {

@@ -6,14 +6,15 @@
 #include <exception>
 #include <utility>
 
-#include <boost/chrono/system_clocks.hpp>
-
 #include "host/ApiHost.h"
 #include "host/IZrHmiSrvExtHost.h"
 
 namespace ZrHmiSrv {
 
 namespace {
+
+/// Whose worker this thread is.
+thread_local const void* current_pool = nullptr;
 
 /// Bounded to a hundred years, which no clock arithmetic overflows with.
 std::int64_t bounded(std::size_t milliseconds) noexcept {
@@ -40,8 +41,7 @@ void report_failure(const Context& context, const char* reason) noexcept {
 
 }  // namespace
 
-Threading::WorkerPool::WorkerPool(std::size_t threads)
-    : work_guard(io.get_executor()), running(threads) {
+Threading::WorkerPool::WorkerPool(std::size_t threads) : running(threads) {
     try {
         workers.reserve(threads);
         while (workers.size() < threads)
@@ -55,79 +55,98 @@ Threading::WorkerPool::WorkerPool(std::size_t threads)
 void Threading::WorkerPool::shut_down() {
     {
         Lock lock(mutex);
-        begin_stop();
+        stopped = true;
+        changed.notify_all();
     }
     for (boost::thread& worker : workers)
         worker.join();
 }
 
-bool Threading::WorkerPool::schedule(std::size_t delay_milliseconds, const Context& context,
+bool Threading::WorkerPool::schedule(std::size_t delay_milliseconds,
+                                     std::size_t period_milliseconds, const Context& context,
                                      TimerCallback&& callback) {
-    const std::chrono::milliseconds delay(bounded(delay_milliseconds));
+    using boost::chrono::milliseconds;
     Timers added;
-    added.push_back({boost::asio::steady_timer(io, delay), context, std::move(callback)});
-    const auto timer = added.begin();
-
+    added.push_back({Clock::now() + milliseconds(bounded(delay_milliseconds)),
+                     milliseconds(bounded(period_milliseconds)), context, std::move(callback)});
     Lock lock(mutex);
     if (stopped)
         return false;
-    timer->expiry.async_wait([this, timer](const boost::system::error_code&) { call_back(timer); });
-    timers.splice(timers.end(), added);
+    insert(added);
     return true;
 }
 
+void Threading::WorkerPool::insert(Timers& added) {
+    const auto later = std::find_if(timers.begin(), timers.end(), [&](const Timer& timer) {
+        return timer.due > added.front().due;
+    });
+    timers.splice(later, added);
+    changed.notify_all();
+}
+
 bool Threading::WorkerPool::stop(std::size_t milliseconds) {
-    const auto deadline =
-        boost::chrono::steady_clock::now() + boost::chrono::milliseconds(bounded(milliseconds));
-    const bool is_worker = io.get_executor().running_in_this_thread();
+    const auto deadline = Clock::now() + boost::chrono::milliseconds(bounded(milliseconds));
+    const bool from_worker = current_pool == this;
 
     Lock lock(mutex);
-    begin_stop();
-    if (is_worker) {
+    stopped = true;
+    if (from_worker)
         stoppers.insert(boost::this_thread::get_id());
-        workers_changed.notify_all();
-    }
+    changed.notify_all();
     bool in_time = true;
-    while (in_time && must_wait(is_worker))
-        in_time = workers_changed.wait_until(lock, deadline) == boost::cv_status::no_timeout;
-    return !must_wait(is_worker);
+    while (in_time && must_wait(from_worker))
+        in_time = changed.wait_until(lock, deadline) == boost::cv_status::no_timeout;
+    return !must_wait(from_worker);
 }
 
-bool Threading::WorkerPool::must_wait(bool is_worker) const {
-    return running > (is_worker ? stoppers.size() : 0);
-}
-
-void Threading::WorkerPool::begin_stop() {
-    if (std::exchange(stopped, true))
-        return;
-    for (Timer& timer : timers)
-        timer.expiry.cancel();
-    work_guard.reset();
+bool Threading::WorkerPool::must_wait(bool from_worker) const {
+    return running > (from_worker ? stoppers.size() : 0);
 }
 
 void Threading::WorkerPool::work() {
-    io.run();
+    current_pool = this;
+    for (Timers due = await_due(); !due.empty(); due = await_due())
+        run(due);
     Lock lock(mutex);
     --running;
     stoppers.erase(boost::this_thread::get_id());
-    workers_changed.notify_all();
+    changed.notify_all();
 }
 
-void Threading::WorkerPool::call_back(Timers::iterator timer) {
-    Timers ended;
+Threading::WorkerPool::Timers Threading::WorkerPool::await_due() {
+    Timers due;
+    Lock lock(mutex);
+    while (!stopped && (timers.empty() || timers.front().due > Clock::now())) {
+        if (timers.empty())
+            changed.wait(lock);
+        else
+            changed.wait_until(lock, Clock::time_point(timers.front().due));
+    }
+    if (!timers.empty())
+        due.splice(due.end(), timers, timers.begin());
+    return due;
+}
+
+/// `due` is the one timer that is called back. A periodic one goes back in its place.
+void Threading::WorkerPool::run(Timers& due) {
+    Timer& timer = due.front();
     bool aborted = false;
     {
         Lock lock(mutex);
-        ended.splice(ended.end(), timers, timer);
         aborted = stopped;
     }
     try {
-        timer->callback(aborted ? TimerError::aborted : TimerError::none, timer->context);
+        timer.callback(aborted ? TimerError::aborted : TimerError::none, timer.context);
     } catch (const std::exception& exception) {
-        report_failure(timer->context, exception.what());
+        report_failure(timer.context, exception.what());
     } catch (...) {
-        report_failure(timer->context, "unknown exception");
+        report_failure(timer.context, "unknown exception");
     }
+    if (aborted || timer.period == Clock::duration::zero())
+        return;
+    timer.due = std::max(timer.due + timer.period, Clock::now());
+    Lock lock(mutex);
+    insert(due);
 }
 
 }  // namespace ZrHmiSrv

@@ -5,9 +5,7 @@
 #include <set>
 #include <vector>
 
-#include <boost/asio/executor_work_guard.hpp>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/steady_timer.hpp>
+#include <boost/chrono/system_clocks.hpp>
 #include <boost/thread/condition_variable.hpp>
 #include <boost/thread/thread.hpp>
 
@@ -24,33 +22,35 @@ public:
     WorkerPool(const WorkerPool&) = delete;
     WorkerPool& operator=(const WorkerPool&) = delete;
 
-    bool schedule(std::size_t delay_milliseconds, const Context& context, TimerCallback&& callback)
-        EXCLUDES(mutex);
+    /// A period of 0: once.
+    bool schedule(std::size_t delay_milliseconds, std::size_t period_milliseconds,
+                  const Context& context, TimerCallback&& callback) EXCLUDES(mutex);
     bool stop(std::size_t milliseconds) EXCLUDES(mutex);
     /// Stops and joins the workers, however long that takes. Must come before the destructor.
     void shut_down() EXCLUDES(mutex);
 
 private:
+    using Clock = boost::chrono::steady_clock;
     struct Timer {
-        boost::asio::steady_timer expiry;
+        Clock::time_point due;
+        Clock::duration period;  ///< 0: called back once
         Context context;
         TimerCallback callback;
     };
     using Timers = std::list<Timer>;
 
     void work() EXCLUDES(mutex);
-    void call_back(Timers::iterator timer) EXCLUDES(mutex);
-    void begin_stop() REQUIRES(mutex);
-    bool must_wait(bool is_worker) const REQUIRES(mutex);
+    /// Waits for a timer that is due, or any when the pool has stopped. Empty: there are none, and
+    /// there will be none.
+    Timers await_due() EXCLUDES(mutex);
+    void run(Timers& due) EXCLUDES(mutex);
+    void insert(Timers& added) REQUIRES(mutex);
+    bool must_wait(bool from_worker) const REQUIRES(mutex);
 
-    boost::asio::io_context io;
     Mutex mutex;
-    boost::condition_variable_any workers_changed;
-    /// Keeps the workers running until the pool stops.
-    boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work_guard
-        GUARDED_BY(mutex);
+    boost::condition_variable_any changed;
     bool stopped GUARDED_BY(mutex) = false;
-    Timers timers GUARDED_BY(mutex);        ///< those that were not called back yet
+    Timers timers GUARDED_BY(mutex);        ///< those that wait, the next one first
     std::size_t running GUARDED_BY(mutex);  ///< workers that have not ended
     /// Workers that called `stop` and have not ended: other workers do not wait for them.
     std::set<boost::thread::id> stoppers GUARDED_BY(mutex);

@@ -20,8 +20,6 @@ namespace ZrHmiEventLogger {
 
 namespace {
 
-const Text eventClassNameKey("eventClassName");
-const Text localizedSourceNameKey("localizedSourceName");
 constexpr std::size_t localizedParameterCount = 4;
 
 /// What is known of an event in the client's language.
@@ -77,10 +75,12 @@ ResultPair lookUp(TextLookup& lookup, const EventReference& event, LCID language
 
 Value withTexts(Value parameters, const LocalizedTexts& texts) {
     parameters.reserve(parameters.size() + localizedParameterCount);
-    parameters.insert_or_update(eventClassNameKey, texts.eventClassName);
+    static const Text eventClassName("eventClassName");
+    static const Text localizedSourceName("localizedSourceName");
+    parameters.insert_or_update(eventClassName, texts.eventClassName);
     if (texts.sourceName.isset())
-        parameters.insert_or_update(localizedSourceNameKey, texts.sourceName);
-    for (const Text& key : {keys::causeRemedy, keys::details})
+        parameters.insert_or_update(localizedSourceName, texts.sourceName);
+    for (const Text& key : {guidanceKeys().causeRemedy, guidanceKeys().details})
         if (const Value* found = texts.guidance.lookup(key.view()))
             parameters.insert_or_update(key, *found);
     return parameters;

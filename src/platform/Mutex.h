@@ -15,6 +15,7 @@
 #define REQUIRES(...) BRIDGE_ANNOTATE(requires_capability(__VA_ARGS__))
 #define EXCLUDES(...) BRIDGE_ANNOTATE(locks_excluded(__VA_ARGS__))
 #define ACQUIRE(...) BRIDGE_ANNOTATE(acquire_capability(__VA_ARGS__))
+#define TRY_ACQUIRE(...) BRIDGE_ANNOTATE(try_acquire_capability(__VA_ARGS__))
 #define RELEASE(...) BRIDGE_ANNOTATE(release_capability(__VA_ARGS__))
 #define ACQUIRED_BEFORE(...) BRIDGE_ANNOTATE(acquired_before(__VA_ARGS__))
 #define RETURN_CAPABILITY(x) BRIDGE_ANNOTATE(lock_returned(x))
@@ -23,6 +24,7 @@ template <class Native>
 class CAPABILITY("mutex") AnnotatedMutex {
 public:
     void lock() ACQUIRE() { native.lock(); }
+    bool try_lock() TRY_ACQUIRE(true) { return native.try_lock(); }
     void unlock() RELEASE() { native.unlock(); }
 
 private:
@@ -37,6 +39,8 @@ template <class M>
 class SCOPED_CAPABILITY Lock {
 public:
     explicit Lock(M& mutex) ACQUIRE(mutex) : mutex(mutex) { mutex.lock(); }
+    /// Takes over a mutex that this thread holds, after a `try_lock`.
+    Lock(M& mutex, std::adopt_lock_t) REQUIRES(mutex) : mutex(mutex) {}
     ~Lock() RELEASE() {
         if (held)
             mutex.unlock();

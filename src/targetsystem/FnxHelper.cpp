@@ -30,6 +30,10 @@ std::vector<std::string_view> splitNetId(std::string_view text) {
     return parts;
 }
 
+bool meansThisDevice(std::string_view address) {
+    return address.empty() || boost::algorithm::iequals(address, "local");
+}
+
 }  // namespace
 
 std::string FnxHelper::readLocalAddress() {
@@ -47,15 +51,21 @@ std::string FnxHelper::readLocalAddress() {
     return text;
 }
 
-std::string FnxHelper::resolveAddress(std::string_view address, std::string_view localAddress) {
-    if (address.empty() || boost::algorithm::iequals(address, "local"))
-        return std::string(localAddress);
+bool FnxHelper::needsLocalAddress(std::string_view address) {
+    if (meansThisDevice(address))
+        return true;
     const auto given = splitNetId(address);
+    return !given.empty() && given.size() < netIdNumbers;
+}
+
+std::string FnxHelper::resolveAddress(std::string_view address, std::string_view localAddress) {
+    if (meansThisDevice(address))
+        return std::string(localAddress);
     const auto local = splitNetId(localAddress);
-    if (given.empty() || given.size() >= netIdNumbers || local.size() != netIdNumbers)
+    if (!needsLocalAddress(address) || local.size() != netIdNumbers)
         return std::string(address);
     std::string full;
-    for (std::size_t i = 0; i < netIdNumbers - given.size(); ++i)
+    for (std::size_t i = 0; i < netIdNumbers - splitNetId(address).size(); ++i)
         full.append(local[i]).push_back('.');
     return full.append(address);
 }

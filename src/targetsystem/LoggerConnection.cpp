@@ -1,7 +1,5 @@
 #include "targetsystem/LoggerConnection.h"
 
-#include <exception>
-
 #include "events/ProxyValue.h"
 #include "platform/Text.h"
 #include "targetsystem/proxy/CAtlException.h"
@@ -36,69 +34,39 @@ void LoggerConnection::setTimeout(ULONG milliseconds) {
     check(settings->put_Timeout(milliseconds));
 }
 
-bool LoggerConnection::reportsConnected() const {
+bool LoggerConnection::askLogger() const {
     VARIANT_BOOL connected = VARIANT_FALSE;
     if (logger)
         check(logger->get_IsConnected(&connected));
     return connected == VARIANT_TRUE;
 }
 
-bool LoggerConnection::isUp(const std::atomic<bool>& disabled) {
+bool LoggerConnection::isConnected() {
     Lock lock(connectionMutex);
-    const bool up = !disabled && reportsConnected();
-    Lock stateLock(stateMutex);
-    if (up && connectionState)
-        *connectionState = {true, std::nullopt};
-    return up;
+    return askLogger();
 }
 
-void LoggerConnection::settle(const std::atomic<bool>& disabled, bool wasDown) {
-    Lock lock(connectionMutex);
-    std::exception_ptr failure;
-    bool up = false;
-    try {
-        up = !disabled && reportsConnected();
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    settleState(up, wasDown);
-    if (failure)
-        std::rethrow_exception(failure);
-}
-
-void LoggerConnection::settleState(bool up, bool wasDown) {
-    Lock lock(stateMutex);
-    if (up)
-        connectionState = ConnectionState{true, S_OK};
-    else if (wasDown && connectionState)
-        connectionState->connected = false;
-    else
-        connectionState = ConnectionState{false, S_OK};
-}
-
-bool LoggerConnection::connect(const std::string& netId, bool preloadTranslations,
-                               const std::atomic<bool>& abandoned) {
-    Lock lock(connectionMutex);
-    if (abandoned)
+bool LoggerConnection::isConnectedNow() {
+    const auto known = state();
+    if (!known || !known->connected)
         return false;
-    connectLogger(netId, preloadTranslations);
-    if (abandoned) {
-        logger->Disconnect();
-        return false;
-    }
-    setState({true, S_OK});
-    return true;
+    if (!connectionMutex.try_lock())
+        return true;
+    const Lock lock(connectionMutex, std::adopt_lock);
+    return askLogger();
 }
 
-void LoggerConnection::connectLogger(const std::string& netId, bool preloadTranslations) {
+void LoggerConnection::connect(const std::string& netId, bool preloadTranslations) {
     ComPtr<IZrConnectionSettings> settings;
     check(ZrAtlCom::createInstance(CLSID_ConnectionSettings, settings));
     check(settings->put_PreloadTranslations(toVariantBool(preloadTranslations)));
     const ScopedBstr address(netId);
+    Lock lock(connectionMutex);
     HRESULT hr = logger->ConnectWithSettings(settings.get(), address.get());
     if (hr == serviceNotSupported)
         hr = logger->Connect(address.get());
     check(hr);
+    preloading = preloadTranslations;
 }
 
 void LoggerConnection::disconnect() {

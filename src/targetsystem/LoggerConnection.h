@@ -11,7 +11,7 @@
 
 namespace ZrHmiEventLogger {
 
-/// The connection of one target's logger, and what is known of it. The state can be read at any
+/// One target's logger object, and what is known of its connection. The state can be read at any
 /// time: its mutex is never held across a call, so a target that hangs keeps no reader waiting.
 /// Functions that call the logger throw whatever the call threw.
 class LoggerConnection {
@@ -26,33 +26,29 @@ public:
     /// connection while another thread may be waiting in it, and queries.
     Logger* get() const { return logger.get(); }
 
-    /// Whether the logger says that it is connected, unless `disabled` is set. A yes goes into a
-    /// state that is known already.
-    bool isUp(const std::atomic<bool>& disabled) EXCLUDES(connectionMutex);
-    /// The same at the end of a periodic check, which always leaves a known state, also when the
-    /// logger fails to answer. `wasDown`: the check began with a target known as not connected,
-    /// whose connect error then stays.
-    void settle(const std::atomic<bool>& disabled, bool wasDown) EXCLUDES(connectionMutex);
+    /// Asks the logger.
+    bool isConnected() EXCLUDES(connectionMutex);
+    /// The same without waiting for a connect or a check that is under way, during which the
+    /// published state counts, as it does when it says no.
+    bool isConnectedNow() EXCLUDES(connectionMutex);
 
-    /// False when `abandoned` was set meanwhile; the logger is disconnected then.
-    bool connect(const std::string& netId, bool preloadTranslations,
-                 const std::atomic<bool>& abandoned) EXCLUDES(connectionMutex);
+    void connect(const std::string& netId, bool preloadTranslations) EXCLUDES(connectionMutex);
     void disconnect() EXCLUDES(connectionMutex);
+    /// Whether the logger was asked at its last connect to load its texts ahead.
+    bool preloadsTranslations() const { return preloading; }
 
+    /// None until the first connect or check.
     std::optional<ConnectionState> state() const EXCLUDES(stateMutex);
     void setState(ConnectionState state) EXCLUDES(stateMutex);
 
 private:
-    void settleState(bool up, bool wasDown) EXCLUDES(stateMutex);
-    bool reportsConnected() const REQUIRES(connectionMutex);
-    void connectLogger(const std::string& netId, bool preloadTranslations)
-        REQUIRES(connectionMutex);
+    bool askLogger() const REQUIRES(connectionMutex);
 
-    /// Held across connect, IsConnected and disconnect of the logger; the host is never called
-    /// under it.
-    RecursiveMutex connectionMutex;
-    mutable Mutex stateMutex;
+    /// Held across connect, IsConnected and disconnect of the logger, and across nothing else.
+    Mutex connectionMutex;
+    mutable Mutex stateMutex;  ///< guards the state; nothing is called under it
     std::optional<ConnectionState> connectionState GUARDED_BY(stateMutex);
+    std::atomic<bool> preloading = false;
     ZrAtlCom::ComPtr<Logger> logger;  ///< constant after creation
 };
 

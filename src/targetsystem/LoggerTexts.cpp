@@ -14,18 +14,12 @@ using ZrHmiSrv::ValueType;
 
 namespace ZrHmiEventLogger {
 
-namespace keys {
-const Text causeRemedy("causeRemedy");
-const Text details("details");
-}  // namespace keys
+const GuidanceKeys& guidanceKeys() {
+    static const GuidanceKeys keys;
+    return keys;
+}
 
 namespace {
-
-const Text idKey("id");
-const Text causeKey("cause");
-const Text remedyKey("remedy");
-const Text textKey("text");
-const Text commentKey("comment");
 
 const BYTE* dataOf(const Binary& binary) {
     return reinterpret_cast<const BYTE*>(binary.bytes().data());
@@ -36,29 +30,31 @@ ULONG sizeOf(const Binary& binary) {
 }
 
 Value readCauseRemedy(IZrEventLogger4& logger, const EventReference& event, LCID language) {
+    const GuidanceKeys& keys = guidanceKeys();
     const auto entries = receiveObject<IZrCauseRemedyCollection>([&](auto** collection) {
         return logger.GetCauseRemedy(event.eventClass, event.eventId, language, collection);
     });
     Value list(ValueType::vector);
-    forEachItem<IZrCauseRemedy>(*entries, [&list](const auto& item) {
+    forEachItem<IZrCauseRemedy>(*entries, [&](const auto& item) {
         Value entry(ValueType::structure);
-        entry.insert(idKey, receiveText(&IZrCauseRemedy::get_Id, *item));
-        entry.insert(causeKey, receiveText(&IZrCauseRemedy::get_Cause, *item));
-        entry.insert(remedyKey, receiveText(&IZrCauseRemedy::get_Remedy, *item));
+        entry.insert(keys.id, receiveText(&IZrCauseRemedy::get_Id, *item));
+        entry.insert(keys.cause, receiveText(&IZrCauseRemedy::get_Cause, *item));
+        entry.insert(keys.remedy, receiveText(&IZrCauseRemedy::get_Remedy, *item));
         list << std::move(entry);
     });
     return list;
 }
 
 Value readDetails(IZrEventLogger4& logger, const EventReference& event, LCID language) {
+    const GuidanceKeys& keys = guidanceKeys();
     const auto details = receiveObject<IZrDetailCollection>([&](auto** collection) {
         return logger.GetDetails(event.eventClass, event.eventId, language, collection);
     });
     Value map(ValueType::structure);
-    forEachItem<IZrDetail>(*details, [&map](const auto& item) {
+    forEachItem<IZrDetail>(*details, [&](const auto& item) {
         Value entry(ValueType::structure);
-        entry.insert(textKey, receiveText(&IZrDetail::get_Text, *item));
-        entry.insert(commentKey, receiveText(&IZrDetail::get_Comment, *item));
+        entry.insert(keys.text, receiveText(&IZrDetail::get_Text, *item));
+        entry.insert(keys.comment, receiveText(&IZrDetail::get_Comment, *item));
         map.insert_or_update(Text(receiveText(&IZrDetail::get_Key, *item)), std::move(entry));
     });
     return map;
@@ -81,15 +77,17 @@ Value readSourceName(IZrEventLogger4& logger, const EventReference& event, LCID 
     ScopedBstr name;
     if (check(logger.GetSourceName(source.get(), language, name.put())) == S_FALSE)
         return {};
-    return name.utf8();
+    // A translation without a character would hide the name.
+    const std::string text = name.utf8();
+    return text.empty() ? Value() : Value(text);
 }
 
 Value readGuidance(IZrEventLogger4& logger, const EventReference& event, LCID language) {
     Value guidance(ValueType::structure);
     if (Value list = readCauseRemedy(logger, event, language); !list.empty())
-        guidance.insert(keys::causeRemedy, std::move(list));
+        guidance.insert(guidanceKeys().causeRemedy, std::move(list));
     if (Value map = readDetails(logger, event, language); !map.empty())
-        guidance.insert(keys::details, std::move(map));
+        guidance.insert(guidanceKeys().details, std::move(map));
     return guidance;
 }
 

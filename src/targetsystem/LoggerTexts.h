@@ -17,9 +17,16 @@ ZrHmiSrv::Value readSourceName(IZrEventLogger4& logger, const EventReference& ev
 /// "cause", "remedy"; and by the detail's key a map "text", "comment".
 ZrHmiSrv::Value readGuidance(IZrEventLogger4& logger, const EventReference& event, LCID language);
 
-namespace keys {
-extern const ZrHmiSrv::Text causeRemedy;
-extern const ZrHmiSrv::Text details;
-}  // namespace keys
+/// Made at first use: nothing of the host's library may be called while ours is being loaded.
+struct GuidanceKeys {
+    ZrHmiSrv::Text causeRemedy{"causeRemedy"};
+    ZrHmiSrv::Text details{"details"};
+    ZrHmiSrv::Text id{"id"};
+    ZrHmiSrv::Text cause{"cause"};
+    ZrHmiSrv::Text remedy{"remedy"};
+    ZrHmiSrv::Text text{"text"};
+    ZrHmiSrv::Text comment{"comment"};
+};
+const GuidanceKeys& guidanceKeys();
 
 }  // namespace ZrHmiEventLogger

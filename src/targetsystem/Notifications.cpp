@@ -1,8 +1,7 @@
 /// The target system as the receiver of its logger's notifications.
 #include <array>
-#include <string>
 
-#include "events/DiagnosticMessage.h"
+#include "events/Abandoned.h"
 #include "targetsystem/TargetSystem.h"
 #include "targetsystem/proxy/CAtlException.h"
 
@@ -21,20 +20,6 @@ constexpr CallDescription alarmChangeCall{CC_STDCALL, VT_EMPTY, 2, {VT_DISPATCH,
 constexpr CallDescription databaseCall{CC_STDCALL, VT_UI4, 1, {VT_I4}};
 
 constexpr LONG lastReason = databaseChangeDeleted;
-
-std::string reasonText(tagDatabaseChangeReasonEnum reason) {
-    switch (reason) {
-        case databaseChangeUndefined:
-            return "Undefined";
-        case databaseChangeLoggedEventsCleared:
-            return "ClearLoggedEvents";
-        case databaseChangeMaximumSizeReached:
-            return "MaximumSizeReached";
-        case databaseChangeDeleted:
-            return "Deleted";
-    }
-    return std::to_string(static_cast<LONG>(reason));
-}
 
 /// A notification without the object that it is about.
 void requireObject(const RecordedCallback& notification) {
@@ -81,31 +66,28 @@ ULONG TargetSystem::databaseChanged(tagDatabaseChangeReasonEnum reason) {
 void TargetSystem::receive(RecordedCallback&& notification) {
     // The owner may let this target go while its own notification runs.
     const auto self = weak_from_this().lock();
-    if (!self || dropsNotifications())
+    if (!self || context.isOver())
         return;
     try {
         requireObject(notification);
         notifications.deliver(std::move(notification), [this](const RecordedCallback& live) {
-            if (!dropsNotifications())
-                handle(live, false);
+            if (!context.isOver())
+                handle(live);
         });
+    } catch (const Abandoned&) {
+        // Nobody waits for it any more.
     } catch (...) {
+        reportFailure();
         // The import brings what was missed.
         RequestReconnect();
-        reportFailure();
     }
 }
 
-void TargetSystem::handle(const RecordedCallback& notification, bool quiet) {
+void TargetSystem::handle(const RecordedCallback& notification) {
     if (notification.kind == NotificationKind::databaseChanged)
-        OnDatabaseChanged(notification.reason);
+        connection.databaseChanged(notification.reason);
     else
-        lifecycle.handle(notification, quiet);
-}
-
-void TargetSystem::OnDatabaseChanged(tagDatabaseChangeReasonEnum reason) {
-    RequestReconnect();
-    logging.logMessage(diagnosticMessage("DATABASE_CHANGED", {name(), reasonText(reason)}));
+        lifecycle.handle(notification, false);
 }
 
 }  // namespace ZrHmiEventLogger

@@ -10,17 +10,17 @@
 #include "host/Listeners.h"
 #include "targetsystem/ConnectionState.h"
 #include "targetsystem/LoggerConnection.h"
+#include "targetsystem/TargetConnection.h"
 #include "targetsystem/TargetSystemBase.h"
 #include "targetsystem/TextLookup.h"
-#include "targetsystem/proxy/EventCookie.h"
 #include "targetsystem/proxy/IDispEventSimpleImpl.h"
 
 namespace ZrHmiEventLogger {
 
-/// One configured target system: keeps its logger connected, receives its notifications and
-/// holds the events that stand in the host. Held by shared pointer; created with `make` of
-/// TargetSystemPlatformSpecific. Any thread may call any public function. Nothing but
-/// RequestReconnect and retire may be called from inside a notification.
+/// One configured target system, put together: its connection, its events, its texts. It is also
+/// the sink of its logger's notifications. Held by shared pointer; created with `make` of
+/// TargetSystemPlatformSpecific. What belongs to the target's keeper says so; any thread may call
+/// the rest.
 class TargetSystem
     : public ZrAtlCom::IDispEventSimpleImpl<0, TargetSystem,
                                             &ZrEventLoggerFnxProxyLib::IID__IZrEventLoggerEvents>,
@@ -29,44 +29,64 @@ class TargetSystem
 public:
     using Alarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
     using DatabaseChangeReason = ZrEventLoggerFnxProxyLib::tagDatabaseChangeReasonEnum;
+    using TimePoint = TargetConnection::TimePoint;
 
     ~TargetSystem() override = default;
     TargetSystem(const TargetSystem&) = delete;
     TargetSystem& operator=(const TargetSystem&) = delete;
 
     /// The periodic check: connects and imports again what is not connected. True when the host's
-    /// events of this target are stale.
-    bool CheckConnection(ImportResultPtr& importResult);
+    /// events of this target are stale. Keeper only.
+    bool CheckConnection(ImportResultPtr& importResult) { return connection.check(importResult); }
     /// True when the logger is connected and imported; a result only when that was done just now.
-    bool Connect(ImportResultPtr& importResult);
-    /// Unsubscribes, disconnects and lets the alarms leave.
-    void Disconnect();
-    /// Drops the connection only, so that the next check connects and imports again. Takes no lock.
-    HRESULT RequestReconnect();
+    /// Keeper only.
+    bool Connect(ImportResultPtr& importResult) { return connection.connect(importResult); }
+    /// Unsubscribes, disconnects and lets the alarms leave. Keeper only.
+    void Disconnect() { connection.disconnect(); }
+    /// Drops the connection only, so that the next check connects and imports again. Takes no
+    /// lock; also from inside a notification.
+    HRESULT RequestReconnect() { return connection.requestReconnect(); }
     HRESULT ClearLoggedEvents();
-    /// For good: no connection, no notification, no import from now on.
-    void retire();
+    /// Tells the host nothing from now on and begins no further call of the logger. Waits for
+    /// nothing.
+    void beginRetiring();
+    /// The same, and unsubscribes and disconnects, the latter only before the deadline. Keeper
+    /// only, or the last owner.
+    void retire(TimePoint deadline);
+
+    /// Reached when the first attempt to connect is over.
+    Milestone& firstAttempt() { return connection.firstAttempt(); }
+    /// True once after the host's events of this target became stale.
+    bool takeStale() { return connection.takeStale(); }
+    /// Reports the exception that is being handled.
+    void reportFailure() noexcept { reportCurrentException(logging, name()); }
 
     ConnectionState GetConnectionState() const;
     EventStatistics statistics() const { return store.statistics(); }
 
     /// An operator's confirmation.
     ZrHmiSrv::ResultPair confirm(const ZrHmiSrv::Alarm& alarm);
-    /// The events of the store, oldest first, as one batch that no notification interrupts.
-    void provideEvents(ZrHmiSrv::IEventReceiver& receiver);
+    /// The events of the store, oldest first, as one batch that no change interrupts.
+    void provideEvents(ZrHmiSrv::IEventReceiver& receiver) { store.provideEvents(receiver); }
+    /// The same, unless a change is under way: then false.
+    bool tryProvideEvents(ZrHmiSrv::IEventReceiver& receiver) {
+        return store.tryProvideEvents(receiver);
+    }
     /// Texts of this target's events. Answers what is to be told when they cannot be had.
     TextLookup& texts() { return textLookup; }
 
-    /// Advises the sink, which needs a complete object. Called once the object is shared.
-    void subscribe();
+    /// Advises the sink, which needs a complete object. Called once the object is shared; what
+    /// fails here is tried again with every connect.
+    void subscribe() noexcept;
 
     /// The notifications that the sink listens to.
     static ZrAtlCom::SinkTable sinkTable();
 
 protected:
     /// Throws ZrAtlCom::CAtlException when the logger refuses its time-out.
-    TargetSystem(TargetSystemSettings settings, ZrHmiSrv::Text domain, ILoggingFunctions& logging,
-                 const std::atomic<bool>& stopFlag, std::atomic<std::int32_t>& hostIds);
+    TargetSystem(TargetSystemSettings settings, ZrHmiSrv::Text domain, LocalAddress& localAddress,
+                 ILoggingFunctions& logging, const std::atomic<bool>& stopFlag,
+                 std::atomic<std::int32_t>& hostIds);
 
 private:
     // The entry points of the sink, on the proxy library's thread.
@@ -77,36 +97,15 @@ private:
     ULONG databaseChanged(DatabaseChangeReason reason);
 
     void receive(RecordedCallback&& notification);
-    void handle(const RecordedCallback& notification, bool quiet);
-    void OnDatabaseChanged(DatabaseChangeReason reason);
+    void handle(const RecordedCallback& notification);
 
-    bool establish() REQUIRES(importMutex);
-    bool import(ImportResultPtr& importResult) REQUIRES(importMutex);
-    void abandonConnection();
-    void disconnectLogger();
-    void logImport(const ImportResult& result);
-    void ConnectFailed(HRESULT hr);
-    bool probe();
-    void settle(bool wasDown);
-    void removeAlarms();
-    void unsubscribe();
-    void reportFailure();
-
-    /// One attempt to connect and import at a time: of two threads, the second finds it done.
-    /// Taken before all other locks of a target.
-    Mutex importMutex;
-    /// The store shows what the logger held when it was last connected, and nothing since has
-    /// asked for another import.
-    std::atomic<bool> imported = false;
-    LoggerConnection connection;
+    LoggerConnection logger;
     NotificationRecorder notifications;
     EventStore store;
     AlarmLifecycle lifecycle;
     LoggedEventImport importer;
     TextLookup textLookup;
-    /// The host still shows alarms that have left the store.
-    std::atomic<bool> hostIsStale = false;
-    ZrAtlCom::EventCookie eventCookie;  ///< last, so that it goes first
+    TargetConnection connection;  ///< last, so that it goes first
 };
 
 }  // namespace ZrHmiEventLogger

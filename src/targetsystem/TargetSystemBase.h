@@ -2,52 +2,38 @@
 
 #include <atomic>
 #include <cstdint>
-#include <string>
 
 #include "events/EventContext.h"
 #include "host/Text.h"
-#include "host/Time.h"
+#include "targetsystem/TargetLogging.h"
+#include "targetsystem/TargetSystemSettings.h"
 
 namespace ZrHmiEventLogger {
-
-/// What one target system is created with.
-struct TargetSystemSettings {
-    ZrHmiSrv::Text name;
-    std::string netId;
-    bool enabled = false;  ///< whether the configuration connects it when it is created
-    ZrHmiSrv::Timespan timeout;
-    std::int64_t eventLimit = 0;
-};
 
 /// What all target systems share, whatever the kind of their connection.
 class TargetSystemBase {
 public:
     const ZrHmiSrv::Text& name() const { return settings.name; }
-    const std::string& netId() const { return settings.netId; }
+    const std::string& configuredAddress() const { return settings.address; }
     bool isEnabled() const { return settings.enabled; }
+    ZrHmiSrv::Timespan timeout() const { return settings.timeout; }
     /// Meant to stay disconnected. Any thread.
     bool IsDisabled() const { return disabled; }
 
 protected:
-    TargetSystemBase(TargetSystemSettings settings, ZrHmiSrv::Text domain,
-                     ILoggingFunctions& logging, const std::atomic<bool>& stopFlag,
-                     std::atomic<std::int32_t>& hostIds)
-        : settings(std::move(settings)),
-          context{this->settings.name, std::move(domain), logging, hostIds,
-                  this->settings.eventLimit},
-          logging(logging),
-          stopFlag(stopFlag) {}
+    TargetSystemBase(TargetSystemSettings given, ZrHmiSrv::Text domain, ILoggingFunctions& host,
+                     const std::atomic<bool>& stopFlag, std::atomic<std::int32_t>& hostIds)
+        : settings(std::move(given)),
+          logging(host, retired),
+          context{settings.name,       std::move(domain), logging,  hostIds,
+                  settings.eventLimit, settings.timeout,  stopFlag, retired} {}
     ~TargetSystemBase() = default;
 
-    /// Notifications are dropped: the extension stops, or this target was replaced or removed.
-    bool dropsNotifications() const { return stopFlag || retired; }
-
     const TargetSystemSettings settings;
-    const EventContext context;
-    ILoggingFunctions& logging;
-    const std::atomic<bool>& stopFlag;
     std::atomic<bool> disabled = false;
-    std::atomic<bool> retired = false;  ///< never connects again
+    std::atomic<bool> retired = false;  ///< never connects again, and tells the host nothing
+    TargetLogging logging;
+    const EventContext context;
 };
 
 }  // namespace ZrHmiEventLogger

@@ -16,7 +16,7 @@ public:
     template <class... Arguments>
     explicit TargetSystemPlatformSpecific(OnlyMake, Arguments&&... arguments)
         : Base(std::forward<Arguments>(arguments)...) {}
-    ~TargetSystemPlatformSpecific() override { this->retire(); }
+    ~TargetSystemPlatformSpecific() override { this->retire(Base::TimePoint::max()); }
 
     /// The sink is advised last, when there is a shared object to notify.
     template <class... Arguments>

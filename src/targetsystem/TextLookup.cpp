@@ -26,7 +26,7 @@ ResultPair TextLookup::requireConnection() {
     try {
         if (disabled)
             return {ErrorValue::not_connected, "Connection disabled."};
-        if (!connection.isUp(disabled))
+        if (!connection.isConnectedNow())
             return {ErrorValue::not_connected, "Not connected."};
         return {};
     } catch (...) {
@@ -81,7 +81,11 @@ TranslationCache::Answer TextLookup::ask(const TranslationKey& key, Read read) {
         return {{std::move(ready), Value()}, false};
     try {
         Value value = read(*connection.get(), key.event(), key.language());
-        const bool keep = !context.logging.preloadTranslations() && isKeepable(key.event());
+        // What the logger loads ahead it answers by itself; an option that was switched on since
+        // it connected has loaded nothing yet.
+        const bool preloaded =
+            connection.preloadsTranslations() && context.logging.preloadTranslations();
+        const bool keep = !preloaded && isKeepable(key.event());
         return {{ResultPair(), std::move(value)}, keep};
     } catch (...) {
         return {{reportException(), Value()}, false};

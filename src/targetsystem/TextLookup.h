@@ -22,7 +22,8 @@ public:
                const std::atomic<bool>& disabled)
         : context(context), connection(connection), disabled(disabled) {}
 
-    /// Success when the logger can be asked, otherwise what to tell the client.
+    /// Success when the logger can be asked, otherwise what to tell the client. Waits for no
+    /// connect.
     ZrHmiSrv::ResultPair requireConnection();
 
     /// The event's text, formatted with its arguments.

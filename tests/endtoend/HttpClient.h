@@ -18,6 +18,9 @@ struct HttpAnswer {
 
 using HttpHeaders = std::vector<std::pair<std::string, std::string>>;
 
+/// The body of the response in these bytes, which is packed.
+std::string unpacked(const std::string& response);
+
 /// Sends one request on a connection of its own. Throws when there is no answer within a minute.
 HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std::string& target,
                        const std::string& body = {}, const HttpHeaders& headers = {});

@@ -26,10 +26,12 @@ ServerFixture::ServerFixture(const std::string& extension, const json::value& co
     : process(SERVER_FILE, argumentsOf(files, extension, config, plant, furtherArguments)) {
     const auto line = [&] { return process.output(); };
     eventually([&] { return line().ends_with('\n') || !process.isRunning(); });
-    const std::string announcement = "listening on http://127.0.0.1:";
-    if (!line().starts_with(announcement))
+    const std::string announcement = line();
+    const std::string address = "://127.0.0.1:";
+    const auto at = announcement.find(address);
+    if (!announcement.starts_with("listening on http") || at == std::string::npos)
         throw std::runtime_error("the server does not start: " + errors());
-    portNumber = static_cast<std::uint16_t>(std::stoi(line().substr(announcement.size())));
+    portNumber = static_cast<std::uint16_t>(std::stoi(announcement.substr(at + address.size())));
 }
 
 HttpAnswer ServerFixture::send(const char* method, const std::string& target,

@@ -28,6 +28,7 @@ public:
     std::string configFile() const { return readFile(files.path("config.json")); }
     /// What the program told on standard error.
     std::string errors() const { return process.errors(); }
+    void signal(int number) { process.signal(number); }
     /// The exit code of an orderly stop.
     int stop();
 

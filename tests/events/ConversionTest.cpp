@@ -28,18 +28,22 @@ std::vector<std::string> entries(const Value& map) {
 
 struct Conversion : testing::Test {
     FakeBorder border;
+    RecordingLogging host;
+    std::atomic<std::int32_t> ids = 1;
+    const std::atomic<bool> never = false;
+    const EventContext context{"Filler", "Domain", host, ids, 0, {}, never, never};
 
     Alarm convert(const FakeEventData& data) {
         FakeEvent source(border, data);
         Alarm alarm;
-        toHostAlarm(alarm, source, "Domain", "Filler", 7, false);
+        toHostAlarm(alarm, source, context, 7, false);
         EXPECT_EQ(source.references, 0);
         return alarm;
     }
     Event convertLogged(const FakeEventData& data) {
         FakeEvent source(border, data);
         Event event;
-        toHostEvent(event, source, "Domain", "Filler", 7);
+        toHostEvent(event, source, context, 7);
         EXPECT_EQ(source.references, 0);
         return event;
     }
@@ -67,7 +71,7 @@ TEST_F(Conversion, GivesAllKindsOfEventsTheSameParameters) {
     FakeEvent source(border, data);
     Message message;
     message.parameters().insert("former", 1);
-    toHostMessage(message, source, "Domain", "Filler");
+    toHostMessage(message, source, context);
     EXPECT_THAT(entries(message.parameters()), all) << "what was there before is gone";
     EXPECT_EQ(source.asked, 0142U) << "id, name, GUID";
     EXPECT_EQ(message.name().view(), "ZREVENTLOGGER_MESSAGE");
@@ -179,7 +183,7 @@ TEST_F(Conversion, MapsALiveAlarmAndALoggedOne) {
     }
     Alarm alarm = convert({});
     FakeEvent source(border);
-    toHostAlarm(alarm, source, "Domain", "Filler", 8, true);
+    toHostAlarm(alarm, source, context, 8, true);
     EXPECT_EQ(alarm.id(), 7);
 
     FakeEventData data;

@@ -13,7 +13,9 @@ namespace bridge_test {
 struct TargetWorld {
     using Kind = ZrHmiEventLogger::NotificationKind;
 
-    explicit TargetWorld(std::int64_t limit) : context{"Filler", "Domain", host, ids, limit} {}
+    explicit TargetWorld(std::int64_t limit)
+        : context{"Filler", "Domain", host, ids, limit, ZrHmiSrv::Timespan(5'000'000'000),
+                  stopping, retired} {}
 
     FakeEvent& source(int raised, std::optional<ULONG> instance = {}) {
         FakeEventData data;
@@ -77,6 +79,8 @@ struct TargetWorld {
     FakeLogger logger{border};
     RecordingLogging host;
     std::atomic<std::int32_t> ids = 1;
+    std::atomic<bool> stopping = false;
+    std::atomic<bool> retired = false;
     const ZrHmiEventLogger::EventContext context;
     ZrHmiEventLogger::EventStore store{context};
     ZrHmiEventLogger::AlarmLifecycle lifecycle{context, store};

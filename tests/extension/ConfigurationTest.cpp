@@ -10,7 +10,10 @@ namespace {
 
 class Configuration : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_EQ(loaded.init(), ErrorValue::success); }
+    void SetUp() override {
+        ASSERT_EQ(loaded.init(), ErrorValue::success);
+        ASSERT_TRUE(host.waitFor([&] { return host.count("reset") == 1; }));
+    }
 
     static Value entry(Value address, Value enabled) {
         Value fields(ValueType::map);
@@ -33,9 +36,10 @@ protected:
         loaded.listener<IZrHmiSrvConfigListener>()->value_deleted(result, loaded.context, path);
         return result.result();
     }
+    /// Since the first import.
     std::size_t resets() {
         std::size_t count = 0;
-        host.look([&] { count = host.logged("RESET_TEMPORARY_EVENTS"); });
+        host.look([&] { count = host.count("reset") - 1; });
         return count;
     }
     std::string state() { return loaded.diagnostics("Filler", "connectionState"); }
@@ -78,6 +82,7 @@ TEST_F(Configuration, AChangedEntryIsAnotherTarget) {
     host.look([&] { host.configuration.insert_or_update("LIMIT_EVENT_COUNT", 2.9); });
     EXPECT_EQ(set(entry(packerNetId, true)), ErrorValue::success);
     EXPECT_EQ(state(), "Good");
+    EXPECT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == 2; }));
     simulation.act(
         R"({"do": "message", "count": 5, "event": 3, "class": ")" + std::string(eventClass) + "\"}",
         packerNetId);

@@ -97,6 +97,25 @@ TEST(Threading, ATimerCallsBackAfterItsDelayAndAnExceptionEndsThatCallbackAlone)
     EXPECT_EQ(host.log[0].parameters().get_map().get("0").get_string(), "disk full");
 }
 
+TEST(Threading, APeriodicTimerOutlivesItsExceptionsAndIsAbortedOnce) {
+    std::atomic<int> ticks = 0;
+    std::atomic<int> aborted = 0;
+    std::promise<void> third;
+    Threading threading(2);
+    threading.schedule_periodic(1, context, [&](TimerError error, const Context&) {
+        if (error == TimerError::aborted)
+            return static_cast<void>(++aborted);
+        if (++ticks == 3)
+            third.set_value();
+        throw std::bad_alloc();
+    });
+    third.get_future().wait();
+    EXPECT_TRUE(threading.stop(longStop));
+    const int atTheEnd = ticks;
+    EXPECT_EQ(aborted, 1);
+    EXPECT_GE(atTheEnd, 3);
+}
+
 // A timer that schedules itself again meets the end of the pool at every point of its cycle.
 TEST(Threading, NothingRunsAfterTheDestructor) {
     for (int round = 0; round < 300; ++round) {

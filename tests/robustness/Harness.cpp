@@ -83,8 +83,8 @@ bool Harness::tryCreate() {
                                   ZrHmiSrv::Timespan::from_milliseconds(20'000), eventLimit};
     const std::size_t failed = host.logged("CAN_NOT_CREATE_PROXY");
     const auto timeouts = callsOf("SetTimeout");
-    target = TargetSystemPlatformSpecific<TargetSystem>::make(settings, "TestDomain", link,
-                                                              stopFlag, hostIds);
+    target = TargetSystemPlatformSpecific<TargetSystem>::make(
+        settings, "TestDomain", localAddress, link, stopFlag, hostIds);
     if (host.logged("CAN_NOT_CREATE_PROXY") != failed)
         return false;
     EXPECT_EQ(callsOf("SetTimeout"), timeouts + 1) << "a logger without its time-out";
@@ -106,7 +106,7 @@ bool Harness::tick() {
 }
 
 void Harness::retire() {
-    target->retire();
+    target->retire(TargetSystem::TimePoint::max());
     target.reset();
 }
 

@@ -89,6 +89,7 @@ private:
     Mutex fenceMutex;  ///< fences are posted in the order of their numbers
     std::atomic<bool> stopFlag = false;
     std::atomic<std::int32_t> hostIds = 1;
+    ZrHmiEventLogger::LocalAddress localAddress;
 };
 
 }  // namespace bridge_test

@@ -21,15 +21,17 @@ namespace {
 
 const Context context{"TestDomain"};
 
-std::filesystem::path writeConfiguration() {
+std::string entry(const char* name, const char* address) {
+    return std::string("\"") + name + R"(": {"ENABLED": true, "ADDRESS": ")" + address + "\"}";
+}
+
+std::filesystem::path writeConfiguration(const std::string& targets, const char* timeout) {
     const auto file = std::filesystem::path(testing::TempDir()) /
                       ("robustness-" + std::to_string(std::random_device()()) + ".json");
-    std::ofstream(file) << R"({"TIMEOUT": "PT3S", "LIMIT_EVENT_COUNT": )"
+    std::ofstream(file) << R"({"TIMEOUT": ")" << timeout << R"(", "LIMIT_EVENT_COUNT": )"
                         << RunningServer::eventLimit
-                        << R"(, "PRELOAD_TRANSLATIONS": false, "TARGET_SYSTEMS": {)"
-                        << R"("Filler": {"ENABLED": true, "ADDRESS": ")" << fillerNetId
-                        << R"("}, "Packer": {"ENABLED": true, "ADDRESS": ")" << packerNetId
-                        << "\"}}}";
+                        << R"(, "PRELOAD_TRANSLATIONS": false, "TARGET_SYSTEMS": )" << targets
+                        << "}";
     return file;
 }
 
@@ -49,7 +51,11 @@ std::size_t counter(const Value& diagnostics, const char* name) {
 }  // namespace
 
 RunningServer::RunningServer()
-    : configurationFile(writeConfiguration()),
+    : RunningServer("{" + entry("Filler", fillerNetId) + "," + entry("Packer", packerNetId) + "}",
+                    "PT3S") {}
+
+RunningServer::RunningServer(const std::string& targets, const char* timeout)
+    : configurationFile(writeConfiguration(targets, timeout)),
       backend(configurationFile, context, changes, metrics) {
     hmi::configureLog(hmi::LogLevel::off, hmi::LogFormat::text);
     backend.start(extensionFile());

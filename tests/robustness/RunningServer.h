@@ -16,6 +16,8 @@ public:
     static constexpr unsigned eventLimit = 60;
 
     RunningServer();
+    /// With other targets: "TARGET_SYSTEMS" as JSON.
+    RunningServer(const std::string& targets, const char* timeout);
     ~RunningServer();
     RunningServer(const RunningServer&) = delete;
     RunningServer& operator=(const RunningServer&) = delete;

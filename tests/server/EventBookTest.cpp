@@ -25,6 +25,12 @@ namespace {
 struct PlainList final : IChangeSink {
     void post(Change change) noexcept override {
         lastType = change.type;
+        if (change.replacement) {
+            const auto& [target, replaced] = *change.replacement;
+            std::erase_if(events, [&](const auto& held) { return held->target == target; });
+            events.insert(events.end(), replaced.begin(), replaced.end());
+            ++replacements[target];
+        }
         if (!change.event)
             return;
         lastId = change.event->id.number;
@@ -44,6 +50,7 @@ struct PlainList final : IChangeSink {
 
     ChangeType lastType = ChangeType::log;
     std::int64_t lastId = 0;
+    std::map<std::string, int> replacements;
     std::vector<EventRecordPtr> events;
 };
 
@@ -103,46 +110,55 @@ TEST(EventBook, AlarmsKeepTheirPlaceAndEqualMessagesGoOneByOne) {
     EXPECT_EQ(book.countsByTarget().at("A").messages, 1U);
 }
 
-TEST(EventBook, ResetIsOneStepAndLosesNoLiveCall) {
+TEST(EventBook, AResetIsOneStepATargetSystemAndLosesNoLiveCall) {
     PlainList list;
     EventBook book(list);
     book.raise(alarm(1, "A"));
     book.raise(alarm(2, "B"));
-    book.beginReset();
-    const Event batch[] = {alarm(1, "A"), alarm(3, "A"), message("A", 5, 1), message("A", 5, 1)};
-    book.replaceTarget("A", batch);
-    EXPECT_THAT(alarmIds(book), ElementsAre(2, 1)) << "nothing of the new set shows yet";
-
-    Alarm cleared = alarm(3, "A");
+    book.raise(alarm(3, "C"));
+    book.end(alarm(1, "A"));
+    book.add(message("A", 5, 1));
+    book.add(message("A", 5, 1));
+    const std::int64_t secondCopy = list.lastId;
+    book.add(message("", 6, 1));
+    Alarm cleared = alarm(3, "C");
     cleared.set_time_cleared(Timestamp(9));
-    book.update(cleared);     // held by the new set only
-    book.end(alarm(1, "A"));  // held by both
-    drop(book, message("A", 5, 1));
-    book.raise(alarm(4, "A"));    // A has been handed over: belongs to both
-    book.raise(alarm(5, "B"));    // in B's batch, if it is still alive then
-    book.add(message("", 6, 2));  // of no target system, so in no batch
-    EXPECT_THAT(alarmIds(book), ElementsAre(5, 4, 2, 1));
-    const Event of[] = {alarm(2, "B")};
-    book.replaceTarget("B", of);
-    drop(book, alarm(2, "B"));
-    book.publishReset();
-    EXPECT_EQ(list.lastType, ChangeType::reset);
-    EXPECT_THAT(alarmIds(book), ElementsAre(4, 3, 1));
-    EXPECT_EQ(book.find({EventKind::alarm, 3})->life, EventLife::cleared);
-    EXPECT_EQ(book.find({EventKind::alarm, 1})->life, EventLife::other);
-    EXPECT_EQ(book.countsByTarget().at("A").messages, 1U);
-    EXPECT_EQ(book.countsByTarget().at("").messages, 1U);
-    EXPECT_FALSE(book.countsByTarget().contains("B"));
+    const Event batch[] = {alarm(1, "A"),      alarm(4, "A"),      message("A", 5, 1),
+                           message("A", 5, 1), message("A", 5, 1), message("A", 4, 1)};
+    const Event ofC[] = {cleared};
 
     book.beginReset();
-    book.replaceTarget("A", {});
-    book.abandonReset();
-    EXPECT_THAT(alarmIds(book), ElementsAre(4, 3, 1));
-    book.beginReset();
     book.replaceTarget("A", batch);
-    book.replaceTarget("A", of);
-    book.publishReset();
-    EXPECT_THAT(alarmIds(book), ElementsAre(2)) << "the second batch replaces the first";
+    EXPECT_THAT(alarmIds(book), ElementsAre(4, 3, 2, 1)) << "visible before anyone else answers";
+    EXPECT_EQ(book.find({EventKind::alarm, 1})->life, EventLife::active) << "the extension knows";
+    EXPECT_EQ(book.countsByTarget().at("A").messages, 4U) << "every copy stands for itself";
+    EXPECT_TRUE(book.find({EventKind::message, secondCopy})) << "a message keeps its id";
+    book.raise(alarm(5, "A"));
+    book.end(alarm(1, "A"));
+    EXPECT_TRUE(drop(book, message("A", 5, 1)));
+    book.raise(alarm(6, "B"));  // B hands over nothing, but this is news
+    book.replaceTarget("C", ofC);
+    EXPECT_EQ(book.find({EventKind::alarm, 3})->life, EventLife::cleared);
+    const EventRecordPtr before = book.find({EventKind::alarm, 4});
+    book.endReset();
+    EXPECT_EQ(list.lastType, ChangeType::reset);
+    EXPECT_THAT(alarmIds(book), ElementsAre(6, 5, 4, 3, 1));
+    EXPECT_EQ(book.find({EventKind::alarm, 1})->life, EventLife::other);
+    EXPECT_FALSE(book.countsByTarget().contains("")) << "in no hand-over";
+
+    const auto told = list.replacements;
+    Alarm other = alarm(4, "A");
+    other.set_severity(Severity::error);
+    const Event changed[] = {other, alarm(5, "A")};
+    book.beginReset();
+    book.replaceTarget("C", ofC);
+    EXPECT_EQ(list.replacements, told) << "nothing has changed";
+    book.replaceTarget("A", changed);
+    EXPECT_THAT(alarmIds(book), ElementsAre(6, 5, 4, 3)) << "a changed alarm keeps its place";
+    EXPECT_EQ(book.find({EventKind::alarm, 4})->severity, 3U);
+    EXPECT_EQ(before->severity, 0U);
+    book.abandonReset();
+    EXPECT_THAT(alarmIds(book), ElementsAre(6, 5, 4, 3)) << "B may have more to say";
 }
 
 TEST(EventBook, BeyondItsCapacityTheOldestGo) {
@@ -154,6 +170,22 @@ TEST(EventBook, BeyondItsCapacityTheOldestGo) {
     EXPECT_THAT(alarmIds(book), ElementsAre(2, 3));
     EXPECT_EQ(list.lastType, ChangeType::forgotten);
     EXPECT_EQ(list.lastId, 1);
+}
+
+/// What a target system of the extension hands over: some of what the list shows of it, and news.
+void handOver(EventBook& book, std::mt19937& random, const PlainList& list, const char* target) {
+    std::vector<Event> batch;
+    for (const EventRecordPtr& held : list.events) {
+        if (held->target == target && random() % 4 != 0)
+            batch.push_back(held->event());
+    }
+    batch.push_back(message(target, 1 + static_cast<int>(random() % 20), 1));
+    book.beginReset();
+    book.replaceTarget(target, batch);
+    if (random() % 8 == 0)
+        book.endReset();
+    ASSERT_EQ(book.countsByTarget()[target].alarms + book.countsByTarget()[target].messages,
+              batch.size());
 }
 
 TEST(EventBook, SelectsWhatAPlainWalkWouldSelect) {
@@ -177,8 +209,10 @@ TEST(EventBook, SelectsWhatAPlainWalkWouldSelect) {
             book.add(news);
         else if (kind < 7)
             kind == 5 ? book.update(some) : book.end(some);
-        else
+        else if (kind < 9)
             kind == 7 ? drop(book, some) : drop(book, news);
+        else
+            handOver(book, random, list, targets[below(2)]);
 
         EventFilter filter;
         filter.target = targets[below(3)];

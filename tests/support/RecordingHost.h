@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -75,6 +76,9 @@ public:
     std::map<ZrHmiSrv::ListenerType, Listener*> listeners;  ///< registered now
 
     std::size_t logged(std::string_view name) const;
+    std::size_t count(std::string_view call) const {
+        return static_cast<std::size_t>(std::count(calls.begin(), calls.end(), call));
+    }
     /// The last log entry of a name, unset when there is none.
     Message lastLogged(std::string_view name) const;
 

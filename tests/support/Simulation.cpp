@@ -33,14 +33,23 @@ std::string expectSuccess(int result, char* answer) {
     return text;
 }
 
+void load(const std::string& runtimes) {
+    char* answer = nullptr;
+    const int result = ZrSimulatorLoadPlant((plantHead + runtimes + "}}").c_str(), &answer);
+    expectSuccess(result, answer);
+}
+
 }  // namespace
 
 Simulation::Simulation(const std::string& fillerLog) {
-    const std::string plant =
-        plantHead + runtime(fillerNetId, fillerLog) + "," + runtime(packerNetId, "[]") + "}}";
-    char* answer = nullptr;
-    const int result = ZrSimulatorLoadPlant(plant.c_str(), &answer);
-    expectSuccess(result, answer);
+    load(runtime(fillerNetId, fillerLog) + "," + runtime(packerNetId, "[]"));
+}
+
+Simulation::Simulation(const std::vector<std::string>& netIds) {
+    std::string runtimes;
+    for (const std::string& netId : netIds)
+        runtimes += (runtimes.empty() ? "" : ",") + runtime(netId.c_str(), "[]");
+    load(runtimes);
 }
 
 Simulation::~Simulation() {
@@ -71,8 +80,8 @@ std::int64_t Simulation::liveObjects(const char* netId) {
     return status(netId).at("liveObjects").to_number<std::int64_t>();
 }
 
-std::int64_t Simulation::calls(const char* operation) {
-    const auto counted = status().at("calls").as_object();
+std::int64_t Simulation::calls(const char* operation, const char* netId) {
+    const auto counted = status(netId).at("calls").as_object();
     const auto* count = counted.if_contains(operation);
     return count ? count->to_number<std::int64_t>() : 0;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <boost/json/value.hpp>
 
@@ -15,6 +16,8 @@ inline constexpr const char* eventClass = "{0000ABCD-0001-0002-0304-05060708090A
 class Simulation {
 public:
     explicit Simulation(const std::string& fillerLog = "[]");
+    /// As many runtimes instead, with nothing in their logs.
+    explicit Simulation(const std::vector<std::string>& netIds);
     ~Simulation();
     Simulation(const Simulation&) = delete;
     Simulation& operator=(const Simulation&) = delete;
@@ -26,8 +29,8 @@ public:
                const std::string& more = {});
     boost::json::object status(const char* netId = fillerNetId);
     std::int64_t liveObjects(const char* netId = fillerNetId);
-    /// How often the filler's runtime was asked to do something.
-    std::int64_t calls(const char* operation);
+    /// How often a runtime was asked to do something.
+    std::int64_t calls(const char* operation, const char* netId = fillerNetId);
 };
 
 }  // namespace bridge_test

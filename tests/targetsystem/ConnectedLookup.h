@@ -19,7 +19,12 @@ public:
     ConnectedLookup() {
         EXPECT_EQ(connection.create(), S_OK);
         connection.setTimeout(60'000);
-        EXPECT_TRUE(connection.connect(fillerNetId, false, abandoned));
+        connect(false);
+    }
+    void connect(bool preloadTranslations) {
+        connection.get()->Disconnect();
+        connection.connect(fillerNetId, preloadTranslations);
+        connection.setState({true, S_OK});
     }
 
     Simulation simulation;
@@ -27,7 +32,8 @@ public:
     std::atomic<bool> disabled = false;
     std::atomic<bool> abandoned = false;
     std::atomic<std::int32_t> hostIds = 1;
-    ZrHmiEventLogger::EventContext context{"Filler", "TestDomain", logging, hostIds, 100};
+    ZrHmiEventLogger::EventContext context{"Filler", "TestDomain", logging,   hostIds,
+                                           100,      {},           abandoned, abandoned};
     ZrHmiEventLogger::LoggerConnection connection;
     ZrHmiEventLogger::TextLookup lookup{context, connection, disabled};
 };

@@ -40,13 +40,14 @@ struct Connection : Test {
     Simulation simulation{std::string(R"([{"event": 3, "timeRaised": "2020-01-01T00:00:00Z",)") +
                           R"("class": ")" + eventClass + R"("}])"};
     RecordingLogging logging;
+    ZrHmiEventLogger::LocalAddress localAddress;
     std::atomic<bool> stopping = false;
     std::atomic<std::int32_t> ids = 1;
     std::shared_ptr<TargetSystem> target =
         ZrHmiEventLogger::TargetSystemPlatformSpecific<TargetSystem>::make(
             ZrHmiEventLogger::TargetSystemSettings{
                 "Filler", fillerNetId, true, ZrHmiSrv::Timespan::from_milliseconds(20'000), 10},
-            "Domain", logging, stopping, ids);
+            "Domain", localAddress, logging, stopping, ids);
 };
 
 TEST_F(Connection, ShowsEachStateAndLogsEachStepOnce) {
@@ -96,7 +97,7 @@ TEST_F(Connection, FailuresOfTheAskingItselfEndWell) {
     simulation.raise("hot");
     while (target->statistics().activeAlarmsCount == 0)
         std::this_thread::yield();
-    simulation.act(R"({"do": "fail", "call": "IsConnected", "hresult": "0x80004005", "times": 3})");
+    simulation.act(R"({"do": "fail", "call": "IsConnected", "hresult": "0x80004005"})");
     EXPECT_TRUE(check());
     EXPECT_EQ(state(), "down");
     EXPECT_EQ(target->statistics().activeAlarmsCount, 0U);
@@ -105,7 +106,7 @@ TEST_F(Connection, FailuresOfTheAskingItselfEndWell) {
     simulation.act(R"({"do": "fail", "call": "Disconnect", "hresult": "0x80004005"})");
     EXPECT_EQ(target->RequestReconnect(), E_FAIL);
     EXPECT_TRUE(check()) << "the import that was asked for is owed all the same";
-    target->retire();
+    target->retire(TargetSystem::TimePoint::max());
     EXPECT_TRUE(check()) << "its alarms left";
     EXPECT_FALSE(check());
     EXPECT_EQ(state(), "down") << "for good";
@@ -123,7 +124,7 @@ TEST_F(Connection, AFailedImportKeepsTheMessagesAndTriesAgain) {
                                             StartsWith("error Filler ")));
     EXPECT_EQ(target->statistics().cachedMessagesCount, 1U);
     EXPECT_EQ(target->statistics().cachedAlarmsCount, 0U);
-    EXPECT_EQ(state(), "down");
+    EXPECT_EQ(state(), "failed 0x80070005");
     EXPECT_EQ(simulation.calls("Disconnect"), 2);
 
     EXPECT_TRUE(check()) << "connects and imports again";

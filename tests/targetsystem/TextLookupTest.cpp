@@ -63,20 +63,24 @@ TEST(TextLookup, WithoutAConnectionOnlyTheCacheAnswers) {
 
 TEST(TextLookup, KeepsNothingThatTheProxyPreloadsNorWhatIsTooLarge) {
     ConnectedLookup target;
+    const auto ask = [&](char temperature) {
+        for (int round = 0; round < 2; ++round)
+            target.lookup.eventText(hotTank(temperature), english);
+        return target.simulation.calls("GetEventText");
+    };
     target.logging.preload = true;
-    target.lookup.eventText(hotTank(), english);
+    EXPECT_EQ(ask(1), 1) << "switched on, but nothing was loaded ahead yet";
+    target.connect(true);
+    EXPECT_EQ(ask(2), 3);
     target.logging.preload = false;
-    target.lookup.eventText(hotTank(), english);
-    EXPECT_EQ(target.simulation.calls("GetEventText"), 2);
-    target.lookup.eventText(hotTank(), english);
-    EXPECT_EQ(target.simulation.calls("GetEventText"), 2);
+    EXPECT_EQ(ask(3), 4);
 
     using namespace std::string_literals;
     const std::string length("\x00\x20\x00\x00", 4);  // 8192 bytes of text
     EventReference large = hotTank();
     large.types = bytes("\x08\x00"s);
     large.data = bytes(length + std::string(8192, 'x'));
-    for (std::int64_t count = 3; count < 5; ++count) {
+    for (std::int64_t count = 5; count < 7; ++count) {
         EXPECT_EQ(target.lookup.eventText(large, english).value.size(), 8192u + 21);
         EXPECT_EQ(target.simulation.calls("GetEventText"), count);
     }

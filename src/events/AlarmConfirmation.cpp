@@ -1,0 +1,37 @@
+#include "events/AlarmConfirmation.h"
+
+#include "events/DiagnosticMessage.h"
+#include "targetsystem/proxy/CAtlException.h"
+
+namespace ZrHmiEventLogger {
+
+HRESULT AlarmConfirmation::confirm(int hostId) noexcept {
+    static const ZrHmiSrv::Text name("CALL_CONFIRM");
+    try {
+        const auto alarm = store.pin(hostId);
+        if (!alarm)
+            return E_FAIL;
+        context.logging.logMessage(diagnosticMessage(name, {context.targetName, hostId}));
+        // It may have ended meanwhile, or another object may stand for it now.
+        const auto current = store.pin(hostId);
+        return current && current->get() == alarm->get() ? call(alarm) : E_FAIL;
+    } catch (...) {
+        reportFailure();
+        return E_FAIL;
+    }
+}
+
+HRESULT AlarmConfirmation::call(const EventStore::AlarmPointer& alarm) {
+    Lock lock(confirmMutex);
+    context.proceed();
+    return ZrAtlCom::check(alarm->get()->Confirm());
+}
+
+/// Of the exception that is being handled.
+void AlarmConfirmation::reportFailure() noexcept {
+    Lock lock(store.publishMutex);
+    if (!context.isOver())
+        reportCurrentException(context.logging, context.targetName);
+}
+
+}  // namespace ZrHmiEventLogger

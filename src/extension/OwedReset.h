@@ -1,0 +1,31 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+
+namespace ZrHmiEventLogger {
+
+/// Resets of the host's events that are asked for, one after the other: those asked for while one
+/// is under way become one more. A reset that fails stays owed. Any thread; throws nothing.
+class OwedReset {
+public:
+    /// `send` answers whether the host was told; it may throw.
+    explicit OwedReset(std::function<bool()> send) : send(std::move(send)) {}
+
+    /// Sends one, or leaves that to the thread that is sending.
+    void request() noexcept {
+        owed = true;
+        settle();
+    }
+    /// Tries again what is owed still.
+    void settle() noexcept;
+
+private:
+    bool trySend() noexcept;
+
+    const std::function<bool()> send;
+    std::atomic<bool> owed = false;
+    std::atomic<bool> sending = false;
+};
+
+}  // namespace ZrHmiEventLogger
