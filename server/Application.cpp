@@ -36,6 +36,9 @@ void expectAllowedAddress(const Options& options) {
 
 Application::Application(const Options& given)
     : options(given),
+      texts([this](const EventRecord& event,
+                   const std::string& locale) { return backend.calls.localize(event, locale); },
+            lanes, feed),
       backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics),
       access(OriginPolicy(options.allowedHosts), options.users),
       dispatcher(router, lanes, metrics),
@@ -43,7 +46,13 @@ Application::Application(const Options& given)
              {options.address, options.port, options.certificate, options.key},
              {access, dispatcher, audit, hub}) {
     expectAllowedAddress(options);
+    feed.add("texts", texts);  // before those that tell readers to ask again
     feed.add("stream", hub);
+}
+
+Application::~Application() {
+    lanes.stop();
+    lanes.join();
 }
 
 void Application::addRoutes() {
@@ -105,6 +114,7 @@ void Application::stop(std::future<void>& started) {
     aboutResource.setReady(false);
     server.stop();
     access.stop();
+    texts.stop();
     lanes.stop();
     // At once, and not when the calls are over: it is what makes them end.
     backend.shutDownExtension();

@@ -22,6 +22,7 @@
 #include "server/net/HttpServer.h"
 #include "server/net/IoThread.h"
 #include "server/net/StreamHub.h"
+#include "server/texts/EventTextService.h"
 #include "server/users/SessionResource.h"
 
 namespace hmi {
@@ -31,6 +32,7 @@ class Application {
 public:
     /// Throws StartError.
     explicit Application(const Options& options);
+    ~Application();
     /// Serves until the process is told to stop. Throws StartError when the extension refuses.
     void run();
 
@@ -46,22 +48,23 @@ private:
     Metrics metrics;
     StreamHub hub{io.context(), metrics};
     ChangeFeed feed;
+    WorkerLanes lanes;
+    EventTextService texts;
     std::unique_ptr<SimulatorControl>
         simulator;  ///< outlives the extension, which uses its library
     Backend backend;
 
     Router router;
-    WorkerLanes lanes;
     AccessControl access;
     Audit audit;
     Dispatcher dispatcher;
     SessionResource sessionResource{access, !options.certificate.empty()};
     AboutResource aboutResource;
-    EventsResource eventsResource{backend.events, backend.calls, metrics};
+    EventsResource eventsResource{backend.events, backend.calls, texts, metrics};
     ConfigResource configResource{backend.configuration, backend.calls};
     CommandsResource commandsResource{backend.calls};
     LogResource logResource{backend.log};
-    MetricsResource metricsResource{metrics, backend.events, backend.calls};
+    MetricsResource metricsResource{metrics, backend.events, backend.calls, feed, lanes, texts};
     std::unique_ptr<SimulatorResource> simulatorResource;
     HttpServer server;
     std::optional<ReloadSignal> reload;

@@ -12,13 +12,13 @@ HRESULT ZrEventLoggerFnxProxyLib::CreateInstance(REFCLSID classId, REFIID interf
             return E_POINTER;
         *object = nullptr;
         auto& simulator = Simulator::instance();
-        if (const HRESULT hr = simulator.enterUnbound(Operation::CreateInstance); FAILED(hr))
-            return hr;
+        if (const auto answer = simulator.unbound()->enter(Operation::CreateInstance))
+            return *answer;
         if (classId == CLSID_EventLogger)
-            return Ref<Logger>(new Logger(simulator))->QueryInterface(interfaceId, object);
+            return Ref<Logger>(new Logger(simulator))->provide(interfaceId, object);
         if (classId == CLSID_ConnectionSettings)
             return Ref<ConnectionSettings>(new ConnectionSettings(simulator.unbound()))
-                ->QueryInterface(interfaceId, object);
+                ->provide(interfaceId, object);
         return CLASS_E_CLASSNOTAVAILABLE;
     });
 }

@@ -6,6 +6,29 @@
 
 namespace ZrSimulator {
 
+class Simulator::UnboundBorder final : public Border {
+public:
+    explicit UnboundBorder(Simulator& simulator) : simulator(simulator) {}
+
+    std::optional<HRESULT> enter(Operation operation) override {
+        std::optional<HRESULT> answer;
+        // Without a connection there is none to ask about, and no runtime that could hang in it.
+        if (operation == Operation::IsConnected || operation == Operation::Disconnect)
+            return answer;
+        for (const auto& entry : simulator.copyRuntimes()) {
+            const auto its = entry.second->clientBorder()->enter(operation);
+            if (!answer)
+                answer = its;
+        }
+        return answer;
+    }
+
+private:
+    Simulator& simulator;
+};
+
+Simulator::Simulator() : unboundBorder(std::make_shared<UnboundBorder>(*this)) {}
+
 Simulator& Simulator::instance() {
     static Simulator* const simulator = new Simulator;
     return *simulator;
@@ -39,19 +62,9 @@ std::shared_ptr<Runtime> Simulator::find(const FnxNetId& netId) {
     return found == runtimes.end() ? nullptr : found->second;
 }
 
-HRESULT Simulator::enterUnbound(Operation operation) {
-    Runtimes all;
-    {
-        Lock lock(mutex);
-        all = runtimes;
-    }
-    HRESULT result = S_OK;
-    for (const auto& entry : all) {
-        const HRESULT hr = entry.second->clientBorder()->enter(operation);
-        if (SUCCEEDED(result))
-            result = hr;
-    }
-    return result;
+Simulator::Runtimes Simulator::copyRuntimes() {
+    Lock lock(mutex);
+    return runtimes;
 }
 
 }  // namespace ZrSimulator

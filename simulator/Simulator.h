@@ -21,18 +21,21 @@ public:
     /// Null when there is none.
     std::shared_ptr<Runtime> find(const FnxNetId& netId);
 
-    /// The border of objects that have not addressed a runtime yet.
+    /// The border of objects that have not addressed a runtime yet: their calls are calls of
+    /// every runtime, whose faults all apply to them.
     const std::shared_ptr<Border>& unbound() const { return unboundBorder; }
-    /// A call of such an object: it is one of every runtime, whose faults all apply to it.
-    HRESULT enterUnbound(Operation operation);
 
 private:
     using Runtimes = std::map<FnxNetId, std::shared_ptr<Runtime>, NetIdLess>;
+    class UnboundBorder;
+
+    Simulator();
+    Runtimes copyRuntimes();
 
     Mutex loadMutex;  ///< lets one `load` run at a time; held while it waits for threads
     Mutex mutex;
     Runtimes runtimes GUARDED_BY(mutex);
-    const std::shared_ptr<Border> unboundBorder = std::make_shared<Border>();
+    const std::shared_ptr<Border> unboundBorder;
 };
 
 }  // namespace ZrSimulator

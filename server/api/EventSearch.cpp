@@ -1,9 +1,7 @@
 #include "server/api/EventSearch.h"
 
 #include <algorithm>
-#include <chrono>
 #include <limits>
-#include <set>
 #include <string>
 
 #include "server/http/Response.h"
@@ -11,7 +9,6 @@
 
 namespace hmi {
 
-using ZrHmiSrv::ErrorValue;
 using ZrHmiSrv::Value;
 using ZrHmiSrv::ValueType;
 
@@ -19,6 +16,9 @@ namespace {
 
 constexpr std::uint64_t defaultLimit = 100;
 constexpr std::uint64_t maxLimit = 100'000;
+constexpr std::uint64_t defaultWait = 300;  // milliseconds
+constexpr std::uint64_t maxWait = 5000;
+constexpr std::size_t maxLocaleLength = 84;  // no platform knows longer names
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
 /// The choice of that name; throws RequestError 400 when there is none.
@@ -58,7 +58,8 @@ bool containsText(const EventRecord& event, std::string_view lower) {
 }  // namespace
 
 EventSearch::EventSearch(const Query& query) {
-    query.allowOnly({"target", "kind", "state", "severity", "text", "locale", "offset", "limit"});
+    query.allowOnly(
+        {"target", "kind", "state", "severity", "text", "locale", "offset", "limit", "wait"});
     if (const std::string* const target = query.find("target"))
         filter.target = *target;
     filter.kind = choice<EventKind>(query, "kind",
@@ -71,66 +72,39 @@ EventSearch::EventSearch(const Query& query) {
     filter.severity = static_cast<std::uint32_t>(std::min(query.number("severity", 0), highest));
     text = toLowerAscii(textOf(query, "text"));
     locale = textOf(query, "locale");
+    if (locale.size() > maxLocaleLength)
+        throw RequestError(400, "locale is too long");
+    wait = std::chrono::milliseconds(std::min(query.number("wait", defaultWait), maxWait));
     offset = static_cast<std::size_t>(query.number("offset", 0));
     limit = static_cast<std::size_t>(std::min(query.number("limit", defaultLimit), maxLimit));
 }
 
-/// The texts of one search. A target system that keeps us waiting in vain is not asked again, so
-/// that one whose runtime hangs costs one time-out, not one for each of its events.
-class EventSearch::Texts {
-public:
-    Texts(ExtensionCalls& extension, const std::string& locale)
-        : extension(extension), locale(locale) {}
-
-    EventTexts of(const EventRecord& event) {
-        if (locale.empty())
-            return {};
-        if (hanging.contains(event.target))
-            return none;
-        const auto start = std::chrono::steady_clock::now();
-        auto texts = extension.localize(event, locale);
-        if (texts && texts->result == ErrorValue::success)
-            return std::move(*texts);
-        if (std::chrono::steady_clock::now() - start > patience)
-            hanging.insert(event.target);
-        return none;
-    }
-
-private:
-    static constexpr std::chrono::milliseconds patience{500};
-
-    ExtensionCalls& extension;
-    const std::string& locale;
-    const EventTexts none{ErrorValue::request_failed, {}, {}};
-    std::set<std::string> hanging;
-};
-
-EventSearch::Result EventSearch::run(const EventBook& book, ExtensionCalls& extension) const {
-    Texts texts(extension, locale);
-    return text.empty() ? page(book, texts) : searchText(book, texts);
-}
-
-EventSearch::Result EventSearch::page(const EventBook& book, Texts& texts) const {
-    EventPage selected = book.select(filter, offset, limit);
-    Result result{selected.total, {}};
-    result.hits.reserve(selected.events.size());
-    for (EventRecordPtr& event : selected.events) {
-        EventTexts found = texts.of(*event);
-        result.hits.push_back({std::move(event), std::move(found)});
-    }
-    return result;
-}
-
-EventSearch::Result EventSearch::searchText(const EventBook& book, Texts& texts) const {
+EventSearch::Result EventSearch::run(const EventBook& book, EventTextService& service) const {
+    const bool isPage = text.empty();
+    EventPage selected = book.select(filter, isPage ? offset : 0, isPage ? limit : unlimited);
+    std::vector<TextsPtr> texts = textsOf(selected.events, service);
     Result result;
-    for (EventRecordPtr& event : book.select(filter, 0, unlimited).events) {
-        EventTexts found = texts.of(*event);
-        if (!containsText(*event, text) && !contains(found.text.view(), text))
+    for (std::size_t i = 0; i < selected.events.size(); ++i) {
+        const EventRecord& event = *selected.events[i];
+        const bool isPending = isLocalized() && !texts[i];
+        if (!isPage && !containsText(event, text) &&
+            !(texts[i] && contains(texts[i]->text.view(), text))) {
+            result.textsPending += isPending ? 1 : 0;  // it might contain the text
             continue;
-        if (result.total++ >= offset && result.hits.size() < limit)
-            result.hits.push_back({std::move(event), std::move(found)});
+        }
+        if (++result.total <= (isPage ? 0 : offset) || result.hits.size() == limit)
+            continue;
+        result.textsPending += isPending ? 1 : 0;
+        result.hits.push_back({std::move(selected.events[i]), std::move(texts[i])});
     }
+    if (isPage)
+        result.total = selected.total;
     return result;
+}
+
+std::vector<TextsPtr> EventSearch::textsOf(const std::vector<EventRecordPtr>& events,
+                                           EventTextService& service) const {
+    return isLocalized() ? service.get(events, locale, wait) : std::vector<TextsPtr>(events.size());
 }
 
 }  // namespace hmi

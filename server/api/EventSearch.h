@@ -1,11 +1,12 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
 #include "server/events/EventBook.h"
-#include "server/extension/ExtensionCalls.h"
 #include "server/http/Target.h"
+#include "server/texts/EventTextService.h"
 
 namespace hmi {
 
@@ -14,10 +15,11 @@ class EventSearch {
 public:
     struct Hit {
         EventRecordPtr event;
-        EventTexts texts;  ///< meaningful with a locale only
+        TextsPtr texts;  ///< null without a locale, and when they are not known
     };
     struct Result {
         std::size_t total = 0;
+        std::size_t textsPending = 0;  ///< events whose texts were wanted and are not known yet
         std::vector<Hit> hits;
     };
 
@@ -25,21 +27,21 @@ public:
     explicit EventSearch(const Query& query);
 
     /// A text is looked for without regard to the case of A to Z, in the event's name and text
-    /// parameters, and with a locale in its localized text as well. Calls the extension only
-    /// with a locale.
-    Result run(const EventBook& book, ExtensionCalls& extension) const;
+    /// parameters, and with a locale in its localized text as well, as far as that is known. Waits
+    /// only with a locale, and for the texts only.
+    Result run(const EventBook& book, EventTextService& service) const;
+    bool isLocalized() const noexcept { return !locale.empty(); }
 
 private:
-    class Texts;
-
-    Result page(const EventBook& book, Texts& texts) const;
-    Result searchText(const EventBook& book, Texts& texts) const;
+    std::vector<TextsPtr> textsOf(const std::vector<EventRecordPtr>& events,
+                                  EventTextService& service) const;
 
     EventFilter filter;
     std::string text;    ///< in small letters; empty: any
     std::string locale;  ///< empty: none
     std::size_t offset;
     std::size_t limit;
+    std::chrono::milliseconds wait{0};  ///< for texts
 };
 
 }  // namespace hmi

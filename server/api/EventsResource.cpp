@@ -53,19 +53,20 @@ void EventsResource::addRoutes(Router& router) {
 }
 
 Response EventsResource::list(const Request& request) {
-    const bool localized = request.target.query.find("locale") != nullptr;
-    const auto found = std::make_shared<const EventSearch::Result>(
-        EventSearch(request.target.query).run(book, extension));
-    const auto item = [found, localized](std::size_t index, json::storage_ptr memory) {
+    const EventSearch search(request.target.query);
+    const auto found = std::make_shared<const EventSearch::Result>(search.run(book, texts));
+    const auto item = [found](std::size_t index, json::storage_ptr memory) {
         const EventSearch::Hit& hit = found->hits[index];
         json::object event = toJson(*hit.event, memory);
-        if (localized && hit.texts.result == ErrorValue::success)
-            addTexts(event, hit.texts);
+        if (hit.texts && hit.texts->result == ErrorValue::success)
+            addTexts(event, *hit.texts);
         return event;
     };
+    std::string head = "{\"total\":" + std::to_string(found->total);
+    if (search.isLocalized())
+        head += ",\"textsPending\":" + std::to_string(found->textsPending);
     const std::size_t count = found->hits.size();
-    return LongList{"{\"total\":" + std::to_string(found->total) + ",\"events\":[", count,
-                    count * sizeof(EventSearch::Hit), item}
+    return LongList{head + ",\"events\":[", count, count * sizeof(EventSearch::Hit), item}
         .response();
 }
 
@@ -74,12 +75,12 @@ Response EventsResource::one(const Request& request) {
     const EventRecordPtr event = find(request);
     json::object body = toJson(*event);
     if (const std::string* const locale = request.target.query.find("locale")) {
-        const auto texts = extension.localize(*event, *locale);
-        if (!texts)
+        const auto localized = extension.localize(*event, *locale);
+        if (!localized)
             return Response::error(503, "the extension localizes nothing");
-        if (texts->result != ErrorValue::success)
-            return localizationError(texts->result);
-        addTexts(body, *texts);
+        if (localized->result != ErrorValue::success)
+            return localizationError(localized->result);
+        addTexts(body, *localized);
     }
     return Response::json(std::move(body));
 }

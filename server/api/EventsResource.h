@@ -6,14 +6,16 @@
 #include "server/extension/ExtensionCalls.h"
 #include "server/http/Router.h"
 #include "server/metrics/Metrics.h"
+#include "server/texts/EventTextService.h"
 
 namespace hmi {
 
 /// /api/events: the list, one event, and its confirmation.
 class EventsResource {
 public:
-    EventsResource(EventBook& book, ExtensionCalls& extension, Metrics& metrics)
-        : book(book), extension(extension), metrics(metrics) {}
+    EventsResource(EventBook& book, ExtensionCalls& extension, EventTextService& texts,
+                   Metrics& metrics)
+        : book(book), extension(extension), texts(texts), metrics(metrics) {}
 
     void addRoutes(Router& router);
 
@@ -25,6 +27,7 @@ private:
 
     EventBook& book;
     ExtensionCalls& extension;
+    EventTextService& texts;
     Metrics& metrics;
 };
 

@@ -77,6 +77,9 @@ Response MetricsResource::read() {
     text.append(metrics.text());
     writeEvents(text);
     writeTargets(text);
+    writeFeed(text);
+    lanes.write(text);
+    texts.write(text);
     Response response;
     response.contentType = "text/plain; version=0.0.4; charset=utf-8";
     response.body = text.text();
@@ -95,6 +98,13 @@ void MetricsResource::writeEvents(PrometheusText& text) const {
         text.sample({{"target", target}, {"state", "active"}}, number(counts.active));
         text.sample({{"target", target}, {"state", "unconfirmed"}}, number(counts.unconfirmed));
     }
+}
+
+void MetricsResource::writeFeed(PrometheusText& text) const {
+    text.family("hmi_feed_lost_total", "counter",
+                "Changes that a listener had no room for, by listener.");
+    for (const ChangeFeed::Listener& listener : feed.all())
+        text.sample({{"listener", listener.name}}, static_cast<double>(listener.lost));
 }
 
 void MetricsResource::writeTargets(PrometheusText& text) {

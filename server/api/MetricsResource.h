@@ -1,18 +1,27 @@
 #pragma once
 
+#include "server/events/ChangeFeed.h"
 #include "server/events/EventBook.h"
 #include "server/extension/ExtensionCalls.h"
 #include "server/http/Router.h"
+#include "server/lanes/WorkerLanes.h"
 #include "server/metrics/Metrics.h"
 #include "server/metrics/PrometheusText.h"
+#include "server/texts/EventTextService.h"
 
 namespace hmi {
 
 /// /metrics: the server's own counters, and what the extension says of each target system.
 class MetricsResource {
 public:
-    MetricsResource(const Metrics& metrics, const EventBook& book, ExtensionCalls& extension)
-        : metrics(metrics), book(book), extension(extension) {}
+    MetricsResource(const Metrics& metrics, const EventBook& book, ExtensionCalls& extension,
+                    const ChangeFeed& feed, const WorkerLanes& lanes, const EventTextService& texts)
+        : metrics(metrics),
+          book(book),
+          extension(extension),
+          feed(feed),
+          lanes(lanes),
+          texts(texts) {}
 
     void addRoutes(Router& router);
 
@@ -20,10 +29,14 @@ private:
     Response read();
     void writeEvents(PrometheusText& text) const;
     void writeTargets(PrometheusText& text);
+    void writeFeed(PrometheusText& text) const;
 
     const Metrics& metrics;
     const EventBook& book;
     ExtensionCalls& extension;
+    const ChangeFeed& feed;
+    const WorkerLanes& lanes;
+    const EventTextService& texts;
 };
 
 }  // namespace hmi

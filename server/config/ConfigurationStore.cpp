@@ -42,6 +42,15 @@ const Finding* firstFault(const std::vector<Finding>& findings, Finding::Weight 
     return found == findings.end() ? nullptr : &*found;
 }
 
+/// False when something above the path is no object.
+bool apply(json::value& document, const ConfigurationPath& path,
+           const std::optional<json::value>& value) {
+    if (value)
+        return path.assign(document, *value);
+    path.erase(document);
+    return true;
+}
+
 /// Throws ConfigurationError when the text would not be read at the next start.
 void expectReadable(const std::string& text) {
     if (text.size() > maxFileSize)
@@ -55,13 +64,16 @@ void expectReadable(const std::string& text) {
 
 }  // namespace
 
-ConfigurationStore::ConfigurationStore(std::filesystem::path from)
-    : file(resolved(from)), fileText(readFile(file)), state(load()) {}
+ConfigurationStore::ConfigurationStore(std::filesystem::path from) : file(resolved(from)) {
+    fileText = readFile(file);
+    state = load(fileText);
+    accepted = state.document;
+}
 
-ConfigurationStore::State ConfigurationStore::load() const {
-    State loaded{parseJsonFile(file, fileText), {}};
+ConfigurationStore::State ConfigurationStore::load(const std::string& text) const {
+    State loaded{parseJsonFile(file, text), {}};
     const std::vector<Finding> findings = checkConfiguration(loaded.document);
-    const JsonLines lines(fileText);
+    const JsonLines lines(text);
     const auto told = [&](const Finding& finding) {
         return file.string() + ": line " + std::to_string(lines.of(finding.field)) + ": " +
                finding.line();
@@ -95,6 +107,81 @@ Value ConfigurationStore::read(const ConfigurationPath& path) const {
     return value;
 }
 
+ConfigurationChange ConfigurationStore::change(const ConfigurationPath& path,
+                                               std::optional<json::value> value,
+                                               const std::function<ResultPair()>& accept) {
+    const auto proposal = propose({path, value});
+    ConfigurationChange done;
+    try {
+        done.answer = accept();
+    } catch (...) {
+        withdraw(proposal);
+        throw;
+    }
+    if (done.answer.succeeded() && !proposal->startsAgain)
+        done.answer = ResultPair(ErrorValue::invalid_configuration, "the entry is not complete");
+    if (!done.answer.succeeded()) {
+        withdraw(proposal);
+        return done;
+    }
+    try {
+        keep(proposal);
+    } catch (const std::system_error& error) {
+        done.notKept = "in force, but not kept in " + file.string() + ": " + error.code().message();
+    } catch (const ConfigurationConflict& error) {
+        done.notKept = std::string("in force, but not kept: ") + error.what();
+    }
+    if (!done.notKept.empty())
+        log(LogLevel::error, "a change of the configuration is " + done.notKept);
+    return done;
+}
+
+ConfigurationStore::Proposals::iterator ConfigurationStore::propose(Proposal proposal) {
+    if (proposal.path.depth() > ConfigurationPath::maxDepth)
+        throw ConfigurationError("the path has more than 32 names");
+    Lock fileLock(fileMutex);
+    expectFileAsKnown();
+    json::value next;
+    {
+        Lock lock(mutex);
+        next = accepted;
+    }
+    if (!apply(next, proposal.path, proposal.value))
+        throw ConfigurationError("a value above it is not an object");
+    const auto least = isEntry(proposal.path) ? Finding::Weight::fault : Finding::Weight::entry;
+    const std::vector<Finding> findings = checkConfiguration(next);
+    if (const Finding* const fault = firstFault(findings, least))
+        throw ConfigurationError(fault->line());
+    proposal.startsAgain = !firstFault(findings, Finding::Weight::entry);
+    const std::string text = prettyJson(next);
+    expectReadable(text);
+    ReplacementFile(file, text);  // there is room for it
+    Lock lock(mutex);
+    const auto added = proposals.insert(proposals.end(), proposal);
+    rebuild();
+    return added;
+}
+
+void ConfigurationStore::withdraw(Proposals::iterator proposal) {
+    Lock lock(mutex);
+    proposals.erase(proposal);
+    rebuild();
+}
+
+void ConfigurationStore::keep(Proposals::iterator proposal) {
+    Lock fileLock(fileMutex);
+    std::string text;
+    {
+        Lock lock(mutex);
+        apply(accepted, proposal->path, proposal->value);
+        proposals.erase(proposal);
+        text = prettyJson(accepted);
+    }
+    expectFileAsKnown();
+    ReplacementFile(file, text).commit();
+    fileText = std::move(text);
+}
+
 void ConfigurationStore::expectFileAsKnown() const {
     std::string now;
     try {
@@ -108,58 +195,12 @@ void ConfigurationStore::expectFileAsKnown() const {
                                     "with that file before it can change it");
 }
 
-ConfigurationStore::State ConfigurationStore::stateAfter(const ConfigurationPath& path,
-                                                         std::optional<json::value> value) const {
-    if (path.depth() > ConfigurationPath::maxDepth)
-        throw ConfigurationError("the path has more than 32 names");
-    State next;
-    {
-        Lock lock(mutex);
-        next.document = state.document;
-    }
-    if (!value)
-        path.erase(next.document);
-    else if (!path.assign(next.document, std::move(*value)))
-        throw ConfigurationError("a value above it is not an object");
-    const auto least = isEntry(path) ? Finding::Weight::fault : Finding::Weight::entry;
-    const std::vector<Finding> findings = checkConfiguration(next.document);
-    if (const Finding* const fault = firstFault(findings, least))
-        throw ConfigurationError(fault->line());
+void ConfigurationStore::rebuild() {
+    State next{accepted, {}};
+    for (const Proposal& proposal : proposals)
+        apply(next.document, proposal.path, proposal.value);
     next.value = configurationValue(next.document);
-    return next;
-}
-
-void ConfigurationStore::swap(State& other) {
-    Lock lock(mutex);
-    std::swap(state, other);
-}
-
-ConfigurationChange ConfigurationStore::change(const ConfigurationPath& path,
-                                               std::optional<json::value> value,
-                                               const std::function<ResultPair()>& accept) {
-    expectFileAsKnown();
-    State next = stateAfter(path, std::move(value));
-    std::string text = prettyJson(next.document);
-    expectReadable(text);
-    const bool startsAgain =
-        !firstFault(checkConfiguration(next.document), Finding::Weight::entry);
-    ReplacementFile replacement(file, text);
-    swap(next);
-    ConfigurationChange done{accept(), {}};
-    if (done.answer.succeeded() && !startsAgain)
-        done.answer = ResultPair(ErrorValue::invalid_configuration, "the entry is not complete");
-    if (!done.answer.succeeded()) {
-        swap(next);
-        return done;
-    }
-    try {
-        replacement.commit();
-        fileText = std::move(text);
-    } catch (const std::system_error& error) {
-        done.notKept = "in force, but not kept in " + file.string() + ": " + error.code().message();
-        log(LogLevel::error, "a change of the configuration is " + done.notKept);
-    }
-    return done;
+    std::swap(state, next);
 }
 
 }  // namespace hmi

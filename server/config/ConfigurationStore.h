@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <list>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -33,8 +34,8 @@ struct ConfigurationChange {
     std::string notKept;          ///< why the file could not be written, though it is in force
 };
 
-/// The extension's configuration and the file that it lives in. Reading is thread-safe; changes
-/// come one at a time.
+/// The extension's configuration and the file that it lives in. Thread-safe; of each entry of
+/// TARGET_SYSTEMS, and of all the rest, one change comes at a time.
 class ConfigurationStore {
 public:
     /// Throws StartError, which names the file and the field.
@@ -59,15 +60,28 @@ private:
         boost::json::value document;
         ZrHmiSrv::Value value;
     };
-    State load() const;
-    void expectFileAsKnown() const;
-    State stateAfter(const ConfigurationPath& path, std::optional<boost::json::value> value) const;
-    void swap(State& other);
+    struct Proposal {
+        const ConfigurationPath& path;
+        const std::optional<boost::json::value>& value;  ///< none: to delete
+        bool startsAgain = false;  ///< whether the server could start with it
+    };
+    using Proposals = std::list<Proposal>;
+
+    State load(const std::string& text) const;
+    Proposals::iterator propose(Proposal proposal);
+    void withdraw(Proposals::iterator proposal);
+    /// Throws ConfigurationConflict or std::system_error when the file stays as it was.
+    void keep(Proposals::iterator proposal);
+    void expectFileAsKnown() const REQUIRES(fileMutex);
+    void rebuild() REQUIRES(mutex);
 
     const std::filesystem::path file;
-    std::string fileText;  ///< what stands in the file; of the changes, of which one runs at a time
-    mutable Mutex mutex;  ///< guards the state; nothing is called under it
-    State state GUARDED_BY(mutex);
+    Mutex fileMutex ACQUIRED_BEFORE(mutex);       ///< one writes the file at a time
+    std::string fileText GUARDED_BY(fileMutex);   ///< what stands there, as far as we know
+    mutable Mutex mutex;                          ///< guards all below; nothing is called under it
+    boost::json::value accepted GUARDED_BY(mutex);  ///< what is in force
+    Proposals proposals GUARDED_BY(mutex);          ///< the extension is being asked about them
+    State state GUARDED_BY(mutex);                  ///< what is accepted, with the proposals
 };
 
 }  // namespace hmi

@@ -66,10 +66,11 @@ std::uint32_t severityOf(const EventContent& content) {
         content.event);
 }
 
-std::size_t hashOfMessage(const EventContent& content, Timestamp received) {
+std::size_t hashOfMessage(const EventContent& content, std::size_t payloadHash,
+                          Timestamp received) {
     if (alarmOf(content))
         return 0;
-    std::size_t hash = hashOf(baseOf(content).payload());
+    std::size_t hash = payloadHash;
     boost::hash_combine(hash, received.nanoseconds());
     return hash;
 }
@@ -92,7 +93,8 @@ EventRecord::EventRecord(EventContent from, std::uint64_t arrival, bool ended)
       unconfirmed(isUnconfirmed(content)),
       severity(severityOf(content)),
       target(targetOf(event().payload())),
-      contentHash(hashOfMessage(content, position.time)) {}
+      payloadHash(hashOf(event().payload())),
+      contentHash(hashOfMessage(content, payloadHash, position.time)) {}
 
 const Event& EventRecord::event() const noexcept {
     return baseOf(content);

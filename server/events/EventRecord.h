@@ -56,7 +56,8 @@ struct EventRecord {
     EventLife life;
     bool unconfirmed;
     std::uint32_t severity;
-    std::string target;  ///< as `targetOf` tells it
+    std::string target;       ///< as `targetOf` tells it
+    std::size_t payloadHash;  ///< equal for equal parameters
     std::size_t
         contentHash;  ///< of a message: equal for messages that are the same to the extension
 };

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <memory>
+
 #include "host/Listeners.h"
 #include "server/events/EventRecord.h"
 
@@ -30,7 +33,12 @@ private:
 struct EventTexts {
     ZrHmiSrv::ErrorValue result = ZrHmiSrv::ErrorValue::success;  ///< no texts unless success
     ZrHmiSrv::Text text;
-    ZrHmiSrv::Value parameters;  ///< the event's own, and those that localization added
+    ZrHmiSrv::Value parameters;  ///< those of `localizedParameters` that there are
 };
+using TextsPtr = std::shared_ptr<const EventTexts>;
+
+/// What localization adds to an event's parameters.
+inline constexpr std::array localizedParameters{"eventClassName", "localizedSourceName",
+                                                "causeRemedy", "details"};
 
 }  // namespace hmi

@@ -50,7 +50,14 @@ std::optional<EventTexts> ExtensionCalls::localize(const EventRecord& event,
     const ZrHmiSrv::Context client(context.domain(), ZrHmiSrv::Session(locale.c_str()));
     const auto answer = guarded(
         [&] { return ResultPair(listener->localize_event(client, locale.c_str(), item, text)); });
-    return EventTexts{answer->result(), text.name(), std::move(item.parameters())};
+    if (!answer->succeeded())
+        return EventTexts{answer->result(), {}, {}};
+    EventTexts texts{answer->result(), text.name(), ZrHmiSrv::Value(ZrHmiSrv::ValueType::map)};
+    for (const char* name : localizedParameters) {
+        if (const ZrHmiSrv::Value* const value = item.parameters().lookup(name))
+            texts.parameters.insert(name, *value);
+    }
+    return texts;
 }
 
 std::optional<ResultPair> ExtensionCalls::handle(ZrHmiSrv::CommandGroup& commands) {

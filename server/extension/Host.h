@@ -3,12 +3,12 @@
 #include <functional>
 
 #include "host/IZrHmiSrvExtHost.h"
-#include "server/metrics/Metrics.h"
 #include "server/config/ConfigurationStore.h"
 #include "server/events/EventBook.h"
 #include "server/events/LogBook.h"
 #include "server/extension/ListenerRegistry.h"
 #include "server/extension/TroubleLog.h"
+#include "server/metrics/Metrics.h"
 
 namespace hmi {
 

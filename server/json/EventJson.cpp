@@ -51,7 +51,7 @@ json::object toJson(const EventRecord& event, json::storage_ptr storage) {
 
 void addTexts(json::object& event, const EventTexts& texts) {
     event.emplace("text", toJson(texts.text.view(), event.storage()));
-    for (const char* name : {"eventClassName", "localizedSourceName", "causeRemedy", "details"}) {
+    for (const char* name : localizedParameters) {
         if (const ZrHmiSrv::Value* const value = texts.parameters.lookup(name))
             event.emplace(name, toJson(*value, event.storage()));
     }

@@ -52,8 +52,8 @@ HRESULT Alarm::get_ConfirmationState(ULONG* state) {
 
 HRESULT Alarm::Confirm() {
     return catchToResult([&]() -> HRESULT {
-        if (const HRESULT hr = border->enter(Operation::Confirm); FAILED(hr))
-            return hr;
+        if (const auto answer = border->enter(Operation::Confirm))
+            return *answer;
         const auto owner = runtime.lock();
         return owner ? owner->confirm(*this) : portNotOpen;
     });
@@ -64,7 +64,7 @@ HRESULT Alarm::get_TimeConfirmed(FILETIME* time) {
 }
 
 HRESULT Alarm::get_InstanceId(ULONG* id) {
-    return readPlain(id, [&] { return record().instanceId; });
+    return read(Operation::InstanceId, id, [&] { return record().instanceId; });
 }
 
 }  // namespace ZrSimulator

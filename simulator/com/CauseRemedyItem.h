@@ -18,13 +18,13 @@ public:
           remedy(entry.remedy.inLanguage(lcid)) {}
 
     HRESULT STDMETHODCALLTYPE get_Id(BSTR* text) override {
-        return readPlain(text, [&] { return newBstr(id); });
+        return read(Operation::GetText, text, [&] { return newBstr(id); });
     }
     HRESULT STDMETHODCALLTYPE get_Cause(BSTR* text) override {
-        return readPlain(text, [&] { return newBstr(cause); });
+        return read(Operation::GetText, text, [&] { return newBstr(cause); });
     }
     HRESULT STDMETHODCALLTYPE get_Remedy(BSTR* text) override {
-        return readPlain(text, [&] { return newBstr(remedy); });
+        return read(Operation::GetText, text, [&] { return newBstr(remedy); });
     }
 
 private:

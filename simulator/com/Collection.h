@@ -19,13 +19,14 @@ public:
             if (!item)
                 return E_POINTER;
             *item = nullptr;
-            if (const HRESULT hr = this->border->enter(Operation::GetItem); FAILED(hr))
-                return hr;
+            if (const auto answer = this->border->enter(Operation::GetItem))
+                return *answer;
             return index < objects.size() ? handOut(objects[index], item) : DISP_E_BADINDEX;
         });
     }
     HRESULT STDMETHODCALLTYPE get_Count(ULONG* count) override {
-        return readPlain(count, [&] { return static_cast<ULONG>(objects.size()); });
+        return this->read(Operation::GetCount, count,
+                          [&] { return static_cast<ULONG>(objects.size()); });
     }
 
 private:

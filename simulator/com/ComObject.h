@@ -1,8 +1,9 @@
 #pragma once
 
-#include <concepts>
+#include <optional>
 
 #include "simulator/com/RefCounted.h"
+#include "simulator/runtime/Operation.h"
 
 namespace ZrSimulator {
 
@@ -14,6 +15,12 @@ public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) final {
         if (!object)
             return E_POINTER;
+        *object = nullptr;
+        const auto answer = enter(Operation::QueryInterface);
+        return answer ? *answer : provide(iid, object);
+    }
+    /// The same for the library itself, which nothing hinders.
+    HRESULT provide(REFIID iid, void** object) {
         *object = find(iid);
         if (!*object)
             return E_NOINTERFACE;
@@ -47,6 +54,8 @@ public:
 protected:
     ~ComObject() override = default;
 
+    /// A call of a client begins here; see FaultPlan.
+    virtual std::optional<HRESULT> enter(Operation operation) = 0;
     /// A client takes or gives back a reference.
     virtual void countReference(int change) noexcept = 0;
     /// False for an optional interface that this very object does not have.

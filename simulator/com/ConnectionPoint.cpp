@@ -46,8 +46,8 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
         if (!sink || !cookie)
             return E_POINTER;
         *cookie = 0;
-        if (const HRESULT hr = logger.link().enter(Operation::Advise); FAILED(hr))
-            return hr;
+        if (const auto answer = logger.link().enter(Operation::Advise))
+            return *answer;
         void* events = nullptr;
         if (FAILED(sink->QueryInterface(ZrEventLoggerFnxProxyLib::IID__IZrEventLoggerEvents,
                                         &events)) ||
@@ -63,6 +63,8 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
 
 HRESULT ConnectionPoint::Unadvise(DWORD cookie) {
     return catchToResult([&]() -> HRESULT {
+        if (const auto answer = logger.link().enter(Operation::Unadvise))
+            return *answer;
         if (!logger.link().sinkList().remove(cookie))
             return CONNECT_E_NOCONNECTION;
         logger.link().countAdvised(-1);

@@ -19,8 +19,12 @@ public:
         return readPlain(choice, [&] { return preload.load(); });
     }
     HRESULT STDMETHODCALLTYPE put_PreloadTranslations(VARIANT_BOOL choice) override {
-        preload = choice;
-        return S_OK;
+        return catchToResult([&]() -> HRESULT {
+            if (const auto answer = border->enter(Operation::SetPreload))
+                return *answer;
+            preload = choice;
+            return S_OK;
+        });
     }
 
 private:

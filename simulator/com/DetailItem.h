@@ -18,13 +18,13 @@ public:
           comment(entry.comment.inLanguage(lcid)) {}
 
     HRESULT STDMETHODCALLTYPE get_Key(BSTR* result) override {
-        return readPlain(result, [&] { return newBstr(key); });
+        return read(Operation::GetText, result, [&] { return newBstr(key); });
     }
     HRESULT STDMETHODCALLTYPE get_Text(BSTR* result) override {
-        return readPlain(result, [&] { return newBstr(text); });
+        return read(Operation::GetText, result, [&] { return newBstr(text); });
     }
     HRESULT STDMETHODCALLTYPE get_Comment(BSTR* result) override {
-        return readPlain(result, [&] { return newBstr(comment); });
+        return read(Operation::GetText, result, [&] { return newBstr(comment); });
     }
 
 private:

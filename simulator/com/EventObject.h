@@ -65,8 +65,8 @@ public:
         return catchToResult([&]() -> HRESULT {
             if (!buffer)
                 return E_POINTER;
-            if (const HRESULT hr = this->border->enter(Operation::Arguments); FAILED(hr))
-                return hr;
+            if (const auto answer = this->border->enter(Operation::Arguments))
+                return *answer;
             const auto content = record().content;
             const auto& [types, data] = content->block;
             if (size < types.size() + data.size())
@@ -84,6 +84,8 @@ protected:
     virtual EventRecord record() const = 0;
 
     bool offers(REFIID iid) const final {
+        if (iid == InterfaceId<ZrEventLoggerFnxProxyLib::IZrEventInstance>::value())
+            return record().instanceId != 0;
         return iid != InterfaceId<ZrEventLoggerFnxProxyLib::IZrJsonAttribute>::value() ||
                record().content->json.has_value();
     }
@@ -97,8 +99,8 @@ protected:
             if (!argument)
                 return E_POINTER;
             VariantInit(argument);
-            if (const HRESULT hr = this->border->enter(Operation::Arguments); FAILED(hr))
-                return hr;
+            if (const auto answer = this->border->enter(Operation::Arguments))
+                return *answer;
             const auto content = record().content;
             if (index >= content->arguments.size())
                 return DISP_E_BADINDEX;

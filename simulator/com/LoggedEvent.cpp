@@ -8,14 +8,14 @@ LoggedEvent::LoggedEvent(std::shared_ptr<Border> border, EventRecord record)
     : EventObject(std::move(border)), entry(std::move(record)) {}
 
 HRESULT LoggedEvent::get_EventType(LoggedEventType* type) {
-    return readPlain(type, [&] {
+    return read(Operation::EventType, type, [&] {
         return entry.content->kind == EventKind::alarm ? LoggedEventType::alarm
                                                        : LoggedEventType::message;
     });
 }
 
 HRESULT LoggedEvent::get_RequiresConfirmation(VARIANT_BOOL* requiresIt) {
-    return readPlain(requiresIt,
+    return read(Operation::RequiresConfirmation, requiresIt,
                      [&] { return toVariantBool(entry.content->requiresConfirmation); });
 }
 
@@ -28,11 +28,11 @@ HRESULT LoggedEvent::get_TimeConfirmed(FILETIME* time) {
 }
 
 HRESULT LoggedEvent::get_IsActive(VARIANT_BOOL* active) {
-    return readPlain(active, [&] { return toVariantBool(entry.live); });
+    return read(Operation::IsActive, active, [&] { return toVariantBool(entry.live); });
 }
 
 HRESULT LoggedEvent::get_InstanceId(ULONG* id) {
-    return readPlain(id, [&] { return entry.instanceId; });
+    return read(Operation::InstanceId, id, [&] { return entry.instanceId; });
 }
 
 }  // namespace ZrSimulator

@@ -74,11 +74,11 @@ HRESULT Logger::connect(Operation operation, BSTR netId, bool preloadTranslation
 }
 
 HRESULT Logger::Disconnect() {
-    return catchToResult([&] {
-        const HRESULT hr = loggerLink.enter(Operation::Disconnect);
-        if (SUCCEEDED(hr))
-            loggerLink.disconnect();
-        return hr;
+    return catchToResult([&]() -> HRESULT {
+        if (const auto answer = loggerLink.enter(Operation::Disconnect))
+            return *answer;
+        loggerLink.disconnect();
+        return S_OK;
     });
 }
 
@@ -86,10 +86,11 @@ HRESULT Logger::get_IsConnected(VARIANT_BOOL* connected) {
     return catchToResult([&]() -> HRESULT {
         if (!connected)
             return E_POINTER;
-        const HRESULT hr = loggerLink.enter(Operation::IsConnected);
-        if (SUCCEEDED(hr))
-            *connected = toVariantBool(loggerLink.runtime() != nullptr);
-        return hr;
+        *connected = VARIANT_FALSE;
+        if (const auto answer = loggerLink.enter(Operation::IsConnected))
+            return *answer;
+        *connected = toVariantBool(loggerLink.runtime() != nullptr);
+        return S_OK;
     });
 }
 
@@ -99,8 +100,8 @@ HRESULT Logger::query(Operation operation, Result** result, Ask ask) {
         if (!result)
             return E_POINTER;
         *result = nullptr;
-        if (const HRESULT hr = loggerLink.enter(operation); FAILED(hr))
-            return hr;
+        if (const auto answer = loggerLink.enter(operation))
+            return *answer;
         const auto runtime = loggerLink.runtime();
         return runtime ? ask(*runtime) : portNotOpen;
     });
@@ -114,8 +115,8 @@ HRESULT Logger::GetActiveAlarms(IZrAlarmCollection** alarms) {
 
 HRESULT Logger::ClearLoggedEvents() {
     return catchToResult([&]() -> HRESULT {
-        if (const HRESULT hr = loggerLink.enter(Operation::ClearLoggedEvents); FAILED(hr))
-            return hr;
+        if (const auto answer = loggerLink.enter(Operation::ClearLoggedEvents))
+            return *answer;
         const auto runtime = loggerLink.runtime();
         if (!runtime)
             return portNotOpen;
@@ -187,11 +188,11 @@ HRESULT Logger::get_Timeout(ULONG* milliseconds) {
 }
 
 HRESULT Logger::put_Timeout(ULONG milliseconds) {
-    return catchToResult([&] {
-        const HRESULT hr = loggerLink.enter(Operation::SetTimeout);
-        if (SUCCEEDED(hr))
-            loggerLink.setTimeout(milliseconds);
-        return hr;
+    return catchToResult([&]() -> HRESULT {
+        if (const auto answer = loggerLink.enter(Operation::SetTimeout))
+            return *answer;
+        loggerLink.setTimeout(milliseconds);
+        return S_OK;
     });
 }
 
@@ -203,6 +204,8 @@ HRESULT Logger::FindConnectionPoint(REFIID iid, IConnectionPoint** point) {
     if (!point)
         return E_POINTER;
     *point = nullptr;
+    if (const auto answer = loggerLink.enter(Operation::FindConnectionPoint))
+        return *answer;
     if (iid != IID__IZrEventLoggerEvents)
         return CONNECT_E_NOCONNECTION;
     *point = &notifications;

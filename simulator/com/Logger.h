@@ -54,6 +54,9 @@ private:
     template <class Result, class Ask>
     HRESULT query(Operation operation, Result** result, Ask ask);
     void countReference(int change) noexcept override { loggerLink.countReference(change); }
+    std::optional<HRESULT> enter(Operation operation) override {
+        return loggerLink.enter(operation);
+    }
 
     LoggerLink loggerLink;
     ConnectionPoint notifications;

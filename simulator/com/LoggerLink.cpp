@@ -6,26 +6,21 @@ namespace ZrSimulator {
 
 LoggerLink::LoggerLink(Simulator& simulator) : simulator(simulator), border(simulator.unbound()) {}
 
-HRESULT LoggerLink::enter(Operation operation) {
+std::optional<HRESULT> LoggerLink::enter(Operation operation) {
     std::shared_ptr<Border> entered;
     {
         Lock lock(mutex);
         entered = border;
     }
-    if (entered != simulator.unbound())
-        return entered->enter(operation);
-    // Without a connection there is none to ask about, and no runtime that could hang in it.
-    const bool ofConnection =
-        operation == Operation::IsConnected || operation == Operation::Disconnect;
-    return ofConnection ? S_OK : simulator.enterUnbound(operation);
+    return entered->enter(operation);
 }
 
 HRESULT LoggerLink::connect(Operation operation, const FnxNetId& netId, bool preloadTranslations) {
     const auto target = address(netId);
     if (!target)
         return targetNotFound;
-    if (const HRESULT hr = target->clientBorder()->enter(operation); FAILED(hr))
-        return hr;
+    if (const auto answer = target->clientBorder()->enter(operation))
+        return *answer;
     Lock lock(mutex);
     if (addressed != target)
         return portNotOpen;

@@ -15,7 +15,7 @@ public:
     ~LoggerLink() { disconnect(); }
 
     /// Every call of the logger, but for `connect`, begins here; see Border.
-    HRESULT enter(Operation operation);
+    std::optional<HRESULT> enter(Operation operation);
     /// Addresses the runtime and lets the call in.
     HRESULT connect(Operation operation, const FnxNetId& netId, bool preloadTranslations);
     void disconnect();

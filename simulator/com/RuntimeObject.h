@@ -18,18 +18,20 @@ protected:
 
     /// A call that reads one value: `get` is run when the border lets the call in.
     template <class Value, class Get>
-    HRESULT read(Operation operation, Value* value, Get get) noexcept {
+    HRESULT read(Operation operation, Value* value, Get get) {
         return catchToResult([&]() -> HRESULT {
             if (!value)
                 return E_POINTER;
-            if (const HRESULT hr = border->enter(operation); FAILED(hr))
-                return hr;
+            *value = Value{};
+            if (const auto answer = border->enter(operation))
+                return *answer;
             *value = get();
             return S_OK;
         });
     }
 
     void countReference(int change) noexcept final { border->references += change; }
+    std::optional<HRESULT> enter(Operation operation) final { return border->enter(operation); }
 
     const std::shared_ptr<Border> border;
 };

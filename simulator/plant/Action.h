@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bitset>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -50,13 +51,26 @@ struct RefuseAction {
 };
 struct AcceptAction {};
 
-/// The calls that a fault is for; nothing stands for all of them.
-using AffectedCalls = std::optional<Operation>;
+/// The calls that a fault is for.
+using AffectedCalls = std::bitset<operationCount>;
+
+/// What becomes of a call that fails.
+enum class Failure {
+    none,            ///< it goes on
+    result,          ///< it answers a failing HRESULT and does nothing
+    answersNothing,  ///< it answers success, but neither does it anything nor hands it out anything
+    exception,       ///< it throws a std::exception
+    foreignException,
+};
+
+struct ActionList;
 
 /// Lets calls fail: first `skip` good ones, then `times` failing ones.
 struct FailAction {
     AffectedCalls calls;
-    HRESULT hresult;
+    Failure failure;
+    HRESULT hresult;  ///< of a failing result
+    std::shared_ptr<const ActionList> meanwhile;  ///< carried out when the call comes; may be null
     std::uint32_t skip;
     std::uint32_t times;
 };
@@ -76,6 +90,10 @@ using Action =
     std::variant<RaiseAction, ClearAction, ConfirmAction, MessageAction, DatabaseChangedAction,
                  ClearLoggedEventsAction, DropAction, RefuseAction, AcceptAction, FailAction,
                  DelayAction, PauseAction, ResumeAction, HoldAction, ReleaseAction>;
+
+struct ActionList {
+    std::vector<Action> actions;
+};
 
 struct TimelineStep {
     std::chrono::milliseconds after;  ///< the step before, or the start

@@ -26,12 +26,35 @@ std::string readAlarmName(const JsonField& field) {
     return name;
 }
 
-AffectedCalls readCalls(const JsonField& field) {
-    const std::string name = field["call"].text();
+AffectedCalls readCall(const JsonField& field) {
+    const std::string name = field.text();
+    if (name == "*")
+        return AffectedCalls().set().reset(static_cast<std::size_t>(Operation::Notification));
     const auto operation = parseOperation(name);
-    if (!operation && name != "*")
-        field["call"].fail("not an operation");
-    return operation;
+    if (!operation)
+        field.fail("not an operation");
+    return AffectedCalls().set(static_cast<std::size_t>(*operation));
+}
+
+/// One name or an array of them.
+AffectedCalls readCalls(const JsonField& field) {
+    const JsonField calls = field["call"];
+    if (!calls.isArray())
+        return readCall(calls);
+    AffectedCalls all;
+    calls.forEachElement([&](const JsonField& element) { all |= readCall(element); });
+    return all;
+}
+
+Failure readFailureKind(const JsonField& field) {
+    const std::string name = field.text();
+    if (name == "answersNothing")
+        return Failure::answersNothing;
+    if (name == "exception")
+        return Failure::exception;
+    if (name == "foreignException")
+        return Failure::foreignException;
+    field.fail("not a kind of failure");
 }
 
 EventSeries readSeries(const JsonField& field, const EventCatalog& catalog, EventKind kind) {
@@ -87,14 +110,38 @@ Action readRefuse(const JsonField& field, const EventCatalog&) {
     return action;
 }
 
-Action readFail(const JsonField& field, const EventCatalog&) {
-    field.allowOnly({"do", "after", "call", "hresult", "skip", "times"});
+/// A result or a kind of failure, and what happens meanwhile: one of them at least.
+void readWhatFails(const JsonField& field, const EventCatalog& catalog, FailAction& action) {
+    const auto kind = field.find("kind");
+    const auto meanwhile = field.find("meanwhile");
+    if (meanwhile)
+        action.meanwhile =
+            std::make_shared<const ActionList>(ActionList{readActions(*meanwhile, catalog)});
+    if (kind) {
+        action.failure = readFailureKind(*kind);
+        if (field.find("hresult"))
+            kind->fail("beside an hresult");
+        if (action.failure != Failure::answersNothing &&
+            action.calls.test(static_cast<std::size_t>(Operation::Notification)))
+            kind->fail("a notification throws nothing");
+    } else if (!meanwhile || field.find("hresult")) {
+        action.failure = Failure::result;
+        action.hresult = readFailure(field["hresult"]);
+    }
+}
+
+Action readFail(const JsonField& field, const EventCatalog& catalog) {
+    field.allowOnly({"do", "after", "call", "hresult", "kind", "meanwhile", "skip", "times"});
     constexpr auto max = std::numeric_limits<std::uint32_t>::max();
     const auto skip = field.find("skip");
     const auto times = field.find("times");
-    return FailAction{readCalls(field), readFailure(field["hresult"]),
-                      skip ? static_cast<std::uint32_t>(skip->integer(0, max)) : 0,
-                      times ? static_cast<std::uint32_t>(times->integer(1, max)) : 1};
+    FailAction action{readCalls(field), Failure::none, S_OK, nullptr, 0, 1};
+    if (skip)
+        action.skip = static_cast<std::uint32_t>(skip->integer(0, max));
+    if (times)
+        action.times = static_cast<std::uint32_t>(times->integer(1, max));
+    readWhatFails(field, catalog, action);
+    return action;
 }
 
 Action readDelay(const JsonField& field, const EventCatalog&) {

@@ -33,7 +33,7 @@ struct EventContent {
 /// An event as it is at one moment. Copies share the content.
 struct EventRecord {
     std::shared_ptr<const EventContent> content;
-    ULONG instanceId = 0;
+    ULONG instanceId = 0;  ///< 0: none
     FileTime raised = 0;
     FileTime cleared = 0;
     FileTime confirmed = 0;

@@ -17,6 +17,7 @@ struct RuntimeDefinition {
     std::vector<EventRecord> logged;
     std::vector<TimelineStep> timeline;
     bool repeat = false;
+    bool instanceIds = true;  ///< whether its events have instance ids
 };
 
 struct Plant {

@@ -117,7 +117,7 @@ void checkRepeat(const JsonField& field, const RuntimeDefinition& runtime) {
 }
 
 RuntimeDefinition readRuntime(const JsonField& field) {
-    field.allowOnly({"eventClasses", "sources", "logged", "timeline", "repeat"});
+    field.allowOnly({"eventClasses", "sources", "logged", "timeline", "repeat", "instanceIds"});
     RuntimeDefinition runtime;
     runtime.catalog = readCatalog(field);
     runtime.logged = readList<EventRecord>(field, "logged", [&](const JsonField& logged) {
@@ -129,6 +129,8 @@ RuntimeDefinition readRuntime(const JsonField& field) {
     if (const auto repeat = field.find("repeat"))
         runtime.repeat = repeat->flag();
     checkRepeat(field, runtime);
+    if (const auto instanceIds = field.find("instanceIds"))
+        runtime.instanceIds = instanceIds->flag();
     return runtime;
 }
 

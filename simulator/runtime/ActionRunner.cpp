@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "simulator/runtime/Runtime.h"
 #include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrSimulator {
@@ -81,7 +82,13 @@ void ActionRunner::operator()(const AcceptAction&) {
 }
 
 void ActionRunner::operator()(const FailAction& action) {
-    origin.border->faults.add(action);
+    std::function<void()> meanwhile;
+    if (action.meanwhile)
+        meanwhile = [runtime = origin.runtime, list = action.meanwhile] {
+            if (const auto owner = runtime.lock())
+                owner->applyAndSettle(list->actions);
+        };
+    origin.border->faults.add(action, std::move(meanwhile));
 }
 
 void ActionRunner::operator()(const DelayAction& action) {

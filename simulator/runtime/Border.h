@@ -10,8 +10,9 @@ namespace ZrSimulator {
 /// Between a runtime and the library's clients: their calls are counted and hindered here, and
 /// the references that they hold are added up. Objects share it, so that it outlives the runtime.
 struct Border {
+    virtual ~Border() = default;
     /// Every call begins here; see FaultPlan.
-    HRESULT enter(Operation operation) {
+    virtual std::optional<HRESULT> enter(Operation operation) {
         calls.count(operation);
         return faults.enter(operation);
     }

@@ -5,9 +5,10 @@
 
 namespace ZrSimulator {
 
-EventLedger::EventLedger(std::vector<EventRecord> logged) {
+EventLedger::EventLedger(std::vector<EventRecord> logged, bool instanceIds)
+    : instanceIds(instanceIds) {
     for (auto& record : logged) {
-        record.instanceId = ++lastInstanceId;
+        record.instanceId = nextInstanceId();
         log.add(std::move(record));
     }
 }
@@ -30,7 +31,7 @@ Ref<Alarm> EventLedger::raise(const std::string& name, std::shared_ptr<const Eve
         entry.alarm->update(record);
         log.erase(entry.logged);
     } else {
-        record.instanceId = ++lastInstanceId;
+        record.instanceId = nextInstanceId();
         entry.alarm = new Alarm(origin.border, origin.runtime, name, record);
     }
     entry.logged = log.add(std::move(record));
@@ -62,7 +63,7 @@ std::optional<EventLedger::Change> EventLedger::confirm(const std::string& name,
 EventRecord EventLedger::addMessage(std::shared_ptr<const EventContent> content, FileTime time) {
     EventRecord record;
     record.content = std::move(content);
-    record.instanceId = ++lastInstanceId;
+    record.instanceId = nextInstanceId();
     record.raised = time;
     log.add(record);
     return record;

@@ -25,7 +25,7 @@ public:
         bool removed;  ///< it does not live any more
     };
 
-    explicit EventLedger(std::vector<EventRecord> logged);
+    EventLedger(std::vector<EventRecord> logged, bool instanceIds);
 
     /// The first of `count` times, each 100 ns after the other and none of them given out before:
     /// what happens later gets a later time.
@@ -57,6 +57,9 @@ private:
     Change update(Entry& entry, EventRecord record);
 
     std::map<std::string, Entry> alarms;
+    ULONG nextInstanceId() { return instanceIds ? ++lastInstanceId : 0; }
+
+    const bool instanceIds;  ///< otherwise all are 0, which is none
     ULONG lastInstanceId = 0;
     FileTime lastTime = 0;
 };

@@ -1,6 +1,7 @@
 #include "simulator/runtime/FaultPlan.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "simulator/runtime/ProtocolError.h"
 
@@ -8,55 +9,83 @@ namespace ZrSimulator {
 
 namespace {
 
-bool affects(const AffectedCalls& calls, Operation operation) {
-    return !calls || *calls == operation;
-}
-
 std::size_t indexOf(Operation operation) {
     return static_cast<std::size_t>(operation);
 }
 
 template <class Values, class Value>
 void assign(Values& values, const AffectedCalls& calls, const Value& value) {
-    if (calls)
-        values[indexOf(*calls)] = value;
-    else
-        values.fill(value);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        if (calls.test(i))
+            values[i] = value;
+}
+
+std::optional<HRESULT> outcome(const FailAction& action) {
+    switch (action.failure) {
+        case Failure::none:
+            break;
+        case Failure::result:
+            return action.hresult;
+        case Failure::answersNothing:
+            return S_OK;
+        case Failure::exception:
+            throw PlannedException("the library failed");
+        case Failure::foreignException:
+            throw PlannedForeignException();
+    }
+    return std::nullopt;
 }
 
 }  // namespace
 
-HRESULT FaultPlan::enter(Operation operation) {
-    return armed ? enterWithFaults(operation) : S_OK;
+std::optional<HRESULT> FaultPlan::enter(Operation operation) {
+    return armed ? enterWithFaults(operation) : std::nullopt;
 }
 
-HRESULT FaultPlan::enterWithFaults(Operation operation) {
-    Lock lock(mutex);
-    if (closed)
-        return S_OK;
-    const auto deadline = Clock::now() + timeout;
-    const HRESULT planned = takeFault(operation);
-    HRESULT hr = waitWhilePaused(lock, operation, deadline);
-    if (SUCCEEDED(hr))
-        hr = waitFor(lock, Clock::now() + delays[indexOf(operation)], deadline);
-    return FAILED(hr) ? hr : planned;
+std::optional<HRESULT> FaultPlan::enterWithFaults(Operation operation) {
+    std::optional<Fault> fault;
+    Clock::time_point deadline;
+    {
+        Lock lock(mutex);
+        if (closed)
+            return std::nullopt;
+        deadline = Clock::now() + timeout;
+        fault = takeFault(operation);
+    }
+    if (fault && fault->meanwhile)
+        fault->meanwhile();
+    if (const HRESULT hr = wait(operation, deadline); FAILED(hr))
+        return hr;
+    return fault ? outcome(fault->action) : std::nullopt;
 }
 
-HRESULT FaultPlan::takeFault(Operation operation) {
-    const auto due = std::find_if(faults.begin(), faults.end(), [&](const FailAction& fault) {
-        return affects(fault.calls, operation) && fault.skip == 0;
+std::optional<FaultPlan::Fault> FaultPlan::takeFault(Operation operation) {
+    const auto affects = [operation](const Fault& fault) {
+        return fault.action.calls.test(indexOf(operation));
+    };
+    const auto due = std::find_if(faults.begin(), faults.end(), [&](const Fault& fault) {
+        return affects(fault) && fault.action.skip == 0;
     });
     if (due == faults.end()) {
         for (auto& fault : faults)
-            fault.skip -= affects(fault.calls, operation) ? 1u : 0u;
-        return S_OK;
+            fault.action.skip -= affects(fault) ? 1u : 0u;
+        return std::nullopt;
     }
-    const HRESULT hr = due->hresult;
-    if (--due->times == 0) {
+    struck.count(operation);
+    Fault taken = *due;
+    if (--due->action.times == 0) {
         faults.erase(due);
         updateArmed();
     }
-    return hr;
+    return taken;
+}
+
+HRESULT FaultPlan::wait(Operation operation, Clock::time_point deadline) {
+    if (!reachesRuntime(operation))
+        return S_OK;
+    Lock lock(mutex);
+    const HRESULT hr = waitWhilePaused(lock, operation, deadline);
+    return FAILED(hr) ? hr : waitFor(lock, Clock::now() + delays[indexOf(operation)], deadline);
 }
 
 HRESULT FaultPlan::waitWhilePaused(Lock<Mutex>& lock, Operation operation,
@@ -83,9 +112,9 @@ void FaultPlan::setTimeout(std::chrono::milliseconds time) {
     timeout = time;
 }
 
-void FaultPlan::add(const FailAction& fault) {
+void FaultPlan::add(const FailAction& fault, std::function<void()> meanwhile) {
     Lock lock(mutex);
-    faults.push_back(fault);
+    faults.push_back({fault, std::move(meanwhile)});
     updateArmed();
 }
 
@@ -95,7 +124,7 @@ void FaultPlan::delay(const DelayAction& delay) {
     updateArmed();
 }
 
-void FaultPlan::pause(AffectedCalls calls) {
+void FaultPlan::pause(const AffectedCalls& calls) {
     Lock lock(mutex);
     assign(paused, calls, true);
     updateArmed();

@@ -4,39 +4,60 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
+#include <optional>
+#include <stdexcept>
 #include <vector>
 
 #include "platform/Mutex.h"
 #include "simulator/plant/Action.h"
+#include "simulator/runtime/CallCounters.h"
 
 namespace ZrSimulator {
+
+/// Marks the exceptions that are meant for the client.
+struct PlannedThrow {};
+struct PlannedException : std::runtime_error, PlannedThrow {
+    using std::runtime_error::runtime_error;
+};
+struct PlannedForeignException : PlannedThrow {};
 
 /// What is to go wrong with the calls of one runtime: which fail, are slowed down or are held.
 /// Any thread; no lock is held while a call waits.
 class FaultPlan {
 public:
-    /// Every call begins here. A failure is the call's answer: it does nothing more. A call that
+    /// Every call begins here. An answer is the call's own: it does nothing more. A call that
     /// has to wait for longer than the time-out ends with that error, and one that waits when
-    /// the plan is closed as if it were not connected.
-    HRESULT enter(Operation operation);
+    /// the plan is closed as if it were not connected. Throws what is planned to be thrown.
+    std::optional<HRESULT> enter(Operation operation);
 
     void setTimeout(std::chrono::milliseconds time);
 
-    void add(const FailAction& fault);
+    /// `meanwhile` may be empty; called with no lock held.
+    void add(const FailAction& fault, std::function<void()> meanwhile);
     void delay(const DelayAction& delay);
-    void pause(AffectedCalls calls);
+    void pause(const AffectedCalls& calls);
     /// Lets go of all calls that are held and holds no further ones.
     void resume();
     /// Ends all waiting; from now on nothing goes wrong.
     void close();
+
+    /// The calls that met a planned failure.
+    CallCounters struck;
 
 private:
     using Clock = std::chrono::steady_clock;
     template <class T>
     using PerOperation = std::array<T, operationCount>;
 
-    HRESULT enterWithFaults(Operation operation);
-    HRESULT takeFault(Operation operation) REQUIRES(mutex);
+    struct Fault {
+        FailAction action;
+        std::function<void()> meanwhile;
+    };
+
+    std::optional<HRESULT> enterWithFaults(Operation operation);
+    std::optional<Fault> takeFault(Operation operation) REQUIRES(mutex);
+    HRESULT wait(Operation operation, Clock::time_point deadline) EXCLUDES(mutex);
     HRESULT waitWhilePaused(Lock<Mutex>& lock, Operation operation, Clock::time_point deadline)
         REQUIRES(mutex);
     HRESULT waitFor(Lock<Mutex>& lock, Clock::time_point end, Clock::time_point deadline)
@@ -48,7 +69,7 @@ private:
 
     Mutex mutex;
     std::condition_variable_any changed;
-    std::vector<FailAction> faults GUARDED_BY(mutex);
+    std::vector<Fault> faults GUARDED_BY(mutex);
     PerOperation<std::chrono::milliseconds> delays GUARDED_BY(mutex){};
     PerOperation<bool> paused GUARDED_BY(mutex){};
     /// Counts resumes, so that a call that is paused again at once is let go all the same.

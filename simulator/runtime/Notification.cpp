@@ -76,11 +76,18 @@ Notification Notification::databaseChanged(LONG reason) {
     return notification;
 }
 
+Notification Notification::withoutEvent() const {
+    Notification lacking = *this;
+    if (lacking.eventInterface)
+        lacking.eventInterface = nullptr;
+    return lacking;
+}
+
 void Notification::deliverTo(IDispatch& sink) const {
     std::vector<VARIANT> reversed;  // the last argument comes first
     if (removed)
         reversed.push_back(variantOf(*removed));
-    reversed.push_back(eventInterface ? variantOf(eventInterface) : variantOf(reason));
+    reversed.push_back(eventInterface ? variantOf(*eventInterface) : variantOf(reason));
     DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
     sink.Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
 }

@@ -17,6 +17,8 @@ public:
     static Notification databaseChanged(LONG reason);
 
     void deliverTo(IDispatch& sink) const;
+    /// The same with null in the event's place.
+    Notification withoutEvent() const;
 
 private:
     explicit Notification(DISPID id) : id(id) {}
@@ -25,7 +27,7 @@ private:
 
     DISPID id;
     Ref<RefCounted> event;
-    IDispatch* eventInterface = nullptr;  ///< of `event`
+    std::optional<IDispatch*> eventInterface;  ///< of `event`
     std::optional<bool> removed;
     LONG reason = 0;
 };

@@ -1,11 +1,14 @@
 #include "simulator/runtime/Notifier.h"
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
 namespace ZrSimulator {
 
-Notifier::Notifier() : thread([this] { run(); }) {}
+Notifier::Notifier(std::shared_ptr<Border> border)
+    : border(std::move(border)), thread([this] { run(); }) {}
 
 Notifier::~Notifier() {
     stop();
@@ -21,16 +24,29 @@ bool Notifier::open(std::shared_ptr<Connection> connection) {
 }
 
 void Notifier::close(Connection& connection) {
-    Lock lock(mutex);
-    connection.open = false;
-    std::erase_if(opened, [&](const auto& candidate) { return candidate.get() == &connection; });
+    std::deque<Delivery> released;  // after the lock
+    {
+        Lock lock(mutex);
+        erase(connection, released);
+        std::erase_if(opened,
+                      [&](const auto& candidate) { return candidate.get() == &connection; });
+    }
+    changed.notify_all();
 }
 
 void Notifier::closeAll() {
-    Lock lock(mutex);
-    for (const auto& connection : opened)
-        connection->open = false;
-    opened.clear();
+    for (const auto& connection : connections())
+        close(*connection);
+}
+
+void Notifier::erase(Connection& connection, std::deque<Delivery>& released) {
+    connection.open = false;
+    const auto gone = std::stable_partition(
+        queue.begin(), queue.end(), [&](const Delivery& delivery) {
+            return delivery.connection.get() != &connection;
+        });
+    released.assign(std::make_move_iterator(gone), std::make_move_iterator(queue.end()));
+    queue.erase(gone, queue.end());
 }
 
 std::vector<std::shared_ptr<Connection>> Notifier::connections() {
@@ -39,12 +55,16 @@ std::vector<std::shared_ptr<Connection>> Notifier::connections() {
 }
 
 void Notifier::post(const Notification& notification) {
+    bool full = false;
     {
         Lock lock(mutex);
         for (const auto& connection : opened)
             queue.push_back({connection, notification});
+        full = queue.size() > maxQueued;
     }
-    changed.notify_one();
+    if (full)
+        return closeAll();
+    changed.notify_all();
 }
 
 void Notifier::hold(bool on) {
@@ -52,7 +72,23 @@ void Notifier::hold(bool on) {
         Lock lock(mutex);
         held = on;
     }
-    changed.notify_one();
+    changed.notify_all();
+}
+
+std::size_t Notifier::queued() {
+    Lock lock(mutex);
+    return queue.size() + (delivering ? 1 : 0);
+}
+
+void Notifier::settle(std::chrono::milliseconds time) {
+    const auto deadline = std::chrono::steady_clock::now() + time;
+    Lock lock(mutex);
+    if (deliverer == std::this_thread::get_id())
+        return;
+    while (!held && !stopping && (delivering || !queue.empty())) {
+        if (changed.wait_until(lock, deadline) == std::cv_status::timeout)
+            return;
+    }
 }
 
 void Notifier::stop() {
@@ -61,13 +97,14 @@ void Notifier::stop() {
         stopping = true;
     }
     closeAll();
-    changed.notify_one();
+    changed.notify_all();
     if (thread.joinable())
         thread.join();
 }
 
 void Notifier::run() {
     Lock lock(mutex);
+    deliverer = std::this_thread::get_id();
     for (;;) {
         while (!stopping && (held || queue.empty()))
             changed.wait(lock);
@@ -75,12 +112,24 @@ void Notifier::run() {
             return;
         auto next = std::optional(std::move(queue.front()));
         queue.pop_front();
+        delivering = true;
         lock.unlock();
         if (next->connection->open)
-            next->connection->sinks->deliver(next->notification);
+            deliver(*next);
         next.reset();
         lock.lock();
+        delivering = false;
+        changed.notify_all();
     }
+}
+
+/// A planned failure loses the notification, or what it is about.
+void Notifier::deliver(const Delivery& delivery) {
+    const auto answer = border->enter(Operation::Notification);
+    if (!answer)
+        delivery.connection->sinks->deliver(delivery.notification);
+    else if (SUCCEEDED(*answer))
+        delivery.connection->sinks->deliver(delivery.notification.withoutEvent());
 }
 
 }  // namespace ZrSimulator

@@ -1,20 +1,24 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <thread>
 #include <vector>
 
 #include "platform/Mutex.h"
+#include "simulator/runtime/Border.h"
 #include "simulator/runtime/Connection.h"
 
 namespace ZrSimulator {
 
 /// Delivers the notifications of one runtime to its connected loggers, in order and on a thread
-/// of its own. What is posted while no one is connected is lost. Any thread.
+/// of its own. What is posted while no one is connected is lost. A client that leaves more than a
+/// million waiting loses its connection, and with it what waited. Any thread.
 class Notifier {
 public:
-    Notifier();
+    explicit Notifier(std::shared_ptr<Border> border);
     ~Notifier();
 
     /// False after `stop`.
@@ -27,6 +31,11 @@ public:
     void post(const Notification& notification);
     /// Keeps notifications back until they are released.
     void hold(bool on);
+    /// How many are not delivered yet; one counts until its sinks have returned.
+    std::size_t queued();
+    /// Waits until all are delivered or held back, for no longer than this. Does not wait when it
+    /// is called from inside a notification.
+    void settle(std::chrono::milliseconds time);
 
     /// Closes everything and waits for a running notification. Not from within one.
     void stop();
@@ -36,13 +45,20 @@ private:
         std::shared_ptr<Connection> connection;
         Notification notification;
     };
-    void run();
+    static constexpr std::size_t maxQueued = 1'000'000;
 
+    void run();
+    void deliver(const Delivery& delivery);
+    void erase(Connection& connection, std::deque<Delivery>& released) REQUIRES(mutex);
+
+    const std::shared_ptr<Border> border;
     Mutex mutex;
     std::condition_variable_any changed;
     std::vector<std::shared_ptr<Connection>> opened GUARDED_BY(mutex);
     std::deque<Delivery> queue GUARDED_BY(mutex);
     bool held GUARDED_BY(mutex) = false;
+    bool delivering GUARDED_BY(mutex) = false;
+    std::thread::id deliverer GUARDED_BY(mutex);
     bool stopping GUARDED_BY(mutex) = false;
     std::thread thread;
 };

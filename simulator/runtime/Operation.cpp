@@ -15,9 +15,12 @@ constexpr std::array<std::string_view, operationCount> names{
     "Confirm",           "EventClass",        "EventId",        "Severity",
     "HasSource",         "SourceId",          "SourceGuid",     "SourceName",
     "TimeRaised",        "TimeCleared",       "TimeConfirmed",  "ConfirmationState",
-    "Arguments",         "JsonAttribute",
+    "Arguments",         "JsonAttribute",     "QueryInterface", "FindConnectionPoint",
+    "Unadvise",          "SetPreload",        "GetCount",       "GetText",
+    "EventType",         "IsActive",          "RequiresConfirmation",
+    "InstanceId",        "Notification",
 };
-static_assert(names[static_cast<std::size_t>(Operation::JsonAttribute)] == "JsonAttribute");
+static_assert(names[static_cast<std::size_t>(Operation::Notification)] == "Notification");
 
 }  // namespace
 

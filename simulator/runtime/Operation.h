@@ -7,7 +7,8 @@
 namespace ZrSimulator {
 
 /// What clients call, as it is counted and as faults name it. `Arguments` is all four ways to
-/// read an event's arguments; GetItem is that of every collection.
+/// read an event's arguments; GetItem and GetCount are those of every collection, GetText reads a
+/// text of a cause, a remedy or a detail, QueryInterface is that of every object.
 enum class Operation : unsigned char {
     CreateInstance,
     SetTimeout,
@@ -39,9 +40,27 @@ enum class Operation : unsigned char {
     ConfirmationState,
     Arguments,
     JsonAttribute,
+    // What the library answers by itself: it may fail, but nothing slows it down or holds it.
+    QueryInterface,
+    FindConnectionPoint,
+    Unadvise,
+    SetPreload,
+    GetCount,
+    GetText,
+    EventType,
+    IsActive,
+    RequiresConfirmation,
+    InstanceId,
+    /// The other way round: a notification is delivered to a sink.
+    Notification,
 };
 
-inline constexpr std::size_t operationCount = 30;
+inline constexpr std::size_t operationCount = 41;
+
+/// Whether the runtime is asked, which may take its time.
+constexpr bool reachesRuntime(Operation operation) {
+    return operation < Operation::QueryInterface;
+}
 
 std::string_view nameOf(Operation operation);
 std::optional<Operation> parseOperation(std::string_view name);

@@ -11,7 +11,7 @@ namespace json = boost::json;
 
 Runtime::Runtime(RuntimeDefinition definition)
     : events(std::move(definition.catalog)),
-      ledger(std::move(definition.logged)),
+      ledger(std::move(definition.logged), definition.instanceIds),
       steps(std::move(definition.timeline)),
       repeat(definition.repeat) {}
 
@@ -73,12 +73,20 @@ std::optional<std::size_t> Runtime::apply(std::span<const Action> actions) {
     return std::nullopt;
 }
 
+void Runtime::applyAndSettle(std::span<const Action> actions) {
+    constexpr std::chrono::milliseconds patience(10);
+    apply(actions);
+    notifier.settle(patience);
+}
+
 json::object Runtime::status() {
     const auto connections = notifier.connections();
-    json::object calls;
+    json::object calls, failed;
     for (std::size_t i = 0; i < operationCount; ++i) {
         const auto operation = static_cast<Operation>(i);
         calls[nameOf(operation)] = border->calls[operation];
+        if (const auto count = border->faults.struck[operation])
+            failed[nameOf(operation)] = count;
     }
     json::object alarms;
     Lock lock(mutex);
@@ -95,6 +103,8 @@ json::object Runtime::status() {
             {"alarms", std::move(alarms)},
             {"logged", ledger.log.size()},
             {"calls", std::move(calls)},
+            {"queued", notifier.queued()},
+            {"failed", std::move(failed)},
             {"liveObjects", border->references.load()}};
 }
 

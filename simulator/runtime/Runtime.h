@@ -41,6 +41,9 @@ public:
     /// Applies all actions without a pause between them, or none and answers the index of one
     /// that names an alarm which has never been raised.
     std::optional<std::size_t> apply(std::span<const Action> actions);
+    /// The same in the middle of a client's call: lets the notifications of it arrive as far as
+    /// they do not wait for that call themselves.
+    void applyAndSettle(std::span<const Action> actions);
     boost::json::object status();
 
 private:
@@ -48,7 +51,7 @@ private:
 
     const EventCatalog events;
     const std::shared_ptr<Border> border = std::make_shared<Border>();
-    Notifier notifier;
+    Notifier notifier{border};
 
     Mutex mutex;
     EventLedger ledger GUARDED_BY(mutex);

@@ -50,10 +50,10 @@ ZrAtlCom::ComPtr<Interface> optionalInterface(Object& object) {
     return result;
 }
 
-/// The interface to a part of an object that may as well be missing; empty however the query fails.
+/// The interface to a part of an object that may as well be missing.
 template <class Interface, class Object>
 ZrAtlCom::ComPtr<Interface> attributeInterface(Object& object) {
-    return ZrAtlCom::ComPtr<Object>(&object).template query<Interface>();
+    return optionalInterface<Interface>(object);
 }
 
 ZrHmiSrv::Timestamp toTimestamp(FILETIME time);

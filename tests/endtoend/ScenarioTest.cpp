@@ -187,8 +187,9 @@ TEST_F(Scenario, ALongListComesWhole) {
               200U);
     ASSERT_TRUE(reaches("limit=100000&target=Second", 3001));
     const std::string plain = server.get("/api/events?limit=100000&target=Second").body;
+    const json::value list = json::parse(plain);
     std::set<std::string> ids;
-    for (const json::value& event : json::parse(plain).at("events").as_array())
+    for (const json::value& event : list.at("events").as_array())
         ids.insert(serialize(event.at("id")));
     EXPECT_EQ(ids.size(), 3001U);
     EXPECT_EQ(unpacked(exchange(server.port(),
@@ -200,7 +201,8 @@ TEST_F(Scenario, ALongListComesWhole) {
                                      "GET /api/events?limit=100000&target=Second HTTP/1.0\r\n"
                                      "Host: localhost\r\n\r\n");
     EXPECT_EQ(old.substr(old.find("\r\n\r\n") + 4), plain) << "ends with the connection";
-    EXPECT_EQ(json::parse(server.get("/api/log").body).at("next").as_int64() > 3000, true);
+    const json::value log = server.get("/api/log").json();
+    EXPECT_GT(log.at("entries").as_array().size(), 2000U) << "what the first one forgot";
 }
 
 TEST_F(Scenario, AStreamClientThatDoesNotReadIsDroppedAlone) {

@@ -128,6 +128,13 @@ std::string imageOf(IZrAlarm& alarm) {
     return write(alarmFieldsOf(alarm));
 }
 
+std::string unclearedImageOf(IZrAlarm& alarm) {
+    Fields fields = alarmFieldsOf(alarm);
+    if (fields.cleared <= fields.raised)
+        fields.cleared = {};
+    return write(fields);
+}
+
 std::string imageOf(IZrLoggedEvent& event) {
     if (readValue(event, &IZrLoggedEvent::get_EventType) == LoggedEventType::message)
         return write(fieldsOf("message", event));

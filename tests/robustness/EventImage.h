@@ -18,6 +18,9 @@ std::string imageOf(const ZrHmiSrv::Message& message);
 std::string imageOf(const ZrHmiSrv::Event& event);
 
 std::string imageOf(ZrEventLoggerFnxProxyLib::IZrAlarm& alarm);
+/// The other image that is as true: a clear that is not later than the raise shows only when the
+/// host was notified of it.
+std::string unclearedImageOf(ZrEventLoggerFnxProxyLib::IZrAlarm& alarm);
 std::string imageOf(ZrEventLoggerFnxProxyLib::IZrLoggedEvent& event);
 
 /// The name of an event's source, by which tests tell alarms apart.

@@ -7,8 +7,9 @@ namespace bridge_test {
 
 /// For conditions that nobody signals: true as soon as it holds, false when it did not in time.
 template <class Condition>
-bool eventually(Condition condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+bool eventually(Condition condition,
+                std::chrono::milliseconds patience = std::chrono::seconds(20)) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline)
             return false;

@@ -54,15 +54,11 @@ std::vector<std::string> allNetIds() {
     return all;
 }
 
-std::string entryOf(const std::string& name, const std::string& netId) {
-    return "\"" + name + R"(": {"ENABLED": true, "ADDRESS": ")" + netId + "\"}";
-}
-
-std::string allTargets() {
-    std::string entries = "{" + entryOf("Healthy", healthyNetId);
+std::vector<ConfiguredTarget> allTargets() {
+    std::vector<ConfiguredTarget> targets{{"Healthy", healthyNetId}};
     for (std::size_t index = 0; index < sickTargets; ++index)
-        entries += "," + entryOf(nameOf(index), netIdOf(index));
-    return entries + "}";
+        targets.push_back({nameOf(index), netIdOf(index)});
+    return targets;
 }
 
 struct Isolation : testing::Test {

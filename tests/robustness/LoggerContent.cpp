@@ -2,6 +2,7 @@
 
 #include "events/ProxyValue.h"
 #include "platform/Text.h"
+#include "targetsystem/proxy/CreateInstance.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;
@@ -21,11 +22,9 @@ bool isActive(const ComPtr<IZrLoggedEvent>& event) {
 
 }  // namespace
 
-LoggerContent readLogger(CreateInstanceFunction& createInstance, const char* netId, ULONG limit) {
-    const auto logger = receiveObject<IZrEventLogger4>([&](IZrEventLogger4** created) {
-        return createInstance(CLSID_EventLogger, InterfaceId<IZrEventLogger4>::value(),
-                              reinterpret_cast<void**>(created));
-    });
+LoggerContent readLogger(const char* netId, ULONG limit) {
+    ComPtr<IZrEventLogger4> logger;
+    check(ZrAtlCom::createInstance(CLSID_EventLogger, logger));
     const ScopedBstr address(netId);
     check(logger->Connect(address.get()));
     LoggerContent content;
@@ -39,10 +38,19 @@ LoggerContent readLogger(CreateInstanceFunction& createInstance, const char* net
         [&](IZrAlarmCollection** active) { return logger->GetActiveAlarms(active); });
     forEachItem<IZrAlarm>(*alarms, [&](const auto& alarm) {
         content.events.insert(imageOf(*alarm));
+        content.uncleared.emplace_back(imageOf(*alarm), unclearedImageOf(*alarm));
         ++content.active;
     });
     check(logger->Disconnect());
     return content;
+}
+
+void acceptUncleared(LoggerContent& content, const EventImages& shown) {
+    for (const auto& [image, uncleared] : content.uncleared)
+        if (!shown.contains(image) && shown.contains(uncleared)) {
+            content.events.erase(content.events.find(image));
+            content.events.insert(uncleared);
+        }
 }
 
 }  // namespace bridge_test

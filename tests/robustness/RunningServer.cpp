@@ -4,9 +4,12 @@
 #include <fstream>
 #include <limits>
 #include <random>
+#include <sstream>
+#include <utility>
 
 #include <boost/dll/runtime_symbol_info.hpp>
 #include <boost/dll/shared_library.hpp>
+#include <boost/json/serialize.hpp>
 #include <gtest/gtest.h>
 
 #include "robustness/LoggerContent.h"
@@ -21,17 +24,19 @@ namespace {
 
 const Context context{"TestDomain"};
 
-std::string entry(const char* name, const char* address) {
-    return std::string("\"") + name + R"(": {"ENABLED": true, "ADDRESS": ")" + address + "\"}";
-}
-
-std::filesystem::path writeConfiguration(const std::string& targets, const char* timeout) {
+std::filesystem::path writeConfiguration(const std::vector<ConfiguredTarget>& targets,
+                                         const char* timeout) {
+    namespace json = boost::json;
+    json::object entries;
+    for (const auto& [name, address, enabled] : targets)
+        entries[name] = {{"ENABLED", enabled}, {"ADDRESS", address}};
+    const json::object configuration{{"TIMEOUT", timeout},
+                                     {"LIMIT_EVENT_COUNT", RunningServer::eventLimit},
+                                     {"PRELOAD_TRANSLATIONS", false},
+                                     {"TARGET_SYSTEMS", std::move(entries)}};
     const auto file = std::filesystem::path(testing::TempDir()) /
                       ("robustness-" + std::to_string(std::random_device()()) + ".json");
-    std::ofstream(file) << R"({"TIMEOUT": ")" << timeout << R"(", "LIMIT_EVENT_COUNT": )"
-                        << RunningServer::eventLimit
-                        << R"(, "PRELOAD_TRANSLATIONS": false, "TARGET_SYSTEMS": )" << targets
-                        << "}";
+    std::ofstream(file) << json::serialize(configuration);
     return file;
 }
 
@@ -44,17 +49,46 @@ hmi::ConfigurationPath pathOf(const char* target) {
     return *hmi::ConfigurationPath::parse(std::string("TARGET_SYSTEMS::") + target);
 }
 
-std::size_t counter(const Value& diagnostics, const char* name) {
-    return static_cast<std::size_t>(static_cast<int>(diagnostics.get_map().get(name)));
+void expectEqual(Findings& findings, const char* what, std::size_t is, std::size_t expected) {
+    if (is != expected)
+        findings.push_back(std::string(what) + " is " + std::to_string(is) + ", not " +
+                           std::to_string(expected));
+}
+
+/// What "Diagnostics" counts against what is shown.
+void compareCounters(Findings& findings, const Value& diagnostics,
+                     const std::vector<hmi::EventRecordPtr>& shown, std::size_t active) {
+    const auto counter = [&](const char* name) {
+        return static_cast<std::size_t>(static_cast<int>(diagnostics.get_map().get(name)));
+    };
+    std::size_t alarms = 0;
+    std::size_t invalid = 0;
+    for (const auto& record : shown) {
+        const Alarm* const alarm = record->alarm();
+        alarms += alarm != nullptr;
+        invalid += alarm && alarm->alarm_state() == AlarmState::invalid;
+    }
+    expectEqual(findings, "activeAlarmsCount", counter("activeAlarmsCount"), active);
+    expectEqual(findings, "cachedAlarmsCount", counter("cachedAlarmsCount"), alarms);
+    expectEqual(findings, "cachedInvalidAlarmsCount", counter("cachedInvalidAlarmsCount"), invalid);
+    expectEqual(findings, "cachedMessagesCount", counter("cachedMessagesCount"),
+                shown.size() - alarms);
+    expectEqual(findings, "imported alarms and messages",
+                counter("importedAlarmsCount") + counter("importedMessagesCount"),
+                counter("importedEventsCount"));
+    for (const auto& [all, held] : {std::pair("importedEventsCount", shown.size()),
+                                    std::pair("importedInvalidAlarmsCount", invalid),
+                                    std::pair("importedAlarmsCount", alarms)})
+        if (counter(all) < held)
+            findings.push_back(std::string(all) + " is less than what is held");
 }
 
 }  // namespace
 
 RunningServer::RunningServer()
-    : RunningServer("{" + entry("Filler", fillerNetId) + "," + entry("Packer", packerNetId) + "}",
-                    "PT3S") {}
+    : RunningServer({{"Filler", fillerNetId}, {"Packer", packerNetId}}) {}
 
-RunningServer::RunningServer(const std::string& targets, const char* timeout)
+RunningServer::RunningServer(const std::vector<ConfiguredTarget>& targets, const char* timeout)
     : configurationFile(writeConfiguration(targets, timeout)),
       backend(configurationFile, context, changes, metrics) {
     hmi::configureLog(hmi::LogLevel::off, hmi::LogFormat::text);
@@ -66,11 +100,12 @@ RunningServer::~RunningServer() {
     std::filesystem::remove(configurationFile);
 }
 
-void RunningServer::configure(const char* target, const char* address, bool enabled) {
+ErrorValue RunningServer::configure(const char* target, const char* address, bool enabled) {
     const auto path = pathOf(target);
-    backend.configuration.change(
-        path, boost::json::object{{"ADDRESS", address}, {"ENABLED", enabled}},
-        [&] { return calls.configurationSet(path.text()).value_or(ResultPair()); });
+    return backend.configuration
+        .change(path, boost::json::object{{"ADDRESS", address}, {"ENABLED", enabled}},
+                [&] { return calls.configurationSet(path.text()).value_or(ResultPair()); })
+        .answer.result();
 }
 
 void RunningServer::remove(const char* target) {
@@ -94,17 +129,22 @@ Value RunningServer::diagnostics(const char* target) {
     return answer.get_map().get("TARGET_SYSTEMS").get_map().get(target);
 }
 
+/// By the counters: the log itself leaves repeated complaints out.
 std::size_t RunningServer::logged(const char* target, const char* name) const {
-    const auto entries = backend.log.read(0, std::numeric_limits<std::size_t>::max()).entries;
-    return static_cast<std::size_t>(
-        std::count_if(entries.begin(), entries.end(), [&](const auto& entry) {
-            return (!name || entry->message.name().view() == name) &&
-                   entry->message.parameters().get_map().get("0") == Value(target);
-        }));
+    const std::string start = std::string("hmi_log_messages_total{name=\"") + (name ? name : "");
+    const std::string about = std::string("\",target=\"") + target + "\"} ";
+    std::istringstream lines(metrics.text());
+    std::size_t count = 0;
+    for (std::string line; std::getline(lines, line);) {
+        const auto at = line.find(about);
+        if (line.starts_with(start) && at != std::string::npos && (!name || at == start.size()))
+            count += std::stoul(line.substr(at + about.size()));
+    }
+    return count;
 }
 
 Findings RunningServer::compare(const char* target, const char* netId) {
-    Findings findings;
+    Findings findings = changes.takeConflicts();
     const Value state = diagnostics(target);
     if (state.get_map().get("connectionState") != Value("Good"))
         findings.push_back(std::string(target) + " is not connected");
@@ -113,17 +153,32 @@ Findings RunningServer::compare(const char* target, const char* netId) {
     hmi::EventFilter ofTarget;
     ofTarget.target = target;
     const auto page = events.select(ofTarget, 0, std::numeric_limits<std::size_t>::max());
-    for (const auto& record : page.events)
+    for (const auto& record : page.events) {
+        changes.note(*record);
         shown.insert(
             std::visit([](const auto& event) { return imageOf(event); }, record->content.event));
-    const LoggerContent logger =
-        readLogger(ZrEventLoggerFnxProxyLib::CreateInstance, netId, eventLimit);
+    }
+    LoggerContent logger = readLogger(netId, eventLimit);
+    acceptUncleared(logger, shown);
     compareImages(findings, "the server", shown, "the logger", logger.events);
-    if (counter(state, "cachedAlarmsCount") + counter(state, "cachedMessagesCount") !=
-            shown.size() ||
-        counter(state, "activeAlarmsCount") != logger.active)
-        findings.push_back(std::string("the counters of ") + target + " do not add up");
+    compareCounters(findings, state, page.events, logger.active);
     return findings;
+}
+
+void RunningServer::IdWatch::note(const hmi::EventRecord& event) {
+    if (!event.alarm() || sourceOf(*event.alarm()).empty())
+        return;
+    const int id = event.alarm()->id();
+    const std::string name = event.target + ' ' + sourceOf(*event.alarm());
+    Lock lock(mutex);
+    const std::string& owner = owners.try_emplace(id, name).first->second;
+    if (owner != name)
+        conflicts.push_back("id " + std::to_string(id) + " of " + owner + " given to " + name);
+}
+
+Findings RunningServer::IdWatch::takeConflicts() {
+    Lock lock(mutex);
+    return std::exchange(conflicts, {});
 }
 
 }  // namespace bridge_test

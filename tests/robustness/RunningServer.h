@@ -1,30 +1,39 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "robustness/EventImage.h"
 #include "server/Backend.h"
 
 namespace bridge_test {
 
-/// hmi-server without its network: the extension is loaded and runs in it, with the targets
-/// "Filler" and "Packer" of the simulation. Any thread may call it, also while it stops.
+/// A target system as it is configured.
+struct ConfiguredTarget {
+    std::string name;
+    std::string address;
+    bool enabled = true;
+};
+
+/// hmi-server without its network: the extension is loaded and runs in it. Any thread may call it,
+/// also while it stops.
 class RunningServer {
 public:
     static constexpr unsigned eventLimit = 60;
 
+    /// With the targets "Filler" and "Packer" of the simulation.
     RunningServer();
-    /// With other targets: "TARGET_SYSTEMS" as JSON.
-    RunningServer(const std::string& targets, const char* timeout);
+    explicit RunningServer(const std::vector<ConfiguredTarget>& targets, const char* timeout = "PT3S");
     ~RunningServer();
     RunningServer(const RunningServer&) = delete;
     RunningServer& operator=(const RunningServer&) = delete;
 
     void stop() { backend.stop(); }
 
-    void configure(const char* target, const char* address, bool enabled);
+    ZrHmiSrv::ErrorValue configure(const char* target, const char* address, bool enabled);
     void remove(const char* target);
     /// The result of the extension; 0 when it has gone.
     unsigned command(const char* name, ZrHmiSrv::Value input = {});
@@ -37,18 +46,31 @@ public:
     Findings compare(const char* target, const char* netId);
 
 private:
-    class Discarded final : public hmi::IChangeSink {
-        void post(hmi::Change) noexcept override {}
+    /// Watches that no alarm id is ever given to two alarms, which target and source tell apart.
+    class IdWatch final : public hmi::IChangeSink {
+    public:
+        void post(hmi::Change change) noexcept override {
+            if (change.event)
+                note(*change.event);
+        }
+        void note(const hmi::EventRecord& event);
+        Findings takeConflicts();
+
+    private:
+        Mutex mutex;
+        std::map<int, std::string> owners GUARDED_BY(mutex);
+        Findings conflicts GUARDED_BY(mutex);
     };
 
     const std::filesystem::path configurationFile;
-    Discarded changes;
+    IdWatch changes;
     hmi::Metrics metrics;
     hmi::Backend backend;
 
 public:
     hmi::EventBook& events = backend.events;
     hmi::ExtensionCalls& calls = backend.calls;
+    hmi::LogBook& log = backend.log;
 };
 
 }  // namespace bridge_test

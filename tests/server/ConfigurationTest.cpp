@@ -167,7 +167,7 @@ TEST_F(ConfigurationStoreTest, ReplacesItsFileWithoutHarmToOthers) {
         fs::create_directories(file / "in the way");
         return ResultPair();
     });
-    EXPECT_THAT(moved.notKept, testing::StartsWith("in force, but not kept in " + file.string()));
+    EXPECT_THAT(moved.notKept, testing::StartsWith("in force, but not kept: " + file.string()));
     EXPECT_TRUE(moved.answer.succeeded());
     EXPECT_EQ(store.get(path("NEW")), json::value(3));
     EXPECT_EQ(std::distance(fs::directory_iterator(directory), fs::directory_iterator()), 3);
@@ -288,6 +288,32 @@ TEST(ConfigurationCheckTest, FindsWhatNobodyMeant) {
     testing::internal::CaptureStderr();
     EXPECT_NO_THROW(ConfigurationStore{file.path});
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(ConfigurationStoreTest, AnEntryThatIsNotDecidedYetHoldsUpNoOther) {
+    ConfigurationStore store(file);
+    const auto accept = [] { return ResultPair(); };
+    store.change(path("TARGET_SYSTEMS::B"),
+                 json::value({{"ADDRESS", "1"}, {"ENABLED", true}}), accept);
+    const json::value before = written();
+    store.change(path("TARGET_SYSTEMS::A"), json::value(5), [&] {
+        store.change(path("TARGET_SYSTEMS::B"), std::nullopt, [&] {
+            EXPECT_EQ(static_cast<int>(store.read(path("TARGET_SYSTEMS::A"))), 5);
+            EXPECT_FALSE(store.read(path("TARGET_SYSTEMS::B")).isset());
+            return ResultPair(ErrorValue::operation_failed);
+        });
+        store.change(path("LIMIT_EVENT_COUNT"), json::value(7), accept);
+        EXPECT_EQ(static_cast<int>(store.read(path("TARGET_SYSTEMS::A"))), 5);
+        EXPECT_TRUE(written().at("TARGET_SYSTEMS").at("A").is_object()) << "nobody has accepted it";
+        return ResultPair(ErrorValue::invalid_configuration);
+    });
+    json::value expected = before;
+    expected.as_object()["LIMIT_EVENT_COUNT"] = 7;
+    EXPECT_EQ(written(), expected);
+    EXPECT_EQ(store.get({}), expected);
+    std::ifstream stream(file);
+    const std::string text(std::istreambuf_iterator<char>(stream), {});
+    EXPECT_LT(text.find("\"A\""), text.find("\"B\"")) << "target systems keep their order";
 }
 
 TEST(ConfigurationWatchTest, TellsChangesBelowAWatchedPathAsASet) {

@@ -9,10 +9,8 @@ namespace bridge_test {
 
 namespace {
 
-const char* const plantHead = R"({"localNetId": "5.10.20.1.1.1", "runtimes": {)";
-
-std::string runtime(const char* netId, const std::string& log) {
-    return "\"" + std::string(netId) + R"(": {"eventClasses": {")" + eventClass +
+std::string runtime(const std::string& netId, const std::string& log, bool numbered) {
+    return "\"" + netId + R"(": {"eventClasses": {")" + eventClass +
            R"(": {"name": {"1033": "Machine", "1031": "Maschine"}, "events": {
         "1": {"kind": "alarm", "severity": 3, "confirm": true,
               "text": {"1033": "Temperature {0} too high", "1031": "Temperatur {0} zu hoch"},
@@ -22,7 +20,7 @@ std::string runtime(const char* netId, const std::string& log) {
         "2": {"kind": "alarm", "severity": 2, "confirm": false, "text": {"1033": "Door open"}},
         "3": {"kind": "message", "severity": 1, "text": {"1033": "Batch done"}}}}},
         "sources": {"Tank": {"1031": "Behälter"}}, "logged": )" +
-           log + "}";
+           log + (numbered ? "}" : R"(, "instanceIds": false})");
 }
 
 /// Ends a call of the simulator, which has to answer 200.
@@ -34,21 +32,22 @@ std::string expectSuccess(int result, char* answer) {
 }
 
 void load(const std::string& runtimes) {
+    const std::string plant = R"({"localNetId": "5.10.20.1.1.1", "runtimes": {)" + runtimes + "}}";
     char* answer = nullptr;
-    const int result = ZrSimulatorLoadPlant((plantHead + runtimes + "}}").c_str(), &answer);
+    const int result = ZrSimulatorLoadPlant(plant.c_str(), &answer);
     expectSuccess(result, answer);
 }
 
 }  // namespace
 
-Simulation::Simulation(const std::string& fillerLog) {
-    load(runtime(fillerNetId, fillerLog) + "," + runtime(packerNetId, "[]"));
+Simulation::Simulation(const std::string& fillerLog, bool numbered) {
+    load(runtime(fillerNetId, fillerLog, numbered) + "," + runtime(packerNetId, "[]", numbered));
 }
 
-Simulation::Simulation(const std::vector<std::string>& netIds) {
+Simulation::Simulation(const std::vector<std::string>& netIds, const std::string& log) {
     std::string runtimes;
     for (const std::string& netId : netIds)
-        runtimes += (runtimes.empty() ? "" : ",") + runtime(netId.c_str(), "[]");
+        runtimes += (runtimes.empty() ? "" : ",") + runtime(netId, log, true);
     load(runtimes);
 }
 

@@ -11,13 +11,15 @@ inline constexpr const char* fillerNetId = "5.10.20.30.1.1";
 inline constexpr const char* packerNetId = "5.10.20.40.1.1";
 inline constexpr const char* eventClass = "{0000ABCD-0001-0002-0304-05060708090A}";
 
-/// Two simulated runtimes for the length of a scope, with one event class: 1 is an alarm that
-/// wants a confirmation, 2 one that does not, 3 a message.
+/// Simulated runtimes for the length of a scope, with one event class: 1 is an alarm that wants a
+/// confirmation, 2 one that does not, 3 a message.
 class Simulation {
 public:
-    explicit Simulation(const std::string& fillerLog = "[]");
-    /// As many runtimes instead, with nothing in their logs.
-    explicit Simulation(const std::vector<std::string>& netIds);
+    /// The filler, with this log, and the packer. `numbered`: whether the loggers have instance
+    /// numbers.
+    explicit Simulation(const std::string& fillerLog = "[]", bool numbered = true);
+    /// Runtimes that all have this log.
+    explicit Simulation(const std::vector<std::string>& netIds, const std::string& log = "[]");
     ~Simulation();
     Simulation(const Simulation&) = delete;
     Simulation& operator=(const Simulation&) = delete;
