@@ -231,7 +231,12 @@ void heapPerStoredEvent(benchmark::State& state) {
             pieces.lifecycle.onAlarmRaised(*alarm, false);
         state.counters["live_bytes"] = perEvent(before);
         for (const auto& alarm : alarms)
-            pieces.lifecycle.onAlarmCleared(*alarm, VARIANT_TRUE, false);
+            pieces.lifecycle.handle({NotificationKind::alarmCleared,
+                                     ComPtr<IZrAlarm>(alarm.get()),
+                                     {},
+                                     VARIANT_TRUE,
+                                     {}},
+                                    false);
         state.counters["history_bytes"] = perEvent(before);
     }
 }

@@ -13,7 +13,11 @@ if(WIN32)
 else()
     # On Windows every automation interface would be warned of.
     target_compile_options(bridge_flags INTERFACE -Wnon-virtual-dtor)
-    target_link_options(bridge_flags INTERFACE -Wl,--no-undefined)
+    if(BRIDGE_FUZZ)
+        add_compile_options(-fsanitize=fuzzer-no-link)  # libraries take the rest from the program
+    else()
+        target_link_options(bridge_flags INTERFACE -Wl,--no-undefined)
+    endif()
 endif()
 target_include_directories(bridge_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -12,42 +13,29 @@
 
 namespace ZrHmiEventLogger {
 
-/// Tells which alarm a proxy alarm stands for, also when another object stands for it after a
-/// reconnection.
+/// Tells which alarm a proxy object stands for, also when another object stands for it after a
+/// reconnection. Where the logger numbers its alarms, number and time are enough; where it does
+/// not, it is what has happened where and when.
 struct AlarmKey {
     ZrHmiSrv::Timestamp timeRaised;
     std::optional<std::uint32_t> number;  ///< the instance id, where the logger has one
+    std::size_t origin = 0;               ///< else a digest of class, id and source
     friend bool operator==(const AlarmKey&, const AlarmKey&) = default;
 };
 
-/// The key of a live or logged alarm, read from it. Throws ZrAtlCom::CAtlException
-/// and Abandoned.
-template <class Source>
-AlarmKey alarmKeyOf(const EventContext& context, Source& source) {
-    using ZrEventLoggerFnxProxyLib::IZrEvent;
-    using ZrEventLoggerFnxProxyLib::IZrEventInstance;
-    AlarmKey key{toTimestamp(context.read(source, &IZrEvent::get_TimeRaised)), {}};
-    if (const auto instance = context.query<IZrEventInstance>(source))
-        key.number = context.read(*instance, &IZrEventInstance::get_InstanceId);
-    return key;
-}
+/// The key of a live or logged alarm, read from it. Throws ZrAtlCom::CAtlException and Abandoned.
+AlarmKey alarmKeyOf(const EventContext& context, ZrEventLoggerFnxProxyLib::IZrEvent& source);
 
 /// What stays the same when a live alarm is raised again, at another time.
 struct AlarmInstance {
-    GUID eventClass;
-    std::uint32_t number;
+    std::optional<std::uint32_t> number;
+    std::size_t origin;  ///< a digest of the class, where there is no number also of id and source
     friend bool operator==(const AlarmInstance&, const AlarmInstance&) = default;
 };
 
-/// None where the logger does not number its alarms. Throws as alarmKeyOf does.
-template <class Source>
-std::optional<AlarmInstance> alarmInstanceOf(const EventContext& context, Source& source,
-                                             const AlarmKey& key) {
-    using ZrEventLoggerFnxProxyLib::IZrEvent;
-    if (!key.number)
-        return std::nullopt;
-    return AlarmInstance{context.read(source, &IZrEvent::get_EventClass), *key.number};
-}
+/// Of the alarm that has this key. Throws as alarmKeyOf does.
+AlarmInstance alarmInstanceOf(const EventContext& context,
+                              ZrEventLoggerFnxProxyLib::IZrEvent& source, const AlarmKey& key);
 
 }  // namespace ZrHmiEventLogger
 
@@ -56,6 +44,7 @@ struct std::hash<ZrHmiEventLogger::AlarmKey> {
     std::size_t operator()(const ZrHmiEventLogger::AlarmKey& key) const noexcept {
         std::size_t seed = std::hash<std::int64_t>()(key.timeRaised.nanoseconds());
         boost::hash_combine(seed, key.number ? *key.number + 1ULL : 0ULL);
+        boost::hash_combine(seed, key.origin);
         return seed;
     }
 };
@@ -63,6 +52,6 @@ struct std::hash<ZrHmiEventLogger::AlarmKey> {
 template <>
 struct std::hash<ZrHmiEventLogger::AlarmInstance> {
     std::size_t operator()(const ZrHmiEventLogger::AlarmInstance& instance) const noexcept {
-        return instance.number;
+        return instance.origin + instance.number.value_or(0);
     }
 };

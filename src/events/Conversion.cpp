@@ -21,15 +21,19 @@ namespace ZrHmiEventLogger {
 
 namespace {
 
+std::uint64_t ticksOf(FILETIME time) {
+    return (std::uint64_t{time.dwHighDateTime} << 32) | std::uint64_t{time.dwLowDateTime};
+}
+
 const Text alarmName("ZREVENTLOGGER_ALARM");
 const Text messageName("ZREVENTLOGGER_MESSAGE");
 
 template <class Source>
-void setCommon(Alarm& alarm, Source& source, const EventContext& context) {
+void setCommon(Alarm& alarm, Source& source, FILETIME raised, const EventContext& context) {
     alarm.set_name(alarmName);
     alarm.set_domain(context.domain);
     alarm.set_severity(mapSeverity(context.read(source, &IZrEvent::get_Severity)));
-    alarm.set_time_raised(toTimestamp(context.read(source, &IZrEvent::get_TimeRaised)));
+    alarm.set_time_raised(toTimestamp(raised));
     alarm.set_time_confirmed(toTimestamp(context.read(source, &Source::get_TimeConfirmed)));
     alarm.set_payload(eventParameters(context, source));
 }
@@ -53,7 +57,7 @@ AlarmConfirmationState loggedConfirmation(const EventContext& context, IZrLogged
 Alarm loggedAlarm(IZrLoggedEvent& source, const EventContext& context, std::int32_t hostId) {
     Alarm alarm;
     alarm.set_id(hostId);
-    setCommon(alarm, source, context);
+    setCommon(alarm, source, context.read(source, &IZrEvent::get_TimeRaised), context);
     alarm.set_time_cleared(toTimestamp(context.read(source, &IZrLoggedEvent::get_TimeCleared)));
     alarm.set_confirmation_state(loggedConfirmation(context, source, alarm.time_confirmed()));
     if (!alarm.time_cleared().isset())
@@ -81,18 +85,18 @@ AlarmConfirmationState mapConfirmationState(std::uint32_t state) {
 
 Timestamp toTimestamp(FILETIME time) {
     constexpr std::uint64_t latest = std::numeric_limits<long long>::max();
-    const auto ticks =
-        (std::uint64_t{time.dwHighDateTime} << 32) | std::uint64_t{time.dwLowDateTime};
-    return Timestamp::from_file_time(static_cast<long long>(std::min(ticks, latest)));
+    return Timestamp::from_file_time(static_cast<long long>(std::min(ticksOf(time), latest)));
 }
 
 void toHostAlarm(Alarm& alarm, IZrAlarm& source, const EventContext& context, std::int32_t hostId,
                  bool keepId) {
     if (!keepId)
         alarm.set_id(hostId);
-    setCommon(alarm, source, context);
-    const Timestamp cleared = toTimestamp(context.read(source, &IZrAlarm::get_TimeCleared));
-    alarm.set_time_cleared(cleared > alarm.time_raised() ? cleared : Timestamp());
+    const FILETIME raised = context.read(source, &IZrEvent::get_TimeRaised);
+    setCommon(alarm, source, raised, context);
+    // Compared as the logger has them: times that the host cannot hold are all the same to it.
+    const FILETIME cleared = context.read(source, &IZrAlarm::get_TimeCleared);
+    alarm.set_time_cleared(ticksOf(cleared) > ticksOf(raised) ? toTimestamp(cleared) : Timestamp());
     alarm.set_confirmation_state(
         mapConfirmationState(context.read(source, &IZrAlarm::get_ConfirmationState)));
 }
@@ -115,6 +119,12 @@ void toHostEvent(Event& event, IZrLoggedEvent& source, const EventContext& conte
             carry(event, loggedAlarm(source, context, hostId));
             break;
     }
+}
+
+void setHostId(Event& event, std::int32_t hostId) {
+    Alarm alarm = event.payload().get_alarm();
+    alarm.set_id(hostId);
+    event.set_payload(Value(std::move(alarm)));
 }
 
 Event eventOf(Alarm alarm) {

@@ -31,6 +31,9 @@ void toHostMessage(ZrHmiSrv::Message& message, IZrMessage& source, const EventCo
 void toHostEvent(ZrHmiSrv::Event& event, IZrLoggedEvent& source, const EventContext& context,
                  std::int32_t hostId);
 
+/// Of an event that carries an alarm.
+void setHostId(ZrHmiSrv::Event& event, std::int32_t hostId);
+
 /// The event that carries a live alarm or message, with its name, domain and time.
 ZrHmiSrv::Event eventOf(ZrHmiSrv::Alarm alarm);
 ZrHmiSrv::Event eventOf(ZrHmiSrv::Message message);

@@ -38,6 +38,18 @@ struct EventContext {
         proceed();
         return readValue(object, getter);
     }
+    template <class Object, class Call>
+    ZrAtlCom::ComPtr<Object> receive(Call call) const {
+        proceed();
+        return receiveObject<Object>(call);
+    }
+    template <class Item, class Visit>
+    void forEach(ZrEventLoggerFnxProxyLib::IZrCollection<Item>& collection, Visit visit) const {
+        using Collection = ZrEventLoggerFnxProxyLib::IZrCollection<Item>;
+        const ULONG count = read(collection, &Collection::get_Count);
+        for (ULONG index = 0; index < count; ++index)
+            visit(receive<Item>([&](Item** item) { return collection.get_Item(index, item); }));
+    }
     /// Empty where the object refuses the interface.
     template <class Interface, class Object>
     ZrAtlCom::ComPtr<Interface> query(Object& object) const {

@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+#include "events/EventSource.h"
+#include "events/MalformedEvent.h"
 #include "events/ProxyValue.h"
 #include "platform/Mutex.h"
 #include "targetsystem/proxy/CAtlException.h"
@@ -76,47 +78,52 @@ ComPtr<Interface> attribute(const EventContext& context, Source& source) {
     return attributeInterface<Interface>(source);
 }
 
-template <class Source, class Getter>
-Text textOf(const EventContext& context, Source& source, Getter getter) {
-    context.proceed();
-    return Text(receiveText(getter, source));
+std::int64_t sizeOf(const ArgumentBlockLayout& layout) {
+    return std::int64_t{layout.typesSize} + layout.dataSize;
 }
 
-bool hasSource(const EventContext& context, IZrEvent& source, SourceAttribute kind) {
-    context.proceed();
-    VARIANT_BOOL has = VARIANT_FALSE;
-    check(source.HasSource(kind, &has));
-    return has == VARIANT_TRUE;
+bool isRead(const ArgumentBlockLayout& layout) {
+    return layout.count > 0 && sizeOf(layout) > 0;
 }
 
-/// What the proxy says of a block is not trusted: both parts must lie within it.
+/// What the proxy says of a block is not trusted: both parts must lie within one that is read.
 bool isWellFormed(const ArgumentBlockLayout& layout) {
-    const std::int64_t size = std::int64_t{layout.typesSize} + layout.dataSize;
+    const std::int64_t size = sizeOf(layout);
     const auto lies = [size](std::int64_t offset, std::int64_t length) {
-        return offset >= 0 && length >= 0 && offset + length <= size;
+        return offset >= 0 && offset + length <= size;
     };
-    return layout.count >= 0 && size <= maxArgumentBlock &&
-           lies(layout.typesOffset, layout.typesSize) && lies(layout.dataOffset, layout.dataSize);
+    return layout.count >= 0 && layout.typesSize >= 0 && layout.dataSize >= 0 &&
+           size <= maxArgumentBlock &&
+           (!isRead(layout) || (lies(layout.typesOffset, layout.typesSize) &&
+                                lies(layout.dataOffset, layout.dataSize)));
 }
 
-ArgumentBlockLayout readLayout(const EventContext& context, IZrEventArguments& arguments) {
+[[noreturn]] void refuse(const Value& parameters) {
+    throw MalformedEvent(
+        parameters.lookup(keys::eventClass.view())->get_string(),
+        static_cast<std::uint32_t>(static_cast<double>(*parameters.lookup(keys::eventId.view()))));
+}
+
+/// `parameters`: what is known so far of the event whose arguments they are.
+ArgumentBlockLayout readLayout(const EventContext& context, const Value& parameters,
+                               IZrEventArguments& arguments) {
     context.proceed();
     ArgumentBlockLayout layout{};
     check(arguments.GetLayout(&layout));
     if (!isWellFormed(layout))
-        check(E_INVALIDARG);
+        refuse(parameters);
     return layout;
 }
 
 void addBlock(const EventContext& context, Value& parameters, IZrEventArguments& arguments,
               const ArgumentBlockLayout& layout) {
     const auto part = [](LONG value) { return static_cast<std::size_t>(value); };
-    const std::size_t size = part(layout.typesSize) + part(layout.dataSize);
-    if (layout.count == 0 || size == 0)
+    if (!isRead(layout))
         return;
-    std::vector<std::byte> block(size);
+    std::vector<std::byte> block(static_cast<std::size_t>(sizeOf(layout)));
     context.proceed();
-    check(arguments.GetBlock(reinterpret_cast<BYTE*>(block.data()), static_cast<ULONG>(size)));
+    check(arguments.GetBlock(reinterpret_cast<BYTE*>(block.data()),
+                             static_cast<ULONG>(block.size())));
     const std::span<const std::byte> bytes(block);
     parameters.insert(keys::types,
                       Binary(bytes.subspan(part(layout.typesOffset), part(layout.typesSize))));
@@ -132,9 +139,9 @@ void addArguments(const EventContext& context, Value& parameters, LiveEvent& sou
     const auto arguments = context.query<IZrEventArguments>(source);
     if (!arguments)
         return;
-    const ArgumentBlockLayout layout = readLayout(context, *arguments);
+    const ArgumentBlockLayout layout = readLayout(context, parameters, *arguments);
     if (static_cast<ULONG>(layout.count) != count)
-        check(E_INVALIDARG);
+        refuse(parameters);
     addBlock(context, parameters, *arguments, layout);
 }
 
@@ -145,7 +152,7 @@ void addArguments(const EventContext& context, Value& parameters, IZrLoggedEvent
         parameters.insert(keys::numArguments, 0);
         return;
     }
-    const ArgumentBlockLayout layout = readLayout(context, *arguments);
+    const ArgumentBlockLayout layout = readLayout(context, parameters, *arguments);
     parameters.insert(keys::numArguments, static_cast<double>(layout.count));
     addBlock(context, parameters, *arguments, layout);
 }
@@ -158,17 +165,18 @@ Value parametersOf(const EventContext& context, Source& source) {
     parameters.insert(keys::eventClass, classText(context.read(source, &IZrEvent::get_EventClass)));
     parameters.insert(keys::eventId,
                       static_cast<double>(context.read(source, &IZrEvent::get_EventId)));
-    if (hasSource(context, source, SourceAttribute::id))
-        parameters.insert(keys::sourceId,
-                          static_cast<double>(context.read(source, &IZrEvent::get_SourceId)));
-    if (hasSource(context, source, SourceAttribute::name))
-        parameters.insert(keys::sourceName, textOf(context, source, &IZrEvent::get_SourceName));
-    if (hasSource(context, source, SourceAttribute::guid))
-        parameters.insert(keys::sourceGuid,
-                          Text(guidText(context.read(source, &IZrEvent::get_SourceGuid))));
-    if (const auto json = attribute<IZrJsonAttribute>(context, source))
+    const EventSource origin(context, source);
+    if (origin.id)
+        parameters.insert(keys::sourceId, static_cast<double>(*origin.id));
+    if (origin.name)
+        parameters.insert(keys::sourceName, Text(*origin.name));
+    if (origin.guid)
+        parameters.insert(keys::sourceGuid, Text(*origin.guid));
+    if (const auto json = attribute<IZrJsonAttribute>(context, source)) {
+        context.proceed();
         parameters.insert(keys::jsonAttribute,
-                          textOf(context, *json, &IZrJsonAttribute::get_JsonAttribute));
+                          Text(receiveText(&IZrJsonAttribute::get_JsonAttribute, *json)));
+    }
     addArguments(context, parameters, source);
     return parameters;
 }

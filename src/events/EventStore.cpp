@@ -7,14 +7,6 @@ using ZrHmiSrv::IEventReceiver;
 
 namespace ZrHmiEventLogger {
 
-namespace {
-
-std::optional<int> hostIdOf(const EventStore::Container::Entry* entry) {
-    return entry ? std::optional(entry->event().payload().get_alarm().id()) : std::nullopt;
-}
-
-}  // namespace
-
 EventStore::EventStore(const EventContext& context) : context(context) {
     Lock lock(storeMutex);
     collectEvictions();
@@ -75,16 +67,16 @@ std::vector<Event> EventStore::eventsOldestFirst() const {
     return copy;
 }
 
-std::optional<int> EventStore::findHostId(const IZrAlarm* alarm) const {
+std::vector<LiveAlarmId> EventStore::liveAlarms() const {
+    std::vector<LiveAlarmId> live;
     Lock lock(storeMutex);
-    return hostIdOf(events->findByPointer(alarm));
-}
-
-std::optional<int> EventStore::findHostId(const AlarmKey& key,
-                                          const std::unordered_set<int>& taken) const {
-    Lock lock(storeMutex);
-    return hostIdOf(events->find(
-        key, [&](const Container::Entry& entry) { return !taken.contains(*hostIdOf(&entry)); }));
+    live.reserve(events->counters().activeAlarmsCount);
+    events->visitOldestFirst([&](const Container::Entry& entry) {
+        if (const AlarmKey* key = entry.alarmKey())
+            live.push_back(
+                {entry.pointer()->get(), *key, entry.event().payload().get_alarm().id()});
+    });
+    return live;
 }
 
 EventStore::AlarmPointer EventStore::pin(int hostId) const {

@@ -2,8 +2,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -17,6 +15,13 @@
 #include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
+
+/// The host id under which a live alarm is stored.
+struct LiveAlarmId {
+    const ZrEventLoggerFnxProxyLib::IZrAlarm* object;
+    AlarmKey key;
+    int hostId;
+};
 
 /// The events of one target system that stand in the host, and the locks around them. Any thread.
 /// Nothing is reported from inside a change: what was evicted is handed to the caller.
@@ -65,11 +70,8 @@ public:
     bool tryProvideEvents(ZrHmiSrv::IEventReceiver& receiver) EXCLUDES(publishMutex, storeMutex);
     std::vector<ZrHmiSrv::Event> eventsOldestFirst() const EXCLUDES(storeMutex);
 
-    /// The host id under which a live alarm is stored.
-    std::optional<int> findHostId(const IZrAlarm* alarm) const EXCLUDES(storeMutex);
-    /// The same of the first that is none of these.
-    std::optional<int> findHostId(const AlarmKey& key, const std::unordered_set<int>& taken) const
-        EXCLUDES(storeMutex);
+    /// All that have a live proxy alarm, oldest first.
+    std::vector<LiveAlarmId> liveAlarms() const EXCLUDES(storeMutex);
     /// Keeps the live alarm of a host id alive; null when there is none.
     AlarmPointer pin(int hostId) const EXCLUDES(storeMutex);
 

@@ -16,6 +16,7 @@ struct ImportResult {
     std::uint64_t activeAlarms = 0;  ///< taken over with their live proxy alarm
     std::uint64_t keptIds = 0;       ///< of those, known to the host before
     std::uint64_t recorded = 0;      ///< notifications that arrived meanwhile
+    std::uint64_t rejected = 0;      ///< events that contradict themselves, left out
     std::chrono::nanoseconds duration{};
     /// The logger's database changed meanwhile: what was imported is stale already.
     std::optional<ZrEventLoggerFnxProxyLib::tagDatabaseChangeReasonEnum> databaseChange;

@@ -1,6 +1,7 @@
 #include "events/ImportSnapshot.h"
 
 #include "events/Conversion.h"
+#include "events/KeptIds.h"
 #include "events/ProxyValue.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
@@ -23,35 +24,34 @@ bool isStillActive(const EventContext& context, IZrLoggedEvent& item) {
 }  // namespace
 
 void ImportSnapshot::fetch(Logger& logger) {
-    context.proceed();
     const auto loggedEvents =
-        receiveObject<IZrLoggedEventCollection>([&](IZrLoggedEventCollection** events) {
+        context.receive<IZrLoggedEventCollection>([&](IZrLoggedEventCollection** events) {
             return logger.GetLoggedEvents(static_cast<ULONG>(context.eventLimit), events);
         });
-    context.proceed();
-    const auto alarms = receiveObject<IZrAlarmCollection>(
+    const auto alarms = context.receive<IZrAlarmCollection>(
         [&](IZrAlarmCollection** collection) { return logger.GetActiveAlarms(collection); });
-    forEachItem<IZrLoggedEvent>(*loggedEvents, [&](auto item) {
-        takeLogged(std::move(item));
-        context.proceed();
+    context.forEach<IZrLoggedEvent>(*loggedEvents, [&](auto item) {
+        ++fetchedLogged;
+        rejected.unlessMalformed([&] { takeLogged(std::move(item)); });
     });
-    forEachItem<IZrAlarm>(*alarms, [&](auto alarm) {
-        takeActive(std::move(alarm));
-        context.proceed();
-    });
-    keepIds();
+    context.forEach<IZrAlarm>(*alarms, [&](auto alarm) { takeActive(std::move(alarm)); });
     convertActive();
+    convertUnlisted();
+    // The proxy is not called any more: an import that fails or is abandoned has drawn no ids.
+    context.proceed();
+    keepIds();
+    drawIds();
     build();
 }
 
 void ImportSnapshot::takeLogged(ComPtr<IZrLoggedEvent> item) {
     if (isStillActive(context, *item)) {
         const AlarmKey key = alarmKeyOf(context, *item);
-        skipped.push_back({std::move(item), key});
+        skipped.push_back({std::move(item), key, {}, {}});
         return;
     }
     Logged entry;
-    toHostEvent(entry.event, *item, context, context.drawHostId());
+    toHostEvent(entry.event, *item, context, 0);
     if (entry.event.payload().type() == ValueType::alarm)
         entry.key = alarmKeyOf(context, *item);
     logged.push_back(std::move(entry));
@@ -65,27 +65,52 @@ void ImportSnapshot::takeActive(ComPtr<IZrAlarm> source) {
     active.push_back({std::move(source), key, {}, {}});
 }
 
+/// Leaves of the active alarms those that were not rejected.
+void ImportSnapshot::convertActive() {
+    std::erase_if(active, [&](Active& entry) {
+        if (!rejected.unlessMalformed(
+                [&] { toHostAlarm(entry.alarm, *entry.source, context, 0, true); }))
+            return activeAlarms.erase(entry.source.get()) != 0;
+        entry.key.timeRaised = entry.alarm.time_raised();  // it may have been raised again
+        activeKeys.insert(entry.key);
+        return false;
+    });
+}
+
+/// Leaves of the skipped those that have ended between the two lists, or were raised again: then
+/// the notification of that will tell.
+void ImportSnapshot::convertUnlisted() {
+    std::erase_if(skipped, [&](Skipped& entry) {
+        return activeKeys.contains(entry.key) || !rejected.unlessMalformed([&] {
+            entry.instance = alarmInstanceOf(context, *entry.item, entry.key);
+            toHostEvent(entry.event, *entry.item, context, 0);
+        });
+    });
+}
+
 /// An alarm that survived a reconnection keeps its id: as the same object or, where no such
 /// object claims the id, by its key.
 void ImportSnapshot::keepIds() {
+    KeptIds ids(running.liveAlarms());
     for (Active& entry : active)
-        entry.keptId = keepOnce(running.findHostId(entry.source.get()));
+        entry.keptId = ids.take(entry.source.get());
     for (Active& entry : active)
         if (!entry.keptId)
-            entry.keptId = keepOnce(running.findHostId(entry.key, keptIds));
+            entry.keptId = ids.take(entry.key);
+    keptIds = ids.taken();
 }
 
-std::optional<int> ImportSnapshot::keepOnce(std::optional<int> hostId) {
-    return hostId && keptIds.insert(*hostId).second ? hostId : std::nullopt;
-}
-
-void ImportSnapshot::convertActive() {
-    for (Active& entry : active) {
-        const int hostId = entry.keptId ? *entry.keptId : context.drawHostId();
-        toHostAlarm(entry.alarm, *entry.source, context, hostId, false);
-        entry.key.timeRaised = entry.alarm.time_raised();  // it may have been raised again
-        activeKeys.insert(entry.key);
+/// Every event that was not skipped has a number, also one that is no alarm.
+void ImportSnapshot::drawIds() {
+    for (Logged& entry : logged) {
+        const int hostId = context.drawHostId();
+        if (entry.key)
+            setHostId(entry.event, hostId);
     }
+    for (Active& entry : active)
+        entry.alarm.set_id(entry.keptId ? *entry.keptId : context.drawHostId());
+    for (Skipped& entry : skipped)
+        setHostId(entry.event, context.drawHostId());
 }
 
 void ImportSnapshot::build() {
@@ -93,6 +118,12 @@ void ImportSnapshot::build() {
     rebuilt->reserve(active.size());
     rebuilt->setEvictionCallback(
         [this](std::int64_t, Event event) { evicted.push_back(std::move(event)); });
+    insertLogged();
+    insertActive();
+    insertUnlisted();
+}
+
+void ImportSnapshot::insertLogged() {
     for (const Logged& entry : logged) {
         const Value& payload = entry.event.payload();
         if (!payload.isset() || (entry.key && activeKeys.contains(*entry.key)))
@@ -103,6 +134,9 @@ void ImportSnapshot::build() {
             identities.addMessage(payload.get_message());
         rebuilt->insert(entry.event, {}, context.eventLimit);
     }
+}
+
+void ImportSnapshot::insertActive() {
     for (const Active& entry : active) {
         identities.addAlarm(entry.key);
         auto pointer = std::make_shared<ScopedEventPointer<IZrAlarm>>(entry.source);
@@ -110,23 +144,12 @@ void ImportSnapshot::build() {
     }
 }
 
-std::vector<ImportSnapshot::Skipped> ImportSnapshot::unlisted() const {
-    std::vector<Skipped> missing;
-    for (const Skipped& entry : skipped)
-        if (!activeKeys.contains(entry.key))
-            missing.push_back(entry);
-    if (missing.empty())
-        return missing;
-    // The active list may hold an alarm under a later time than the log did.
-    std::unordered_set<AlarmInstance> listed;
-    for (const Active& entry : active)
-        if (const auto instance = alarmInstanceOf(context, *entry.source, entry.key))
-            listed.insert(*instance);
-    std::erase_if(missing, [&](const Skipped& entry) {
-        const auto instance = alarmInstanceOf(context, *entry.item, entry.key);
-        return instance && listed.contains(*instance);
-    });
-    return missing;
+void ImportSnapshot::insertUnlisted() {
+    for (const Skipped& entry : skipped) {
+        identities.addUnsettled({entry.key, entry.event.payload().get_alarm().id()},
+                                entry.instance);
+        rebuilt->insert(entry.event, {}, context.eventLimit);
+    }
 }
 
 }  // namespace ZrHmiEventLogger

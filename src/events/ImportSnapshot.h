@@ -2,13 +2,13 @@
 
 #include <memory>
 #include <optional>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "events/EventContext.h"
 #include "events/EventStore.h"
 #include "events/ImportedIdentities.h"
+#include "events/RejectedEvents.h"
 #include "targetsystem/proxy/ComPtr.h"
 #include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
@@ -23,14 +23,8 @@ public:
     using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
     using IZrLoggedEvent = ZrEventLoggerFnxProxyLib::IZrLoggedEvent;
 
-    /// A logged alarm that was skipped because the log shows it as still active.
-    struct Skipped {
-        ZrAtlCom::ComPtr<IZrLoggedEvent> item;
-        AlarmKey key;
-    };
-
-    ImportSnapshot(const EventContext& context, const EventStore& running)
-        : context(context), running(running) {}
+    ImportSnapshot(const EventContext& context, const EventStore& running, RejectedEvents& rejected)
+        : context(context), running(running), rejected(rejected) {}
 
     /// Throws what the proxy throws, or Abandoned when the target is over.
     void fetch(Logger& logger);
@@ -41,16 +35,21 @@ public:
     void keepUntilTheEnd(std::shared_ptr<Container> replaced) { former = std::move(replaced); }
 
     bool tookOver(const IZrAlarm* alarm) const { return activeAlarms.contains(alarm); }
-    /// The skipped alarms that the active list did not hold. Throws as fetch does.
-    std::vector<Skipped> unlisted() const;
-    std::uint64_t loggedCount() const { return logged.size() + skipped.size(); }
+    std::uint64_t loggedCount() const { return fetchedLogged; }
     std::uint64_t activeCount() const { return activeAlarms.size(); }
-    std::uint64_t keptIdCount() const { return keptIds.size(); }
+    std::uint64_t keptIdCount() const { return keptIds; }
 
 private:
     struct Logged {
         ZrHmiSrv::Event event;
         std::optional<AlarmKey> key;  ///< of an alarm
+    };
+    /// A logged alarm that the log shows as still active.
+    struct Skipped {
+        ZrAtlCom::ComPtr<IZrLoggedEvent> item;
+        AlarmKey key;
+        AlarmInstance instance;
+        ZrHmiSrv::Event event;
     };
     struct Active {
         ZrAtlCom::ComPtr<IZrAlarm> source;
@@ -61,19 +60,25 @@ private:
 
     void takeLogged(ZrAtlCom::ComPtr<IZrLoggedEvent> item);
     void takeActive(ZrAtlCom::ComPtr<IZrAlarm> source);
-    void keepIds();
-    std::optional<int> keepOnce(std::optional<int> hostId);
     void convertActive();
+    void convertUnlisted();
+    void keepIds();
+    void drawIds();
     void build();
+    void insertLogged();
+    void insertActive();
+    void insertUnlisted();
 
     const EventContext& context;
     const EventStore& running;
+    RejectedEvents& rejected;
+    std::uint64_t fetchedLogged = 0;
+    std::uint64_t keptIds = 0;
     std::vector<Logged> logged;
     std::vector<Skipped> skipped;
     std::vector<Active> active;
     std::unordered_set<const IZrAlarm*> activeAlarms;
     std::unordered_set<AlarmKey> activeKeys;
-    std::unordered_set<int> keptIds;
     ImportedIdentities identities;
     std::shared_ptr<Container> rebuilt;
     std::shared_ptr<Container> former;

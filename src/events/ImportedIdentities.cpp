@@ -52,27 +52,10 @@ void ImportedIdentities::addMessage(const Message& message) {
     messages.insert(identityOf(message));
 }
 
-void ImportedIdentities::addUnsettled(const UnsettledAlarm& alarm,
-                                      const std::optional<AlarmInstance>& instance) {
+void ImportedIdentities::addUnsettled(const UnsettledAlarm& alarm, const AlarmInstance& instance) {
     addAlarm(alarm.key);
     unsettledAlarms.insert_or_assign(alarm.key, alarm.hostId);
-    if (instance)
-        unsettledInstances.insert_or_assign(*instance, alarm.key);
-}
-
-void ImportedIdentities::settle(const AlarmKey& key) {
-    unsettledAlarms.erase(key);
-}
-
-bool ImportedIdentities::takeAlarm(const AlarmKey& key, NotificationKind kind) {
-    const auto found = alarms.find(key);
-    if (found == alarms.end())
-        return false;
-    std::size_t& taken = found->second.taken[static_cast<std::size_t>(kind)];
-    if (taken == found->second.count)
-        return false;
-    ++taken;
-    return true;
+    unsettledInstances.insert_or_assign(instance, alarm.key);
 }
 
 bool ImportedIdentities::takeMessage(const Message& message) {

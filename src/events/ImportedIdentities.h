@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -9,7 +8,6 @@
 #include <unordered_set>
 
 #include "events/AlarmKey.h"
-#include "events/NotificationKind.h"
 #include "host/Event.h"
 
 namespace ZrHmiEventLogger {
@@ -21,8 +19,7 @@ struct UnsettledAlarm {
 };
 
 /// What an import took over, so that a notification that the library delivers only afterwards, on
-/// the same connection, does not double it. Each identity holds against one notification of a
-/// kind. Used with the target's sinkMutex held.
+/// the same connection, does not double it. Used with the target's sinkMutex held.
 class ImportedIdentities {
 public:
     using Clock = std::chrono::steady_clock;
@@ -34,28 +31,23 @@ public:
             *this = {};
     }
 
-    void addAlarm(const AlarmKey& key) { ++alarms[key].count; }
+    /// One whose last state was taken over.
+    void addAlarm(const AlarmKey& key) { alarms.insert(key); }
     void addMessage(const ZrHmiSrv::Message& message);
     /// A logged alarm that the log showed as alive but the active list did not hold: its end may
     /// still be told, and before it that the alarm was raised again.
-    void addUnsettled(const UnsettledAlarm& alarm, const std::optional<AlarmInstance>& instance);
-    /// Its end was told.
-    void settle(const AlarmKey& key);
+    void addUnsettled(const UnsettledAlarm& alarm, const AlarmInstance& instance);
+    /// Its end was told, or the alarm stands in the store as a live one now.
+    void settle(const AlarmKey& key) { unsettledAlarms.erase(key); }
 
-    bool holdsAlarm(const AlarmKey& key) const { return alarms.contains(key); }
-    /// True once for each kind of notification of an alarm that was taken over.
-    bool takeAlarm(const AlarmKey& key, NotificationKind kind);
+    bool contains(const AlarmKey& key) const { return alarms.contains(key); }
     /// True once for each message that was taken over.
     bool takeMessage(const ZrHmiSrv::Message& message);
-    std::optional<UnsettledAlarm> unsettled(const AlarmKey& key) const;
     bool anyUnsettled() const { return !unsettledAlarms.empty(); }
+    std::optional<UnsettledAlarm> unsettled(const AlarmKey& key) const;
     std::optional<UnsettledAlarm> unsettled(const AlarmInstance& instance) const;
 
 private:
-    struct Copies {
-        std::size_t count = 0;
-        std::array<std::size_t, notificationKinds> taken{};
-    };
     struct MessageIdentity {
         std::int64_t timeRaised;
         std::size_t digest;  ///< of class, id, source and arguments
@@ -67,7 +59,7 @@ private:
     static MessageIdentity identityOf(const ZrHmiSrv::Message& message);
 
     Clock::time_point end = Clock::time_point::max();
-    std::unordered_map<AlarmKey, Copies> alarms;
+    std::unordered_set<AlarmKey> alarms;
     std::unordered_map<AlarmKey, int> unsettledAlarms;  ///< with their host ids
     std::unordered_map<AlarmInstance, AlarmKey> unsettledInstances;
     std::unordered_multiset<MessageIdentity, Hash> messages;

@@ -74,13 +74,7 @@ public:
     }
 
     /// The live entry of this alarm, stored under the time that the key names.
-    Entry* find(const AlarmKey& key) const {
-        return find(key, [](const Entry&) { return true; });
-    }
-    template <class Accept>
-    Entry* find(const AlarmKey& key, Accept accept) const {
-        return live.find(key, accept);
-    }
+    Entry* find(const AlarmKey& key) const { return live.find(key); }
     Entry* findByPointer(const Interface* object) const { return live.findByObject(object); }
     /// The live entry whose alarm has this host id.
     Entry* findById(int id) const { return live.findByHostId(id); }
@@ -172,7 +166,8 @@ public:
         std::int64_t key() const { return place; }
         const ZrHmiSrv::Event& event() const { return content; }
         bool isLive() const { return live != nullptr; }
-        /// Null unless live.
+        /// Null unless live, as is the pointer.
+        const AlarmKey* alarmKey() const { return live ? &live->alarm.key : nullptr; }
         std::shared_ptr<ScopedPointer> pointer() const {
             return live ? live->alarm.pointer : nullptr;
         }

@@ -43,6 +43,7 @@ public:
 
         std::int64_t timeRaised() const { return alarm.key.timeRaised.nanoseconds(); }
         std::optional<std::uint32_t> number() const { return alarm.key.number; }
+        std::size_t origin() const { return alarm.key.origin; }
         std::int64_t storeKey() const { return entry->key(); }
     };
 
@@ -63,16 +64,12 @@ public:
         nodes.modify(nodes.iterator_to(node), [&](Node& changed) { changed.hostId = hostId; });
     }
 
-    /// An alarm is looked for among the entries stored under its own time only, of which `accept`
-    /// is asked in turn.
-    template <class Accept>
-    Entry* find(const AlarmKey& key, Accept accept) const {
+    /// An alarm is looked for among the entries stored under its own time only.
+    Entry* find(const AlarmKey& key) const {
         const std::int64_t time = key.timeRaised.nanoseconds();
-        const auto [first, last] =
-            nodes.template get<ByKey>().equal_range(std::tuple(time, key.number, time));
-        const auto found = std::find_if(
-            first, last, [&](const Node& node) { return accept(std::as_const(*node.entry)); });
-        return found != last ? found->entry : nullptr;
+        const auto found =
+            nodes.template get<ByKey>().find(std::tuple(time, key.number, key.origin, time));
+        return found != nodes.template get<ByKey>().end() ? found->entry : nullptr;
     }
     Entry* findByObject(const Interface* object) const {
         return first(nodes.template get<ByObject>().equal_range(object));
@@ -94,6 +91,7 @@ private:
         boost::multi_index::composite_key<
             Node, boost::multi_index::const_mem_fun<Node, std::int64_t, &Node::timeRaised>,
             boost::multi_index::const_mem_fun<Node, std::optional<std::uint32_t>, &Node::number>,
+            boost::multi_index::const_mem_fun<Node, std::size_t, &Node::origin>,
             boost::multi_index::const_mem_fun<Node, std::int64_t, &Node::storeKey>>>;
     using Nodes = boost::multi_index_container<
         Node, boost::multi_index::indexed_by<

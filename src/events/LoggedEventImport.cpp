@@ -1,24 +1,19 @@
 #include "events/LoggedEventImport.h"
 
-#include "events/Conversion.h"
-
-using ZrHmiSrv::Event;
-
 namespace ZrHmiEventLogger {
 
 struct LoggedEventImport::Replay {
     const ImportSnapshot& snapshot;
     std::unordered_set<const IZrAlarm*> raised;  ///< in this replay
-    std::unordered_set<AlarmKey> met;
-    std::unordered_set<AlarmInstance> metInstances;
 };
 
 ImportResultPtr LoggedEventImport::run(Logger& logger) {
     // Both outlive sinkMutex: they hold what is to be released without it.
-    const auto snapshot = std::make_shared<ImportSnapshot>(context, store);
+    const auto snapshot = std::make_shared<ImportSnapshot>(context, store, lifecycle.rejected());
     NotificationRecorder::Records discarded;
 
     const auto start = std::chrono::steady_clock::now();
+    const std::uint64_t rejectedBefore = lifecycle.rejected().count();
     auto result = std::make_shared<ImportResult>();
     result->released = snapshot;
     storeExchanged = false;
@@ -34,6 +29,7 @@ ImportResultPtr LoggedEventImport::run(Logger& logger) {
     result->loggedEvents = snapshot->loggedCount();
     result->activeAlarms = snapshot->activeCount();
     result->keptIds = snapshot->keptIdCount();
+    result->rejected = lifecycle.rejected().count() - rejectedBefore;
     result->duration = std::chrono::steady_clock::now() - start;
     return result;
 }
@@ -51,7 +47,7 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
     exchangeStores(snapshot);
     records = notifications.takeRecords();
     result.recorded = records.size();
-    Replay state{snapshot, {}, {}, {}};
+    Replay state{snapshot, {}};
     for (auto& record : records) {
         if (record->kind == NotificationKind::databaseChanged) {
             result.databaseChange = record->reason;
@@ -60,8 +56,6 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
         replay(*record, state);
         record.reset();
     }
-    if (!result.databaseChange)
-        importUnlisted(state);
     lifecycle.imported().endAt(ImportedIdentities::Clock::now() +
                                std::chrono::nanoseconds(context.timeout.nanoseconds()));
     notifications.stopRecording();
@@ -77,52 +71,18 @@ void LoggedEventImport::exchangeStores(ImportSnapshot& snapshot) {
 
 void LoggedEventImport::replay(const RecordedCallback& record, Replay& state) {
     constexpr bool quiet = true;
-    if (record.kind == NotificationKind::messageSent)
-        lifecycle.onMessageSent(*record.message, quiet);
-    else
-        replayAlarm(record, state);
-}
-
-void LoggedEventImport::replayAlarm(const RecordedCallback& record, Replay& state) {
-    constexpr bool quiet = true;
-    const AlarmKey key = alarmKeyOf(context, *record.alarm);
-    const bool known = lifecycle.imported().holdsAlarm(key);
-    lifecycle.imported().takeAlarm(key, record.kind);
-    if (state.snapshot.tookOver(record.alarm.get()))
+    IZrAlarm* const alarm = record.alarm.get();
+    if (alarm && state.snapshot.tookOver(alarm))
         return lifecycle.refresh(record);
-    if (known)
-        return;
-    state.met.insert(key);
-    if (const auto instance = alarmInstanceOf(context, *record.alarm, key))
-        state.metInstances.insert(*instance);
     // A change of an alarm that nobody has seen begins with the alarm itself.
-    if (state.raised.insert(record.alarm.get()).second &&
-        record.kind != NotificationKind::alarmRaised)
-        lifecycle.onAlarmRaised(*record.alarm, quiet);
+    if (alarm && state.raised.insert(alarm).second && record.kind != NotificationKind::alarmRaised)
+        lifecycle.onAlarmRaised(*alarm, quiet);
     lifecycle.handle(record, quiet);
-}
-
-/// Alarms that ended between the log's answer and the active list's, and of whose end no
-/// notification told so far.
-void LoggedEventImport::importUnlisted(const Replay& state) {
-    for (const ImportSnapshot::Skipped& skipped : state.snapshot.unlisted()) {
-        const auto instance = alarmInstanceOf(context, *skipped.item, skipped.key);
-        if (state.met.contains(skipped.key) || (instance && state.metInstances.contains(*instance)))
-            continue;
-        Event event;
-        const int hostId = context.drawHostId();
-        toHostEvent(event, *skipped.item, context, hostId);
-        lifecycle.imported().addUnsettled({skipped.key, hostId}, instance);
-        Lock lock(store.publishMutex);
-        context.proceed();
-        store.forget(store.change([&](EventStore::Container& events) {
-            events.insert(std::move(event), {}, context.eventLimit);
-        }));
-    }
 }
 
 NotificationRecorder::Records LoggedEventImport::abandon() {
     Lock lock(notifications.sinkMutex);
+    lifecycle.imported() = {};
     notifications.stopRecording();
     return notifications.takeRecords();
 }

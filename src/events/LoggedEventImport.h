@@ -40,8 +40,6 @@ private:
         EXCLUDES(notifications.sinkMutex);
     void exchangeStores(ImportSnapshot& snapshot);
     void replay(const RecordedCallback& record, Replay& state);
-    void replayAlarm(const RecordedCallback& record, Replay& state);
-    void importUnlisted(const Replay& state);
     NotificationRecorder::Records abandon() EXCLUDES(notifications.sinkMutex);
 
     const EventContext& context;

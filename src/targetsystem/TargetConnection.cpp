@@ -47,9 +47,9 @@ bool TargetConnection::check(ImportResultPtr& importResult) {
     settle(up, wasDown || failedToImport);
     attempted.reach();
     if (const auto news = with.texts.takeNews())
-        with.context.logging.logMessage(diagnosticMessage(
-            "TRANSLATION_CACHE_USED", {settings.name, news->hits, news->misses},
-            Severity::verbose));
+        with.context.logging.logMessage(diagnosticMessage("TRANSLATION_CACHE_USED",
+                                                          {settings.name, news->hits, news->misses},
+                                                          Severity::verbose));
     return takeStale();
 }
 
@@ -167,7 +167,7 @@ void TargetConnection::logImport(const ImportResult& result) {
     with.context.logging.logMessage(
         diagnosticMessage("LOGGED_EVENTS_IMPORTED",
                           {settings.name, result.number, result.loggedEvents, result.activeAlarms,
-                           result.keptIds, result.recorded, milliseconds},
+                           result.keptIds, result.recorded, milliseconds, result.rejected},
                           Severity::verbose));
 }
 

@@ -1,5 +1,7 @@
 /// The server's side of the extension interface and of HTTP, with an extension that does little.
 #include <algorithm>
+#include <future>
+#include <thread>
 
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
@@ -36,6 +38,80 @@ TEST_F(HostTest, ListenersComeAndGoInsideTheirCallsAndTheExtensionLeavesInOrder)
     EXPECT_EQ(server.stop(), 0);
     EXPECT_EQ(stream.next(), std::nullopt);
     EXPECT_THAT(server.errors(), testing::HasSubstr("shut down\ndestroyed without listeners\n"));
+}
+
+TEST_F(HostTest, StoppingRefusesWhatWaitsAndEndsWhatRuns) {
+    const auto asynchronously = [&](const char* name) {
+        return std::async(std::launch::async, [this, name] { return command(name, "A"); });
+    };
+    const auto running = asynchronously("hang");
+    auto second = asynchronously("hang");
+    ASSERT_TRUE(
+        eventually([&] { return server.hasMetric("hmi_lane_running{lane=\"commands\"} 2"); }));
+    auto queued = asynchronously("echo");
+    ASSERT_TRUE(
+        eventually([&] { return server.hasMetric("hmi_lane_waiting{lane=\"commands\"} 1"); }));
+    EXPECT_EQ(command("echo", "B").status, 200U) << "another target system's";
+    EXPECT_EQ(server.stop(), 0);
+    EXPECT_EQ(queued.get().status, 503U);
+    EXPECT_EQ(second.get().status, 200U) << "it ran, and had its answer";
+    EXPECT_THAT(server.errors(), testing::HasSubstr("shut down\ndestroyed without listeners\n"));
+}
+
+/// The end of a server whose extension hangs before or after it listens.
+class StopTest : public testing::Test {
+protected:
+    std::vector<std::string> arguments(const char* config) {
+        return {"--extension", TEST_EXTENSION_FILE,
+                "--config",    files.write("config.json", config),
+                "--port",      "0"};
+    }
+    static bool hangs(ChildProcess& server) {
+        return eventually([&] { return server.errors().find("hanging") != std::string::npos; });
+    }
+    /// Has it execute a command that does not return.
+    static std::thread hang(ChildProcess& server) {
+        EXPECT_TRUE(eventually([&] { return server.output().ends_with('\n'); }));
+        const std::string line = server.output();
+        const auto port = static_cast<std::uint16_t>(std::stoi(line.substr(line.rfind(':') + 1)));
+        std::thread client([port] {
+            EXPECT_ANY_THROW(sendRequest(
+                port, "POST", "/api/commands",
+                R"([{"command": "hang for ever", "writeValue": {"targetName": "Filler"}}])"));
+        });
+        EXPECT_TRUE(hangs(server));
+        return client;
+    }
+
+    const TemporaryDirectory files;
+};
+
+TEST_F(StopTest, DuringInitIsHeardByTheExtension) {
+    ChildProcess server(SERVER_FILE, arguments(R"({"TIMEOUT": "PT60S", "HANG_IN_INIT": true})"));
+    ASSERT_TRUE(hangs(server));
+    server.interrupt();
+    EXPECT_EQ(server.wait(), 0);
+    EXPECT_THAT(server.errors(), testing::HasSubstr("stopping\nshut down\ndestroyed without"));
+}
+
+TEST_F(StopTest, WaitsForTheExtensionNoLongerThanItsTimeout) {
+    ChildProcess server(SERVER_FILE, arguments(R"({"TIMEOUT": "PT0.2S"})"));
+    std::thread client = hang(server);
+    server.interrupt();
+    EXPECT_EQ(server.wait(), 0);
+    EXPECT_THAT(server.errors(), testing::HasSubstr("waiting for 1 commands of Filler"));
+    EXPECT_THAT(server.errors(), testing::HasSubstr("does not let go"));
+    client.join();
+}
+
+TEST_F(StopTest, ASecondTimeIsAtOnce) {
+    ChildProcess server(SERVER_FILE, arguments(R"({"TIMEOUT": "PT1H"})"));
+    std::thread client = hang(server);
+    server.interrupt();
+    EXPECT_TRUE(eventually([&] { return server.errors().find("stopping") != std::string::npos; }));
+    server.interrupt();
+    EXPECT_EQ(server.wait(), 0);
+    client.join();
 }
 
 /// Expects that no request of a test changes anything.

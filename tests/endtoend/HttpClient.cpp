@@ -101,6 +101,14 @@ HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std:
     return answer;
 }
 
+void abandonRequest(std::uint16_t port, const std::string& method, const std::string& target) {
+    asio::io_context io;
+    asio::ip::tcp::socket socket(io);
+    socket.connect(loopback(port));
+    asio::write(socket,
+                asio::buffer(method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n"));
+}
+
 struct StreamClient::Connection {
     asio::io_context io;
     websocket::stream<beast::tcp_stream> stream{io};

@@ -31,6 +31,9 @@ HttpAnswer sendRaw(std::uint16_t port, const std::string& bytes);
 /// All that the server answers to these bytes until it closes the connection, for a minute at most.
 std::string exchange(std::uint16_t port, const std::string& bytes);
 
+/// Sends a request on a connection of its own and leaves before there can be an answer.
+void abandonRequest(std::uint16_t port, const std::string& method, const std::string& target);
+
 /// Follows the stream of the server.
 class StreamClient {
 public:

@@ -28,8 +28,10 @@ inline VARIANT_BOOL toVariantBool(bool value) {
 struct FakeBorder {
     std::function<void()> onCall = [] {};
     int goodCalls = -1;  ///< before the one that fails; none fails while negative
+    int calls = 0;       ///< that could fail
 
     HRESULT enter() {
+        ++calls;
         onCall();
         return goodCalls >= 0 && goodCalls-- == 0 ? E_ACCESSDENIED : S_OK;
     }

@@ -1,5 +1,8 @@
+#include <algorithm>
+
 #include <gmock/gmock.h>
 
+#include "targetsystem/proxy/CAtlException.h"
 #include "tests/events/TargetWorld.h"
 
 namespace {
@@ -10,12 +13,16 @@ using namespace ZrEventLoggerFnxProxyLib;
 using ZrHmiEventLogger::ImportResultPtr;
 using Lines = std::vector<std::string>;
 
-/// With room for three events.
 struct LoggedEventImport : Test, TargetWorld {
-    LoggedEventImport() : TargetWorld(3) {}
+    LoggedEventImport() : TargetWorld(100) {}
 };
 
-TEST_F(LoggedEventImport, TakesOverTheLogAndTheActiveAlarms) {
+/// With room for three events.
+struct CrowdedImport : Test, TargetWorld {
+    CrowdedImport() : TargetWorld(3) {}
+};
+
+TEST_F(CrowdedImport, TakesOverTheLogAndTheActiveAlarms) {
     loggedMessage(1);  // more than the limit: not asked for
     loggedMessage(2).data.type = static_cast<LoggedEventType>(2);
     loggedAlarm(3, 1, true);
@@ -82,7 +89,7 @@ TEST_F(LoggedEventImport, AConfirmationMissesAnObjectThatIsReplacedMeanwhile) {
     EXPECT_EQ(confirmByOperator(1), S_OK) << "the new one, under the same id";
 }
 
-TEST_F(LoggedEventImport, ReplaysWhatItDoesNotKnow) {
+TEST_F(CrowdedImport, ReplaysWhatItDoesNotKnow) {
     FakeEvent& fleeting = source(4, 1);
     FakeEvent& lasting = source(5, 2);
     FakeEvent& known = source(1);
@@ -108,7 +115,7 @@ TEST_F(LoggedEventImport, ReplaysWhatItDoesNotKnow) {
     EXPECT_EQ(references(), 1) << "the lasting one";
 }
 
-TEST_F(LoggedEventImport, ShowsTheFinalStateOfWhatChangedMeanwhile) {
+TEST_F(CrowdedImport, ShowsTheFinalStateOfWhatChangedMeanwhile) {
     FakeEvent& ended = active(1, 1);
     FakeEvent& waiting = active(2, 2);
     FakeEvent& anew = active(3, 3);
@@ -136,7 +143,7 @@ TEST_F(LoggedEventImport, ShowsTheFinalStateOfWhatChangedMeanwhile) {
 }
 
 TEST_F(LoggedEventImport, ADatabaseChangeEndsTheReplay) {
-    loggedAlarm(1, 1, true);  // left to the import that follows
+    loggedAlarm(1, 1, true);
     FakeEvent& before = source(2);
     FakeEvent& behind = source(3);
     logger.betweenTheLists = [&] {
@@ -145,7 +152,7 @@ TEST_F(LoggedEventImport, ADatabaseChangeEndsTheReplay) {
         sent(behind);
     };
     EXPECT_EQ(import()->databaseChange, databaseChangeDeleted);
-    EXPECT_THAT(stored(), ElementsAre("2s message"));
+    EXPECT_THAT(stored(), ElementsAre("1s invalid 1", "2s message"));
     EXPECT_EQ(references(), 0);
     sent(behind);
     EXPECT_THAT(host.take(), ElementsAre("send 3s")) << "records no more";
@@ -153,7 +160,8 @@ TEST_F(LoggedEventImport, ADatabaseChangeEndsTheReplay) {
     EXPECT_EQ(import()->recorded, 0U);
 }
 
-TEST_F(LoggedEventImport, HoldsAgainstLateNotificationsOnce) {
+TEST_F(LoggedEventImport, HoldsAgainstLateNotifications) {
+    FakeEvent& current = active(1, 3);
     loggedAlarm(1, 1).data.cleared = at(2);
     loggedMessage(3);
     loggedAlarm(4, 2, true);  // ended before the list of active alarms was read
@@ -161,67 +169,183 @@ TEST_F(LoggedEventImport, HoldsAgainstLateNotificationsOnce) {
     FakeEvent& unsettled = source(4, 2);
     FakeEvent& repeated = source(3);
     import();
-    EXPECT_THAT(stored(), ElementsAre("1s alarm 1 cleared 2s", "3s message", "4s invalid 3"));
+    EXPECT_THAT(stored(),
+                ElementsAre("1s alarm 1 cleared 2s", "1s alarm 3", "3s message", "4s invalid 4"));
 
     sent(repeated);
-    raised(finished);
-    cleared(finished, VARIANT_TRUE);
-    raised(unsettled);
-    EXPECT_THAT(host.take(), IsEmpty());
-    unsettled.data.cleared = at(5);
-    cleared(unsettled, VARIANT_FALSE);
-    unsettled.data.confirmed = at(6);
-    confirmed(unsettled, VARIANT_TRUE);
-    EXPECT_THAT(host.take(), ElementsAre("KNOWN_ALARM_CLEARED Filler false 3 4s 5s", "update 3",
-                                         "KNOWN_ALARM_CONFIRMED Filler true 3 4s 6s", "remove 3"));
-    EXPECT_THAT(stored(), ElementsAre("1s alarm 1 cleared 2s", "3s message",
-                                      "4s alarm 3 cleared 5s confirmed 6s"));
-
-    cleared(finished, VARIANT_TRUE);
-    raised(finished);
-    sent(repeated);
-    EXPECT_THAT(host.take(), ElementsAre("UNKNOWN_ALARM_CLEARED Filler true 1s -",
-                                         "NEW_ALARM_RAISED Filler 4 1s", "raise 4",
-                                         "FORGET_EVENT Filler 1s", "forget 1", "send 3s"))
-        << "each is held back once";
-}
-
-/// The log shows the alarm under its first time, the active list does not show it any more.
-TEST_F(LoggedEventImport, AnAlarmThatIsRaisedAgainAndEndsMeanwhileStandsThereOnce) {
-    for (const bool late : {false, true}) {
-        SCOPED_TRACE(late);
-        logger.logged.clear();
-        loggedAlarm(1, 1, true);
-        loggedAlarm(1, 2, true);  // the end of another instance nobody tells
-        loggedAlarm(2, 1, true).data.eventClass.Data1 = 1;  // nor that of another class
-        FakeEvent& again = source(4, 1);
-        again.data.eventId = 9;  // also as another event
-        again.data.cleared = at(5);
-        const auto tell = [&] {
-            raised(again);
-            cleared(again, VARIANT_TRUE);
-        };
-        logger.betweenTheLists = late ? std::function<void()>([] {}) : tell;
-        import();
-        if (late)
-            tell();
-        EXPECT_THAT(stored(), ElementsAre(StartsWith("1s invalid"), StartsWith("2s invalid"),
-                                          AllOf(StartsWith("4s alarm"), HasSubstr("cleared 5s"))));
+    for (int time = 0; time < 2; ++time) {
+        raised(finished);
+        cleared(finished, VARIANT_TRUE);
+        confirmed(finished, VARIANT_TRUE);
+        raised(current);
     }
-    EXPECT_THAT(host.take(), Contains(StartsWith("ACTIVE_ALARM_RAISED_AGAIN")));
+    EXPECT_THAT(host.take(), IsEmpty());
+    current.data.severity = 4;
+    raised(current);
+    unsettled.data.cleared = at(5);
+    raised(unsettled);
+    EXPECT_THAT(stored(), Contains("4s alarm 4 cleared 5s"));
+    confirmed(unsettled, VARIANT_TRUE);
+    sent(repeated);
+    EXPECT_THAT(host.take(),
+                ElementsAre("ACTIVE_ALARM_RAISED_AGAIN Filler 3 1s", "raise 3",
+                            "ACTIVE_ALARM_RAISED_AGAIN Filler 4 4s", "raise 4",
+                            "KNOWN_ALARM_CONFIRMED Filler true 4 4s -", "remove 4", "send 3s"));
+
+    // All of it ends with the time-out, and with the next import.
+    TargetWorld impatient(10, 0);
+    impatient.loggedMessage(3);
+    impatient.active(1, 1);
+    impatient.import();
+    impatient.sent(*impatient.logger.logged[0]);
+    impatient.raised(*impatient.logger.active[0]);
+    EXPECT_THAT(impatient.host.take(), ElementsAre("send 3s", StartsWith("ACTIVE_ALARM"), _));
 }
 
-TEST_F(LoggedEventImport, AnAlarmThatIsRaisedAgainAtItsTimeIsTakenSeriously) {
-    FakeEvent& alarm = active(1, 1);
+TEST_F(LoggedEventImport, TellsEventsOfOneTimeApart) {
+    void (*const differences[])(FakeEventData&) = {
+        [](FakeEventData& data) { data.eventClass.Data1 = 1; },
+        [](FakeEventData& data) { data.eventId = 9; },
+        [](FakeEventData& data) { data.sourceId = 2; },
+        [](FakeEventData& data) { data.sourceName = "Tank 2"; },
+        [](FakeEventData& data) {
+            data.sourceGuid = GUID{2, 0, 0, {}};
+        },
+        [](FakeEventData& data) {
+            data.block = {2, 2};
+        },
+    };
+    FakeEventData same;
+    same.sourceId = 1;
+    same.sourceName = "Tank 1";
+    same.sourceGuid = GUID{1, 0, 0, {}};
+    same.argumentCount = 1;
+    same.layout = {1, 0, 1, 1, 1};
+    same.block = {2, 1};
+    TargetWorld world(100);
+    world.loggedMessage(1).data = same;
+    world.loggedMessage(1).data = same;
+    FakeEvent& ended = *world.logger.logged[1];
+    ended.data.type = LoggedEventType::alarm;
+    ended.data.cleared = at(2);
+    const bool isAlarm[] = {false, true};
+    world.logger.afterTheLists = [&] {
+        for (const auto differ : differences)
+            for (const bool alarm : isAlarm) {
+                FakeEvent& other = world.source(1);
+                other.data = same;
+                differ(other.data);
+                if (!alarm)
+                    world.sent(other);
+                else if (other.data.block == same.block)  // it does not make another alarm
+                    world.raised(other);
+            }
+    };
+    world.import();
+    EXPECT_EQ(world.stored().size(), 2 + 2 * std::size(differences) - 1);
+}
+
+/// The log shows the alarm under its first time.
+TEST_F(LoggedEventImport, AnAlarmThatIsRaisedAgainMeanwhileStandsThereOnce) {
+    for (const bool late : {false, true})
+        for (const bool ends : {false, true}) {
+            SCOPED_TRACE((late ? "late" : "in time") + std::string(ends ? ", ends" : ""));
+            TargetWorld world(100);
+            world.loggedAlarm(1, 1, true);
+            world.loggedAlarm(1, 2, true);  // the end of another instance nobody tells
+            world.loggedAlarm(2, 1, true).data.eventClass.Data1 = 1;  // nor that of another class
+            FakeEvent& again = world.source(4, 1);
+            again.data.eventId = 9;  // also as another event
+            again.data.cleared = ends ? at(5) : 0;
+            if (!ends)
+                world.logger.active.push_back(&again);
+            const auto tell = [&] {
+                world.raised(again);
+                if (ends)
+                    world.cleared(again, VARIANT_TRUE);
+            };
+            if (!late)
+                world.logger.betweenTheLists = tell;
+            world.import();
+            if (late)
+                tell();
+            EXPECT_THAT(
+                world.stored(),
+                ElementsAre(StartsWith("1s invalid"), StartsWith("2s invalid"),
+                            AllOf(StartsWith("4s alarm"), EndsWith(ends ? "cleared 5s" : ""))));
+            // What the host was told fits: it knows of no former state.
+            const auto told = world.host.take();
+            EXPECT_EQ(std::ranges::count(told, "forget 2"), late && !ends);
+        }
+}
+
+/// Every call fails once, and is the last of a target that ends in it once.
+TEST_F(LoggedEventImport, OneThatFailsOrIsAbandonedChangesNothing) {
+    loggedMessage(1);
     import();
-    raised(alarm);
-    EXPECT_THAT(host.take(), IsEmpty()) << "the raise that the import has seen already";
-    raised(alarm);
-    EXPECT_THAT(host.take(), ElementsAre("ACTIVE_ALARM_RAISED_AGAIN Filler 1 1s", "raise 1"));
-    import();
-    alarm.data.severity = 4;
-    raised(alarm);
-    EXPECT_THAT(host.take(), ElementsAre("ACTIVE_ALARM_RAISED_AGAIN Filler 1 1s", "raise 1"));
+    active(2, 1).data.sourceName = "Tank";
+    loggedAlarm(3, 2).data.cleared = at(4);
+    loggedAlarm(5, 3, true);
+    FakeEvent& recorded = source(6, 4);
+    logger.betweenTheLists = [&] { raised(recorded); };
+    const Lines before = stored();
+    bool exchanged = false;
+    bool completed = false;
+    int lastCall = 0;
+    border.onCall = [&] { retired = retired || border.calls == lastCall; };
+    const auto attempt = [&] {
+        const int idsBefore = ids;
+        try {
+            import();
+            completed = true;
+        } catch (const ZrAtlCom::CAtlException&) {
+        } catch (const ZrHmiEventLogger::Abandoned&) {
+            EXPECT_EQ(border.calls, lastCall);
+        }
+        exchanged |= importer.exchangedStore();
+        if (!exchanged) {
+            EXPECT_EQ(ids, idsBefore);
+            EXPECT_EQ(stored(), before);
+            EXPECT_THAT(host.take(), IsEmpty());
+        }
+    };
+    for (int good = 0; !completed; ++good) {
+        lastCall = border.calls + good + 1;
+        attempt();
+        retired = completed = false;
+        lastCall = 0;
+        border.goodCalls = good;
+        attempt();
+    }
+    EXPECT_TRUE(exchanged);
+
+    border.goodCalls = 0;
+    EXPECT_THROW(import(), ZrAtlCom::CAtlException);
+    host.take();
+    sent(*logger.logged[0]);
+    EXPECT_THAT(host.take(), Contains("send 1s")) << "neither recorded nor taken for a late one";
+}
+
+TEST_F(LoggedEventImport, LeavesOutWhatContradictsItself) {
+    const auto broken = [](FakeEvent& event) {
+        event.data.argumentCount = 1;
+        event.data.layout = {1, 5, 1, 0, 1};
+    };
+    broken(loggedMessage(1));
+    broken(active(2, 1));
+    broken(loggedAlarm(2, 1, true));  // the same, and so nothing more
+    broken(loggedAlarm(3, 2, true));  // ended between the lists
+    active(4, 3);
+    FakeEvent& recorded = source(5, 4);
+    broken(recorded);
+    logger.afterTheLists = [&] { raised(recorded); };
+    EXPECT_EQ(import()->rejected, 4U);
+    EXPECT_THAT(stored(), ElementsAre("4s alarm 1"));
+    raised(recorded);
+    sent(recorded);
+    EXPECT_THAT(host.take(), AllOf(SizeIs(6), Each(StartsWith("error Filler Event 1 of class {0000"
+                                                              "ABCD-0001-0002-0304-"))));
+    EXPECT_EQ(ids, 2);
 }
 
 }  // namespace

@@ -13,8 +13,9 @@ namespace bridge_test {
 struct TargetWorld {
     using Kind = ZrHmiEventLogger::NotificationKind;
 
-    explicit TargetWorld(std::int64_t limit)
-        : context{"Filler", "Domain", host, ids, limit, ZrHmiSrv::Timespan(5'000'000'000),
+    /// `timeout`: of a call, in seconds.
+    explicit TargetWorld(std::int64_t limit, std::int64_t timeout = 60)
+        : context{"Filler", "Domain", host, ids, limit, ZrHmiSrv::Timespan(timeout * 1'000'000'000),
                   stopping, retired} {}
 
     FakeEvent& source(int raised, std::optional<ULONG> instance = {}) {

@@ -1,5 +1,5 @@
-#include <atomic>
-#include <thread>
+#include <functional>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -15,8 +15,10 @@ class FakeSource final : public FakeObject<IConnectionPointContainer, IConnectio
 public:
     HRESULT adviseResult = S_OK;
     HRESULT unadviseResult = S_OK;
-    std::atomic<DWORD> made = 0;
-    std::atomic<DWORD> ended = 0;
+    DWORD made = 0;
+    DWORD ended = 0;
+    DWORD lastEnded = 0;
+    std::function<void()> meanwhile;  ///< once, inside the next call of those below
 
     HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID, IConnectionPoint** found) override {
         AddRef();
@@ -24,12 +26,16 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE Advise(IUnknown*, DWORD* cookie) override {
-        if (SUCCEEDED(adviseResult))
-            *cookie = ++made;
-        return adviseResult;
+        if (FAILED(adviseResult))
+            return adviseResult;
+        *cookie = ++made;
+        overlap();
+        return S_OK;
     }
-    HRESULT STDMETHODCALLTYPE Unadvise(DWORD) override {
+    HRESULT STDMETHODCALLTYPE Unadvise(DWORD cookie) override {
         ++ended;
+        lastEnded = cookie;
+        overlap();
         return unadviseResult;
     }
     HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints**) override {
@@ -40,6 +46,12 @@ public:
         return E_NOTIMPL;
     }
     HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
+
+private:
+    void overlap() {
+        if (const auto other = std::exchange(meanwhile, nullptr))
+            other();
+    }
 };
 
 struct EventCookie : testing::Test {
@@ -69,19 +81,26 @@ TEST_F(EventCookie, EndsEachConnectionOnce) {
     EXPECT_EQ(source.references(), 1);
 }
 
-TEST_F(EventCookie, ParallelCallersEndEveryConnectionExactlyOnce) {
+TEST_F(EventCookie, CallersThatOverlapEndEveryConnectionExactlyOnce) {
     ZrAtlCom::EventCookie cookie;
-    const auto advising = [&] {
-        for (int round = 0; round < 1000; ++round) {
-            advise(cookie);
-            cookie.unadvise();
-        }
-    };
-    std::thread other(advising);
-    advising();
-    other.join();
-    cookie.unadvise();
-    EXPECT_EQ(source.made, source.ended);
+    source.meanwhile = [&] { EXPECT_EQ(advise(cookie), S_OK); };
+    EXPECT_EQ(advise(cookie), S_FALSE) << "the other was faster";
+    EXPECT_EQ(source.made, 2u);
+    EXPECT_EQ(source.ended, 1u);
+    EXPECT_TRUE(cookie.advised());
+
+    source.meanwhile = [&] { EXPECT_EQ(cookie.unadvise(), S_OK); };
+    EXPECT_EQ(cookie.unadvise(), S_OK);
+    EXPECT_EQ(source.ended, 2u);
+
+    // A connection that could not be ended does not take the place of one that was made meanwhile.
+    advise(cookie);
+    source.unadviseResult = E_ABORT;
+    source.meanwhile = [&] { EXPECT_EQ(advise(cookie), S_OK); };
+    EXPECT_EQ(cookie.unadvise(), E_ABORT);
+    source.unadviseResult = S_OK;
+    EXPECT_EQ(cookie.unadvise(), S_OK);
+    EXPECT_EQ(source.lastEnded, source.made);
     EXPECT_EQ(source.references(), 1);
 }
 

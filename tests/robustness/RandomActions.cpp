@@ -120,6 +120,9 @@ RandomActions randomActions(std::mt19937& random, bool numbered) {
     RandomActions actions(3 + random() % 14);
     for (json::object& action : actions) {
         action = randomAction(random);
+        // Without a number, another event is another alarm.
+        if (!numbered && action.at("do") == "raise")
+            action["event"] = action.at("alarm") == "B" ? 2 : 1;
         const std::string identity = identityOf(action, numbered);
         if (!identity.empty() && !identities.insert(identity).second)
             action.erase("timeRaised");

@@ -21,7 +21,7 @@ unsigned setting(const char* name, unsigned otherwise) {
 }
 
 Findings play(const RandomActions& actions, bool numbered) {
-    return RandomWorld(numbered, 2500ms).play(actions);
+    return RandomWorld(numbered, 5000ms).play(actions);
 }
 
 /// Leaves out whatever is not needed for something to be wrong.
@@ -61,15 +61,17 @@ TEST(Random, WhateverHappensTheServerShowsWhatTheLoggerHolds) {
         std::mt19937 random(seed);
         const bool numbered = random() % 2 == 0;
         const RandomActions actions = randomActions(random, numbered);
-        if (play(actions, numbered).empty())
+        const Findings first = play(actions, numbered);
+        if (first.empty())
             continue;
         ++failed;
         const RandomActions fewest = minimised(actions, numbered);
-        std::string found;
-        for (const std::string& finding : play(fewest, numbered))
-            found += "\n  " + finding;
+        const Findings last = play(fewest, numbered);
         ADD_FAILURE() << "seed " << seed << (numbered ? "" : ", without instance numbers") << ":\n"
-                      << toText(fewest) << found;
+                      << toText(actions) << '\n'
+                      << testing::PrintToString(first) << "\nthe fewest actions:\n"
+                      << toText(fewest) << '\n'
+                      << testing::PrintToString(last);
     }
     std::cout << "sequences up to seed " << seed << '\n';
 }

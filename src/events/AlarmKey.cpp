@@ -1,0 +1,49 @@
+#include "events/AlarmKey.h"
+
+#include <string>
+
+#include "events/EventSource.h"
+#include "targetsystem/proxy/Guid.h"
+
+using namespace ZrEventLoggerFnxProxyLib;
+using ZrAtlCom::guidText;
+
+namespace ZrHmiEventLogger {
+
+namespace {
+
+template <class T>
+void combine(std::size_t& seed, const std::optional<T>& part) {
+    boost::hash_combine(seed, part ? std::hash<T>()(*part) + 1 : 0);
+}
+
+std::size_t classOf(const EventContext& context, IZrEvent& event) {
+    return std::hash<std::string>()(guidText(context.read(event, &IZrEvent::get_EventClass)));
+}
+
+std::size_t originOf(const EventContext& context, IZrEvent& event) {
+    const EventSource source(context, event);
+    std::size_t seed = classOf(context, event);
+    boost::hash_combine(seed, context.read(event, &IZrEvent::get_EventId));
+    combine(seed, source.id);
+    combine(seed, source.name);
+    combine(seed, source.guid);
+    return seed;
+}
+
+}  // namespace
+
+AlarmKey alarmKeyOf(const EventContext& context, IZrEvent& source) {
+    AlarmKey key{toTimestamp(context.read(source, &IZrEvent::get_TimeRaised)), {}};
+    if (const auto instance = context.query<IZrEventInstance>(source))
+        key.number = context.read(*instance, &IZrEventInstance::get_InstanceId);
+    else
+        key.origin = originOf(context, source);
+    return key;
+}
+
+AlarmInstance alarmInstanceOf(const EventContext& context, IZrEvent& source, const AlarmKey& key) {
+    return {key.number, key.number ? classOf(context, source) : key.origin};
+}
+
+}  // namespace ZrHmiEventLogger
