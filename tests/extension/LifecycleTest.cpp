@@ -6,6 +6,7 @@
 
 #include "extension/LoadedExtension.h"
 #include "localization/LocalizableItem.h"
+#include "robustness/Eventually.h"
 #include "support/Simulation.h"
 
 using namespace bridge_test;
@@ -242,6 +243,43 @@ TEST_F(Running, AnAlarmGoesToTheHostAndItsConfirmationToTheLogger) {
     EXPECT_EQ(unknown.text().view(), "TARGET_NOT_FOUND");
 }
 
+TEST_F(Running, EveryReasonOfADatabaseChangeIsLoggedAndImportsAgain) {
+    const char* const reasons[] = {"Undefined", "ClearLoggedEvents", "MaximumSizeReached",
+                                   "Deleted"};
+    for (std::size_t i = 0; i < std::size(reasons); ++i) {
+        simulation.act(R"({"do": "databaseChanged", "reason": )" + std::to_string(i) + "}");
+        ASSERT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == i + 2; }));
+        host.look([&] {
+            const auto change = host.lastLogged("DATABASE_CHANGED").parameters().get_map();
+            EXPECT_EQ(change.get("0").get_string(), "Filler");
+            EXPECT_EQ(change.get("1").get_string(), reasons[i]);
+        });
+    }
+}
+
+TEST_F(Running, NotificationsAreHandledAlsoWhileNoImportSucceeds) {
+    // It never lets go of the connection either.
+    simulation.act(R"([{"do": "fail", "call": "Disconnect", "kind": "answersNothing",
+                        "times": 1000000},
+                       {"do": "fail", "call": "GetActiveAlarms", "kind": "exception",
+                        "times": 1000000}])");
+    loaded.command("ForceReconnect", "Filler");
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("CORVANE_EVENTLOGGER_ERROR") > 1; }));
+    host.look([&] {
+        const auto report = host.lastLogged("CORVANE_EVENTLOGGER_ERROR").parameters().get_map();
+        EXPECT_EQ(report.get("2").get_string(),
+                  "An error occurred in the communication with the Corvane EventLogger.")
+            << "as the exception has no text";
+    });
+    // One that meets an import is discarded with it.
+    EXPECT_TRUE(eventually([&] {
+        simulation.raise("hot");
+        std::size_t raised = 0;
+        host.look([&] { raised = host.logged("NEW_ALARM_RAISED"); });
+        return raised != 0;
+    }));
+}
+
 TEST_F(Running, TheTextsOfATargetAreLookedUpAnewAfterItsImport) {
     LocalizableItem item(raise(R"(, "arguments": [95.5], "source": {"name": "Tank"})").payload());
     auto& localization = *loaded.listener<IZrHmiSrvEventLocalizationListener>();
@@ -249,15 +287,34 @@ TEST_F(Running, TheTextsOfATargetAreLookedUpAnewAfterItsImport) {
     const auto localize = [&] {
         return localization.localize_event(loaded.context, "de-DE", item, text);
     };
-    for (int round = 0; round < 2; ++round) {
+
+    // While the target is being checked, which tells of the cache in the end.
+    simulation.act(R"({"do": "pause", "call": "IsConnected"})");
+    const auto checks = simulation.calls("IsConnected");
+    ASSERT_TRUE(eventually([&] { return simulation.calls("IsConnected") > checks; }));
+    for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(localize(), ErrorValue::success);
         EXPECT_EQ(text.name().view(), "Temperatur 95.5 zu hoch");
     }
     EXPECT_EQ(simulation.calls("GetEventText"), 1);
+    simulation.act(R"({"do": "resume"})");
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("TRANSLATION_CACHE_USED") != 0; }));
+    host.look([&] {
+        const auto used = host.lastLogged("TRANSLATION_CACHE_USED").parameters().get_map();
+        EXPECT_EQ(used.get("0").get_string(), "Filler");
+        EXPECT_EQ(static_cast<int>(used.get("1")), 8) << "hits";
+        EXPECT_EQ(static_cast<int>(used.get("2")), 4) << "misses";
+    });
+    // During the import, and again after it.
+    simulation.act(R"({"do": "pause", "call": "GetActiveAlarms"})");
     EXPECT_EQ(loaded.command("ForceReconnect", "Filler").extension_result(), 0u);
-    ASSERT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == 2; }));
+    ASSERT_TRUE(eventually([&] { return simulation.calls("GetActiveAlarms") == 2; }));
     EXPECT_EQ(localize(), ErrorValue::success);
     EXPECT_EQ(simulation.calls("GetEventText"), 2);
+    simulation.act(R"({"do": "resume"})");
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == 2; }));
+    EXPECT_EQ(localize(), ErrorValue::success);
+    EXPECT_EQ(simulation.calls("GetEventText"), 3);
 
     simulation.act(R"({"do": "fail", "call": "GetEventText", "hresult": "0x80004005"})");
     item.parameters().insert_or_update("eventId", 2);
