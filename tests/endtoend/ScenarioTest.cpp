@@ -173,6 +173,38 @@ TEST_F(Scenario, TargetSystemsComeAndGoWhileTheServerRuns) {
     EXPECT_EQ(json::parse(server.configFile()), expected);
 }
 
+/// Longer than what is made at once; packed and plain.
+TEST_F(Scenario, ALongListComesWhole) {
+    act(filler, R"({"do": "message", "class": "{00000001-0000-0000-0000-00000000ABCD}",
+                    "event": 2, "arguments": ["F2"], "count": 3000})");
+    ASSERT_TRUE(eventually([&] { return countOf("limit=100000&target=Filler") == 100; }))
+        << "as many as the limit lets stay";
+    act(packer, R"({"do": "drop"})");
+    EXPECT_EQ(server.send("PUT", "/api/config/LIMIT_EVENT_COUNT", 5000).status, 200U);
+    EXPECT_EQ(server.send("PUT", "/api/config/TARGET_SYSTEMS::Second",
+                          {{"ADDRESS", filler}, {"ENABLED", true}})
+                  .status,
+              200U);
+    ASSERT_TRUE(reaches("limit=100000&target=Second", 3001));
+    const std::string plain = server.get("/api/events?limit=100000&target=Second").body;
+    const json::value list = json::parse(plain);
+    std::set<std::string> ids;
+    for (const json::value& event : list.at("events").as_array())
+        ids.insert(serialize(event.at("id")));
+    EXPECT_EQ(ids.size(), 3001U);
+    EXPECT_EQ(unpacked(exchange(server.port(),
+                                "GET /api/events?limit=100000&target=Second HTTP/1.1\r\n"
+                                "Host: localhost\r\nAccept-Encoding: gzip\r\n"
+                                "Connection: close\r\n\r\n")),
+              plain);
+    const std::string old = exchange(server.port(),
+                                     "GET /api/events?limit=100000&target=Second HTTP/1.0\r\n"
+                                     "Host: localhost\r\n\r\n");
+    EXPECT_EQ(old.substr(old.find("\r\n\r\n") + 4), plain) << "ends with the connection";
+    const json::value log = server.get("/api/log").json();
+    EXPECT_GT(log.at("entries").as_array().size(), 2000U) << "what the first one forgot";
+}
+
 TEST_F(Scenario, AStreamClientThatDoesNotReadIsDroppedAlone) {
     StreamClient idle(server.port());
     StreamClient reader(server.port());

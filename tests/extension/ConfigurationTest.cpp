@@ -1,3 +1,5 @@
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "extension/LoadedExtension.h"
@@ -108,6 +110,27 @@ TEST_F(Configuration, AChangedEntryIsAnotherTarget) {
     EXPECT_EQ(state(), "");
     EXPECT_EQ(simulation.liveObjects(packerNetId), 0);
     EXPECT_EQ(loaded.command("ForceReconnect", "Filler").extension_result(), 292U);
+}
+
+TEST_F(Configuration, AResetIsOwedUntilTheHostWasTold) {
+    host.look([&] { host.refusedResets = 2; });
+    EXPECT_EQ(remove("TARGET_SYSTEMS::Filler"), ErrorValue::success) << "it has taken effect";
+    EXPECT_TRUE(host.waitFor([&] { return host.count("reset") == 2; }));
+}
+
+TEST_F(Configuration, AChangeThatHangsKeepsNoOtherWaiting) {
+    simulation.act(R"({"do": "pause", "call": "Disconnect"})");
+    std::thread removing([&] { remove("TARGET_SYSTEMS::Filler"); });
+    while (simulation.calls("Disconnect") == 0)
+        std::this_thread::yield();
+    host.look([&] {
+        host.configuration["TARGET_SYSTEMS"]["Packer"] = entry(packerNetId, true);
+    });
+    EXPECT_EQ(set("TARGET_SYSTEMS::Packer"), ErrorValue::success);
+    EXPECT_EQ(loaded.diagnostics("Packer", "connectionState"), "Good");
+    EXPECT_EQ(state(), "") << "removed at once";
+    simulation.act(R"({"do": "resume"})");
+    removing.join();
 }
 
 TEST_F(Configuration, EachCommandOfAGroupIsAnswered) {

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <memory>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -154,6 +155,47 @@ TEST(Lifecycle, ConnectsLaterWhatInitDidNot) {
     EXPECT_EQ(loaded.diagnostics("Nobody", "connectError"),
               "GLOBAL: target machine not found (0x98110007)");
     EXPECT_EQ(loaded.command("ListEnabledTargetSystems").read_value().size(), 3U);
+}
+
+TEST(Lifecycle, EndsDuringItsBeginningToo) {
+    Simulation simulation;
+    simulation.act(R"({"do": "pause", "call": "ConnectWithSettings"})");
+    RecordingHost host(fillerAlone());
+    LoadedExtension loaded(host);
+    std::thread starting([&] { EXPECT_EQ(loaded.init(), ErrorValue::initialization_failed); });
+    while (simulation.calls("ConnectWithSettings") == 0)
+        std::this_thread::yield();
+    EXPECT_EQ(loaded.shutdown(), ErrorValue::success);
+    simulation.act(R"({"do": "resume"})");
+    starting.join();
+    host.look([&] { EXPECT_TRUE(host.listeners.empty()); });
+    loaded.extension.reset();
+    EXPECT_EQ(simulation.liveObjects(), 0);
+}
+
+// Calls of the runtime hang until their time-out, which is when the shutdown gives up on them.
+TEST(Lifecycle, AfterItsEndTheHostHearsNothing) {
+    Simulation simulation;
+    RecordingHost host(RecordingHost::configurationFor(
+        {{"Filler", fillerNetId}, {"Packer", packerNetId}}));
+    LoadedExtension loaded(host);
+    EXPECT_EQ(loaded.init(), ErrorValue::success);
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == 2; }));
+    simulation.act(R"({"do": "pause", "call": "IsConnected"})");
+    simulation.act(R"({"do": "pause", "call": "Severity"})", packerNetId);
+    simulation.raise("hot", 1, packerNetId);
+    const auto checks = simulation.calls("IsConnected");
+    while (simulation.calls("IsConnected") == checks ||
+           simulation.calls("Severity", packerNetId) == 0)
+        std::this_thread::yield();
+    EXPECT_EQ(loaded.shutdown(), ErrorValue::success);
+    Calls atTheEnd;
+    host.look([&] { atTheEnd = host.calls; });
+    EXPECT_EQ(atTheEnd.back(), "unregister configuration");
+    loaded.extension.reset();
+    host.look([&] { EXPECT_EQ(host.calls, atTheEnd); });
+    for (const char* netId : {fillerNetId, packerNetId})
+        EXPECT_EQ(simulation.liveObjects(netId), 0);
 }
 
 struct Running : testing::Test {
