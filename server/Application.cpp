@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <memory>
 
+#include <boost/asio/ip/address.hpp>
+
 #include "server/Log.h"
 #include "server/StartError.h"
 #include "server/StopDeadline.h"
@@ -20,6 +22,16 @@ ZrHmiSrv::Text domainOf(const std::filesystem::path& extension) {
     return ZrHmiSrv::Text(name);
 }
 
+/// Nobody is asked who they are: then only this machine may ask.
+void expectAllowedAddress(const Options& options) {
+    boost::system::error_code error;
+    const auto address = boost::asio::ip::make_address(options.address, error);
+    if (!error && !address.is_loopback() && options.users.empty() && !options.open)
+        throw StartError("--address: " + options.address +
+                         " lets everybody do everything; --users says who may do what, --open "
+                         "means it");
+}
+
 }  // namespace
 
 Application::Application(const Options& given)
@@ -28,8 +40,12 @@ Application::Application(const Options& given)
                    const std::string& locale) { return backend.calls.localize(event, locale); },
             lanes, feed),
       backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics),
-      dispatcher(router, OriginPolicy(options.allowedHosts), lanes, metrics),
-      server(io.context(), options.address, options.port, dispatcher, hub) {
+      access(OriginPolicy(options.allowedHosts), options.users),
+      dispatcher(router, lanes, metrics),
+      server(io.context(),
+             {options.address, options.port, options.certificate, options.key},
+             {access, dispatcher, audit, hub}) {
+    expectAllowedAddress(options);
     feed.add("texts", texts);  // before those that tell readers to ask again
     feed.add("stream", hub);
 }
@@ -40,6 +56,8 @@ Application::~Application() {
 }
 
 void Application::addRoutes() {
+    aboutResource.addRoutes(router);
+    sessionResource.addRoutes(router);
     eventsResource.addRoutes(router);
     configResource.addRoutes(router);
     commandsResource.addRoutes(router);
@@ -51,12 +69,18 @@ void Application::addRoutes() {
         simulatorResource->addRoutes(router);
     }
     router.add(Method::get, "/api/stream", [](const Request&) {
-        return Response::error(426, "the stream is for WebSocket clients");
+        Response response = Response::error(426, "the stream is for WebSocket clients");
+        response.headers.emplace_back("Upgrade", "websocket");
+        return response;
     });
 }
 
 void Application::run() {
     StopSignal signal(io.context());
+    reload.emplace(io.context(), [this] {
+        server.reload();
+        access.reload();
+    });
     if (!options.plant.empty()) {
         simulator = std::make_unique<SimulatorControl>(options.extension);
         simulator->loadPlant(options.plant);
@@ -78,6 +102,7 @@ void Application::run() {
 
 void Application::serve(StopSignal& signal) {
     addRoutes();
+    aboutResource.setReady(true);
     server.start();
     std::printf("listening on %s\n", server.url().c_str());
     std::fflush(stdout);
@@ -86,7 +111,9 @@ void Application::serve(StopSignal& signal) {
 }
 
 void Application::stop(std::future<void>& started) {
+    aboutResource.setReady(false);
     server.stop();
+    access.stop();
     texts.stop();
     lanes.stop();
     // At once, and not when the calls are over: it is what makes them end.

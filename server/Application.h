@@ -2,10 +2,13 @@
 
 #include <future>
 #include <memory>
+#include <optional>
 
 #include "server/Backend.h"
 #include "server/Options.h"
+#include "server/ReloadSignal.h"
 #include "server/StopSignal.h"
+#include "server/api/AboutResource.h"
 #include "server/api/CommandsResource.h"
 #include "server/api/ConfigResource.h"
 #include "server/api/EventsResource.h"
@@ -20,6 +23,7 @@
 #include "server/net/IoThread.h"
 #include "server/net/StreamHub.h"
 #include "server/texts/EventTextService.h"
+#include "server/users/SessionResource.h"
 
 namespace hmi {
 
@@ -51,7 +55,11 @@ private:
     Backend backend;
 
     Router router;
+    AccessControl access;
+    Audit audit;
     Dispatcher dispatcher;
+    SessionResource sessionResource{access, !options.certificate.empty()};
+    AboutResource aboutResource;
     EventsResource eventsResource{backend.events, backend.calls, texts, metrics};
     ConfigResource configResource{backend.configuration, backend.calls};
     CommandsResource commandsResource{backend.calls};
@@ -59,6 +67,7 @@ private:
     MetricsResource metricsResource{metrics, backend.events, backend.calls, feed, lanes, texts};
     std::unique_ptr<SimulatorResource> simulatorResource;
     HttpServer server;
+    std::optional<ReloadSignal> reload;
 };
 
 }  // namespace hmi

@@ -26,7 +26,8 @@ void Backend::start(const std::filesystem::path& extensionFile) {
 
 void Backend::shutDownExtension() {
     refresher.cease();
-    calls.shutdown();
+    // While it starts it may not want to know yet.
+    isShutDown = isShutDown || calls.shutdown();
 }
 
 void Backend::stop() {

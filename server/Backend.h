@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <memory>
@@ -50,6 +51,7 @@ private:
     EventRefresher refresher;
     Host host;
     std::unique_ptr<ExtensionLibrary> extension;
+    std::atomic<bool> isShutDown = false;
 };
 
 }  // namespace hmi

@@ -3,4 +3,5 @@
 
 #include "targetsystem/proxy/ZrFnxDll.h"
 
+/// Null: the router is not running, and no port can be opened.
 extern "C" ZR_FNX_API void ZrFnxSimulatorSetLocalNetId(const FnxNetId* netId);

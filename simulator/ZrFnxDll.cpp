@@ -1,4 +1,5 @@
 #include <limits>
+#include <optional>
 #include <set>
 
 #include "platform/Mutex.h"
@@ -15,6 +16,8 @@ class Router {
 public:
     std::int32_t open() {
         Lock lock(mutex);
+        if (!local)
+            return 0;
         if (next == std::numeric_limits<std::int32_t>::max())
             next = firstPort;
         while (!ports.insert(next).second)
@@ -31,11 +34,11 @@ public:
     }
     FnxNetId address() {
         Lock lock(mutex);
-        return local;
+        return local.value_or(FnxNetId{});
     }
-    void setAddress(const FnxNetId& address) {
+    void setAddress(const FnxNetId* address) {
         Lock lock(mutex);
-        local = address;
+        local = address ? std::optional(*address) : std::nullopt;
     }
 
 private:
@@ -44,7 +47,7 @@ private:
     Mutex mutex;
     std::set<std::int32_t> ports GUARDED_BY(mutex);
     std::int32_t next GUARDED_BY(mutex) = firstPort;
-    FnxNetId local GUARDED_BY(mutex) = {{127, 0, 0, 1, 1, 1}};
+    std::optional<FnxNetId> local GUARDED_BY(mutex) = FnxNetId{{127, 0, 0, 1, 1, 1}};
 };
 
 Router& router() {
@@ -76,6 +79,5 @@ std::int32_t FnxGetLocalAddress(std::int32_t port, FnxNetId* netId) {
 }
 
 void ZrFnxSimulatorSetLocalNetId(const FnxNetId* netId) {
-    if (netId)
-        router().setAddress(*netId);
+    router().setAddress(netId);
 }

@@ -94,14 +94,15 @@ ZrHmiSrv::Value ExtensionCalls::configurationSettings() {
     return listener ? listener.settings() : ZrHmiSrv::Value();
 }
 
-void ExtensionCalls::shutdown() {
+bool ExtensionCalls::shutdown() {
     const auto listener = listeners.call<ZrHmiSrv::IZrHmiSrvShutdownListener>();
     if (!listener)
-        return;
+        return false;
     const auto answer = guarded([&] { return listener->shutdown(context); });
     if (!answer->succeeded())
         log(LogLevel::warning, "the extension's shutdown answered " +
                                    std::to_string(static_cast<unsigned>(answer->result())));
+    return true;
 }
 
 }  // namespace hmi

@@ -24,7 +24,8 @@ public:
     std::optional<ZrHmiSrv::ResultPair> configurationDeleted(const std::string& path);
     /// The settings with which the configuration listener was registered.
     ZrHmiSrv::Value configurationSettings();
-    void shutdown();
+    /// False when the extension does not want to know.
+    bool shutdown();
 
 private:
     ListenerRegistry& listeners;

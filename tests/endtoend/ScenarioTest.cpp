@@ -173,6 +173,38 @@ TEST_F(Scenario, TargetSystemsComeAndGoWhileTheServerRuns) {
     EXPECT_EQ(json::parse(server.configFile()), expected);
 }
 
+/// Longer than what is made at once; packed and plain.
+TEST_F(Scenario, ALongListComesWhole) {
+    act(filler, R"({"do": "message", "class": "{00000001-0000-0000-0000-00000000ABCD}",
+                    "event": 2, "arguments": ["F2"], "count": 3000})");
+    ASSERT_TRUE(eventually([&] { return countOf("limit=100000&target=Filler") == 100; }))
+        << "as many as the limit lets stay";
+    act(packer, R"({"do": "drop"})");
+    EXPECT_EQ(server.send("PUT", "/api/config/LIMIT_EVENT_COUNT", 5000).status, 200U);
+    EXPECT_EQ(server.send("PUT", "/api/config/TARGET_SYSTEMS::Second",
+                          {{"ADDRESS", filler}, {"ENABLED", true}})
+                  .status,
+              200U);
+    ASSERT_TRUE(reaches("limit=100000&target=Second", 3001));
+    const std::string plain = server.get("/api/events?limit=100000&target=Second").body;
+    const json::value list = json::parse(plain);
+    std::set<std::string> ids;
+    for (const json::value& event : list.at("events").as_array())
+        ids.insert(serialize(event.at("id")));
+    EXPECT_EQ(ids.size(), 3001U);
+    EXPECT_EQ(unpacked(exchange(server.port(),
+                                "GET /api/events?limit=100000&target=Second HTTP/1.1\r\n"
+                                "Host: localhost\r\nAccept-Encoding: gzip\r\n"
+                                "Connection: close\r\n\r\n")),
+              plain);
+    const std::string old = exchange(server.port(),
+                                     "GET /api/events?limit=100000&target=Second HTTP/1.0\r\n"
+                                     "Host: localhost\r\n\r\n");
+    EXPECT_EQ(old.substr(old.find("\r\n\r\n") + 4), plain) << "ends with the connection";
+    const json::value log = server.get("/api/log").json();
+    EXPECT_GT(log.at("entries").as_array().size(), 2000U) << "what the first one forgot";
+}
+
 TEST_F(Scenario, AStreamClientThatDoesNotReadIsDroppedAlone) {
     StreamClient idle(server.port());
     StreamClient reader(server.port());
@@ -189,23 +221,75 @@ TEST_F(Scenario, AStreamClientThatDoesNotReadIsDroppedAlone) {
     next(reader, "message");
 }
 
-TEST_F(Scenario, RequestsThatHangInARuntimeHoldUpNoOthers) {
-    act(filler, R"({"do": "pause", "call": "GetEventText"})");
-    std::vector<std::future<HttpAnswer>> hanging;
-    for (int i = 0; i < 40; ++i)
-        hanging.push_back(std::async(std::launch::async, [this] {
-            return server.get("/api/events?target=Filler&locale=en-US");
-        }));
-    ASSERT_TRUE(eventually([&] {
-        const json::value calls = simulated(filler).at("calls");
-        const json::value* const waiting = calls.as_object().if_contains("GetEventText");
-        return waiting && waiting->as_int64() > 0;
-    }));
+/// Messages of the filler that differ in their texts.
+json::array batches(int count) {
+    json::array actions;
+    for (int number = 0; number < count; ++number)
+        actions.push_back({{"do", "message"},
+                           {"class", "{00000001-0000-0000-0000-00000000ABCD}"},
+                           {"event", 2},
+                           {"arguments", {std::to_string(number)}}});
+    return actions;
+}
+
+TEST_F(Scenario, AListComesBeforeItsTextsAndTheStreamTellsWhenToAskAgain) {
+    act(filler, serialize(batches(40)));
+    ASSERT_TRUE(reaches("target=Filler", 41));
+    act(filler, R"({"do": "delay", "call": "GetEventText", "ms": 50})");
+    StreamClient stream(server.port());
+    const auto list = [&](const std::string& query) {
+        return server.get("/api/events?target=Filler&locale=en-US" + query).json();
+    };
+    EXPECT_EQ(list("&wait=0").at("textsPending"), 41);
+    EXPECT_EQ(list("&wait=0&text=batch+7").at("textsPending"), 41) << "any of them might match";
+    EXPECT_EQ(server.get("/api/events?target=Packer&locale=en-US").json().at("textsPending"), 0);
+    while (list("&wait=0").at("textsPending") != 0) {
+        std::optional<json::value> line = stream.next();
+        while (line && line->at("type") != "texts")
+            line = stream.next();
+        ASSERT_TRUE(line) << "nobody tells of the texts that have come";
+    }
+    EXPECT_EQ(list("&text=batch+7").at("total"), 1);
+    EXPECT_EQ(list("&limit=1&wait=0").at("events").at(0).at("text"), "Batch 39");
+    EXPECT_EQ(server.get("/api/events?locale=en-US&wait=soon").status, 400U);
+}
+
+TEST_F(Scenario, CallsThatHangInARuntimeHoldUpNoOthers) {
+    raise(filler, "low");
     raise(packer, "jam");
-    EXPECT_TRUE(reaches("target=Packer&state=active", 1));
+    ASSERT_TRUE(reaches("target=Filler&state=active", 1) &&
+                reaches("target=Packer&state=active", 1));
+    const auto confirmationOf = [&](const char* target) {
+        const json::array alarms = server.events(std::string("kind=alarm&target=") + target);
+        return "/api/events/" + serialize(alarms.at(0).at("id")) + "/confirm";
+    };
+    const std::string hangs = confirmationOf("Filler");
+    act(filler, R"([{"do": "pause", "call": "Confirm"}, {"do": "pause", "call": "GetEventText"}])");
+    std::vector<std::future<HttpAnswer>> hanging;
+    for (int i = 0; i < 40; ++i) {
+        hanging.push_back(std::async(std::launch::async, [&, i] {
+            return i % 2 == 0 ? server.send("POST", hangs) : server.get("/api/events?locale=en-US");
+        }));
+    }
+    const auto isMetric = [&](const char* line) {
+        return eventually([&] { return server.hasMetric(line); });
+    };
+    ASSERT_TRUE(isMetric("hmi_lane_running{lane=\"confirmations\"} 2"));
+    ASSERT_TRUE(isMetric("hmi_lane_waiting{lane=\"confirmations\"} 18"));
+    abandonRequest(server.port(), "POST", hangs);
+
+    EXPECT_EQ(server.send("POST", confirmationOf("Packer")).json().at("result"), 0);
+    EXPECT_EQ(
+        server.send("POST", "/api/commands", json::array{{{"command", "Diagnostics"}}}).status,
+        200U);
+    EXPECT_EQ(server.events("target=Packer&kind=message&locale=en-US")[0].at("text"), "Batch F1");
+    EXPECT_EQ(server.send("DELETE", "/api/config/TARGET_SYSTEMS::Nowhere").json(), success);
+    EXPECT_TRUE(server.hasMetric("hmi_lane_running{lane=\"confirmations\"} 2"))
+        << "they still hang";
     act(filler, R"({"do": "resume"})");
     for (auto& answer : hanging)
         EXPECT_EQ(answer.get().status, 200U);
+    EXPECT_TRUE(isMetric("hmi_http_abandoned_requests_total 1"));
 }
 
 json::value readDemo(const char* name) {

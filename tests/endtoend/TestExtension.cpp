@@ -1,6 +1,8 @@
 /// An extension that does what a test tells it through commands and its configuration, so that
 /// the server's side of the interface can be tested alone.
+#include <condition_variable>
 #include <cstdio>
+#include <mutex>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -31,6 +33,10 @@ public:
         host->register_listener(context, asRequest);
         Value refusal;
         host->read_configuration(refusal, context, "REFUSE");
+        Value hang;
+        host->read_configuration(hang, context, "HANG_IN_INIT");
+        if (hang.isset())
+            awaitShutdown();
         return {refusal.isset() ? static_cast<ErrorValue>(static_cast<int>(refusal))
                                 : ErrorValue::success,
                 "as configured"};
@@ -40,6 +46,9 @@ public:
 
     ResultPair shutdown(const Context&) override {
         std::fprintf(stderr, "shut down\n");
+        const std::lock_guard lock(mutex);
+        isShutDown = true;
+        changed.notify_all();
         return ErrorValue::success;
     }
 
@@ -48,6 +57,10 @@ public:
             const std::string name = command->mapping();
             if (name == "unregister")
                 host->unregister_listener(context, asRequest);
+            else if (name == "hang")
+                awaitShutdown();
+            else if (name == "hang for ever")
+                hangForEver();
             else if (name == "throw")
                 throw std::runtime_error("as told");
             command->set_extension_result(293);
@@ -57,10 +70,24 @@ public:
     }
 
 private:
+    void awaitShutdown() {
+        std::fprintf(stderr, "hanging\n");
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [this] { return isShutDown; });
+    }
+    void hangForEver() {
+        std::fprintf(stderr, "hanging\n");
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [] { return false; });
+    }
+
     IZrHmiSrvExtHost* const host;
     IZrHmiSrvShutdownListener* const asShutdown = this;
     IZrHmiSrvRequestListener* const asRequest = this;
     Context context;
+    std::mutex mutex;  // guards the flag
+    std::condition_variable changed;
+    bool isShutDown = false;
 };
 
 }  // namespace

@@ -94,19 +94,30 @@ void Fleet::forEach(const std::function<void(Machine&)>& visit) {
 
 void Fleet::settle(bool importAgain) {
     std::vector<Machine*> waiting;
-    std::set<const Machine*> asked;
+    std::map<const Machine*, std::int64_t> importsBefore;
+    /// False until an import has begun that was asked for here.
+    const auto isReadAgain = [&](const Machine& machine) {
+        const auto imports = simulation.calls("GetLoggedEvents", machine.netId.c_str());
+        const auto [before, first] = importsBefore.try_emplace(&machine, imports);
+        if (first)
+            server.command("ForceReconnect", machine.name.c_str());
+        return imports > before->second;
+    };
     forEach([&](Machine& machine) {
         if (machine.findings.empty())
             waiting.push_back(&machine);
     });
+    if (waiting.empty())
+        return;
     eventually(
         [&] {
+            counts.clear();
+            if (waiting.front() != &machines.front())
+                counts = server.events.countsByTarget();
             std::erase_if(waiting, [&](Machine* machine) {
-                if (!hasArrived(*machine))
-                    return false;
-                if (importAgain && !machine->struck.empty() && asked.insert(machine).second)
-                    server.command("ForceReconnect", machine->name.c_str());
-                return agrees(*machine);
+                return hasArrived(*machine) &&
+                       (!importAgain || machine->struck.empty() || isReadAgain(*machine)) &&
+                       agrees(*machine);
             });
             return waiting.empty();
         },
@@ -127,17 +138,17 @@ bool Fleet::hasArrived(Machine& machine) {
 }
 
 /// To ask the logger would be a call of the machine's own: where nothing has gone wrong yet, as
-/// much has to be shown as of the first machine.
+/// much has to be shown as of the first machine, once that shows what it has to.
 bool Fleet::agrees(const Machine& machine) {
     if (&machine == &machines.front() || !machine.struck.empty())
         return differences(machine).empty();
-    const auto counts = server.events.countsByTarget();
-    const auto countsOf = [&](const Machine& of) {
-        const auto found = counts.find(of.name);
-        const auto its = found != counts.end() ? found->second : hmi::TargetCounts();
-        return std::tuple(its.alarms, its.messages, its.active, its.unconfirmed);
+    const auto model = counts.find(machines.front().name);
+    const auto found = counts.find(machine.name);
+    const auto numbers = [](const hmi::TargetCounts& of) {
+        return std::tuple(of.alarms, of.messages, of.active, of.unconfirmed);
     };
-    return countsOf(machine) == countsOf(machines.front());
+    return model != counts.end() && found != counts.end() &&
+           numbers(model->second) == numbers(found->second);
 }
 
 Findings Fleet::differences(const Machine& machine) {

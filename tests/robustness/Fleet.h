@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -59,6 +60,7 @@ private:
     Findings differences(const Machine& machine);
 
     Simulation simulation;
+    std::map<std::string, hmi::TargetCounts> counts;  ///< shown, once the first machine agrees
 
 public:
     RunningServer server;

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include "simulator/FnxSimulator.h"
 #include "support/Simulation.h"
 #include "targetsystem/FnxHelper.h"
 #include "targetsystem/TargetSystemPlatformSpecific.h"
@@ -43,11 +44,13 @@ struct Connection : Test {
     ZrHmiEventLogger::LocalAddress localAddress;
     std::atomic<bool> stopping = false;
     std::atomic<std::int32_t> ids = 1;
-    std::shared_ptr<TargetSystem> target =
-        ZrHmiEventLogger::TargetSystemPlatformSpecific<TargetSystem>::make(
+    std::shared_ptr<TargetSystem> make(const char* address) {
+        return ZrHmiEventLogger::TargetSystemPlatformSpecific<TargetSystem>::make(
             ZrHmiEventLogger::TargetSystemSettings{
-                "Filler", fillerNetId, true, ZrHmiSrv::Timespan::from_milliseconds(20'000), 10},
+                "Filler", address, true, ZrHmiSrv::Timespan::from_milliseconds(20'000), 10},
             "Domain", localAddress, logging, stopping, ids);
+    }
+    std::shared_ptr<TargetSystem> target = make(fillerNetId);
 };
 
 TEST_F(Connection, ShowsEachStateAndLogsEachStepOnce) {
@@ -130,6 +133,66 @@ TEST_F(Connection, AFailedImportKeepsTheMessagesAndTriesAgain) {
     EXPECT_TRUE(check()) << "connects and imports again";
     EXPECT_EQ(target->statistics().activeAlarmsCount, 1U);
     EXPECT_EQ(state(), "connected");
+}
+
+TEST_F(Connection, IsNeverGoodAndDeaf) {
+    target.reset();
+    simulation.act(R"({"do": "fail", "call": "Advise", "hresult": "0x80004005", "times": 3})");
+    target = make(fillerNetId);
+    for (int tick = 0; tick < 2; ++tick) {
+        EXPECT_FALSE(check());
+        EXPECT_THAT(logging.take(), ElementsAre("TARGET_SYSTEM_CONNECT_FAILED Filler 0x80004005"));
+    }
+    EXPECT_EQ(state(), "failed 0x80004005");
+    EXPECT_TRUE(check());
+    simulation.raise("hot");
+    while (target->statistics().activeAlarmsCount == 0)
+        std::this_thread::yield();
+
+    simulation.act(R"({"do": "fail", "call": "Advise", "hresult": "0x80004005"})");
+    target->Disconnect();
+    EXPECT_TRUE(check()) << "its alarms left, and nobody would hear of new ones";
+    EXPECT_TRUE(check());
+    EXPECT_EQ(target->statistics().activeAlarmsCount, 1U);
+}
+
+TEST_F(Connection, WaitsForTheRouterThatCompletesItsAddress) {
+    FnxNetId local{{5, 10, 20, 1, 1, 1}};
+    ZrFnxSimulatorSetLocalNetId(nullptr);
+    target = make("30.1.1");
+    for (int tick = 0; tick < 2; ++tick) {
+        EXPECT_FALSE(check());
+        EXPECT_THAT(logging.take(), ElementsAre(StartsWith("error Filler The address of this")));
+    }
+    EXPECT_EQ(simulation.calls("ConnectWithSettings"), 0);
+    ZrFnxSimulatorSetLocalNetId(&local);
+    EXPECT_TRUE(check());
+    ZrFnxSimulatorSetLocalNetId(nullptr);
+    EXPECT_EQ(localAddress.get(), "5.10.20.1.1.1") << "once known it is kept";
+    ZrFnxSimulatorSetLocalNetId(&local);
+}
+
+TEST_F(Connection, WhatComesBackLateReachesNobody) {
+    ASSERT_TRUE(connect());
+    simulation.raise("hot");
+    while (target->statistics().activeAlarmsCount == 0)
+        std::this_thread::yield();
+    logging.take();
+    const auto severities = simulation.calls("Severity");
+    const auto checks = simulation.calls("IsConnected");
+    simulation.act(R"([{"do": "pause", "call": "Severity"}, {"do": "pause", "call": "IsConnected"}])");
+    simulation.raise("late");
+    std::thread checking([this] { check(); });
+    while (simulation.calls("Severity") == severities ||
+           simulation.calls("IsConnected") == checks)
+        std::this_thread::yield();
+    target->beginRetiring();
+    simulation.act(R"({"do": "resume"})");
+    checking.join();
+    target->retire(TargetSystem::TimePoint::max());
+    target.reset();
+    EXPECT_THAT(logging.take(), IsEmpty());
+    EXPECT_EQ(simulation.liveObjects(), 0);
 }
 
 TEST_F(Connection, ADatabaseChangeDuringAnImportReconnectsAfterwards) {
