@@ -5,9 +5,8 @@
 #include <utility>
 
 #include <boost/json/array.hpp>
+#include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
-
-#include "support/Simulation.h"
 
 namespace json = boost::json;
 
@@ -34,8 +33,7 @@ void setTime(json::object& action, const char* key, const json::value& time) {
 
 json::object happening(std::mt19937& random, const char* what, int event) {
     static constexpr const char* contents[] = {"1", "2"};
-    json::object action{
-        {"do", what}, {"class", eventClass}, {"event", event}, {"json", oneOf(random, contents)}};
+    json::object action{{"do", what}, {"event", event}, {"json", oneOf(random, contents)}};
     setTime(action, "timeRaised", someTime(random));
     return action;
 }
@@ -47,9 +45,7 @@ json::object aboutAlarm(std::mt19937& random, const char* what) {
 
 json::object raise(std::mt19937& random) {
     json::object action = happening(random, "raise", 1 + static_cast<int>(random() % 2));
-    const json::object named = aboutAlarm(random, "raise");
-    action["alarm"] = named.at("alarm");
-    action["source"] = json::object{{"name", named.at("alarm")}};
+    action["alarm"] = aboutAlarm(random, "raise").at("alarm");
     return action;
 }
 
@@ -117,8 +113,9 @@ std::string identityOf(const json::object& action, bool numbered) {
     const bool isAlarm = action.contains("alarm");
     if (!time || (isAlarm && numbered))
         return {};
-    const json::value arguments = isAlarm ? json::value() : action.at("arguments");
-    return json::serialize(json::array{*time, action.at("event"), action.at("source"), arguments});
+    const json::value what =
+        isAlarm ? action.at("alarm") : json::array{action.at("source"), action.at("arguments")};
+    return json::serialize(json::array{*time, what});
 }
 
 }  // namespace
@@ -135,6 +132,14 @@ RandomActions randomActions(std::mt19937& random, bool numbered) {
         if (!identity.empty() && !identities.insert(identity).second)
             action.erase("timeRaised");
     }
+    return actions;
+}
+
+RandomActions parseActions(std::string_view text) {
+    RandomActions actions;
+    const json::value document = json::parse({text.data(), text.size()});
+    for (const json::value& action : document.as_array())
+        actions.push_back(action.as_object());
     return actions;
 }
 

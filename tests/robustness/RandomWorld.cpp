@@ -75,13 +75,17 @@ void RandomWorld::act(const json::object& action) {
     }
 }
 
-void RandomWorld::actInRuntime(const json::object& action) {
+void RandomWorld::actInRuntime(json::object action) {
     const std::string what = text(action, "do");
     const std::string alarm = text(action, "alarm");
     if (!alarm.empty() && what != "raise" && !lives.contains(alarm))
         return;
     if (what == "raise" && !simulation.status().at("alarms").as_object().contains(alarm))
         ++lives[alarm];
+    if (what == "raise")
+        action["source"] = json::object{{"name", alarm}};
+    if (what == "raise" || what == "message")
+        action["class"] = eventClass;
     if (what == "pause")
         paused.emplace(text(action, "call"), simulation.calls(text(action, "call").c_str()));
     if (what == "resume")
@@ -110,7 +114,7 @@ void RandomWorld::confirmInServer(const std::string& alarm) {
 }
 
 void RandomWorld::awaitImport(std::size_t importsBefore) {
-    const auto deadline = std::chrono::steady_clock::now() + 1s;
+    const auto deadline = std::chrono::steady_clock::now() + 600ms;
     while (imports() == importsBefore && !hangs() && std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(1ms);
 }
