@@ -77,15 +77,27 @@ void ImportSnapshot::convertActive() {
     });
 }
 
-/// Leaves of the skipped those that have ended between the two lists, or were raised again: then
-/// the notification of that will tell.
+/// Leaves of the skipped those that have ended between the two lists. Where the logger does not
+/// number its alarms, also those that were raised again: then the notification of that will tell.
 void ImportSnapshot::convertUnlisted() {
+    std::erase_if(skipped, [&](const Skipped& entry) { return activeKeys.contains(entry.key); });
+    if (skipped.empty())
+        return;
+    const auto raisedAgain = listedInstances();
     std::erase_if(skipped, [&](Skipped& entry) {
-        return activeKeys.contains(entry.key) || !rejected.unlessMalformed([&] {
+        return !rejected.unlessMalformed([&] {
             entry.instance = alarmInstanceOf(context, *entry.item, entry.key);
             toHostEvent(entry.event, *entry.item, context, 0);
-        });
+        }) || raisedAgain.contains(entry.instance);
     });
+}
+
+std::unordered_set<AlarmInstance> ImportSnapshot::listedInstances() const {
+    std::unordered_set<AlarmInstance> listed;
+    for (const Active& entry : active)
+        if (entry.key.number)
+            listed.insert(alarmInstanceOf(context, *entry.source, entry.key));
+    return listed;
 }
 
 /// An alarm that survived a reconnection keeps its id: as the same object or, where no such

@@ -62,6 +62,7 @@ private:
     void takeActive(ZrAtlCom::ComPtr<IZrAlarm> source);
     void convertActive();
     void convertUnlisted();
+    std::unordered_set<AlarmInstance> listedInstances() const;
     void keepIds();
     void drawIds();
     void build();

@@ -273,9 +273,8 @@ TEST_F(LoggedEventImport, AnAlarmThatIsRaisedAgainMeanwhileStandsThereOnce) {
                 world.stored(),
                 ElementsAre(StartsWith("1s invalid"), StartsWith("2s invalid"),
                             AllOf(StartsWith("4s alarm"), EndsWith(ends ? "cleared 5s" : ""))));
-            // What the host was told fits: it knows of no former state.
-            const auto told = world.host.take();
-            EXPECT_EQ(std::ranges::count(told, "forget 2"), late && !ends);
+            // The host never knew of its former state.
+            EXPECT_THAT(world.host.take(), Not(Contains(StartsWith("forget"))));
         }
 }
 
