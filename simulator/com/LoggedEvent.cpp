@@ -16,7 +16,7 @@ HRESULT LoggedEvent::get_EventType(LoggedEventType* type) {
 
 HRESULT LoggedEvent::get_RequiresConfirmation(VARIANT_BOOL* requiresIt) {
     return read(Operation::RequiresConfirmation, requiresIt,
-                     [&] { return toVariantBool(entry.content->requiresConfirmation); });
+                [&] { return toVariantBool(entry.content->requiresConfirmation); });
 }
 
 HRESULT LoggedEvent::get_TimeCleared(FILETIME* time) {

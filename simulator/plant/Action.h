@@ -69,7 +69,7 @@ struct ActionList;
 struct FailAction {
     AffectedCalls calls;
     Failure failure;
-    HRESULT hresult;  ///< of a failing result
+    HRESULT hresult;                              ///< of a failing result
     std::shared_ptr<const ActionList> meanwhile;  ///< carried out when the call comes; may be null
     std::uint32_t skip;
     std::uint32_t times;

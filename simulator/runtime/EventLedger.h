@@ -55,10 +55,9 @@ private:
         EventLog::Key logged;
     };
     Change update(Entry& entry, EventRecord record);
-
-    std::map<std::string, Entry> alarms;
     ULONG nextInstanceId() { return instanceIds ? ++lastInstanceId : 0; }
 
+    std::map<std::string, Entry> alarms;
     const bool instanceIds;  ///< otherwise all are 0, which is none
     ULONG lastInstanceId = 0;
     FileTime lastTime = 0;

@@ -42,9 +42,8 @@ void Notifier::closeAll() {
 void Notifier::erase(Connection& connection, std::deque<Delivery>& released) {
     connection.open = false;
     const auto gone = std::stable_partition(
-        queue.begin(), queue.end(), [&](const Delivery& delivery) {
-            return delivery.connection.get() != &connection;
-        });
+        queue.begin(), queue.end(),
+        [&](const Delivery& delivery) { return delivery.connection.get() != &connection; });
     released.assign(std::make_move_iterator(gone), std::make_move_iterator(queue.end()));
     queue.erase(gone, queue.end());
 }

@@ -31,9 +31,8 @@ std::string event(int id, const char* source) {
 std::vector<Machine> makeMachines(std::size_t size) {
     std::vector<Machine> machines;
     for (std::size_t i = 0; i < size; ++i)
-        machines.push_back(
-            {"M" + std::to_string(i),
-             "5.1." + std::to_string(i / 200) + '.' + std::to_string(i % 200) + ".1.1"});
+        machines.push_back({"M" + std::to_string(i), "5.1." + std::to_string(i / 200) + '.' +
+                                                         std::to_string(i % 200) + ".1.1"});
     return machines;
 }
 

@@ -5,9 +5,8 @@
 #include <utility>
 
 #include <boost/json/array.hpp>
+#include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
-
-#include "support/Simulation.h"
 
 namespace json = boost::json;
 
@@ -34,8 +33,7 @@ void setTime(json::object& action, const char* key, const json::value& time) {
 
 json::object happening(std::mt19937& random, const char* what, int event) {
     static constexpr const char* contents[] = {"1", "2"};
-    json::object action{
-        {"do", what}, {"class", eventClass}, {"event", event}, {"json", oneOf(random, contents)}};
+    json::object action{{"do", what}, {"event", event}, {"json", oneOf(random, contents)}};
     setTime(action, "timeRaised", someTime(random));
     return action;
 }
@@ -47,9 +45,7 @@ json::object aboutAlarm(std::mt19937& random, const char* what) {
 
 json::object raise(std::mt19937& random) {
     json::object action = happening(random, "raise", 1 + static_cast<int>(random() % 2));
-    const json::object named = aboutAlarm(random, "raise");
-    action["alarm"] = named.at("alarm");
-    action["source"] = json::object{{"name", named.at("alarm")}};
+    action["alarm"] = aboutAlarm(random, "raise").at("alarm");
     return action;
 }
 
@@ -77,30 +73,38 @@ json::object databaseChanged(std::mt19937& random) {
     return {{"do", "databaseChanged"}, {"reason", random() % 4}};
 }
 
+struct Choice {
+    unsigned weight;
+    const char* what;
+    json::object (*make)(std::mt19937& random) = nullptr;  ///< null: there is no more to it
+};
+
 json::object randomAction(std::mt19937& random) {
-    struct Choice {
-        unsigned weight;
-        json::object (*make)(std::mt19937&);
-    };
-    const auto simple = [](const char* what) { return json::object{{"do", what}}; };
     static constexpr Choice choices[] = {
-        {30, raise}, {18, clear}, {14, message}, {6, pause}, {2, databaseChanged}};
-    static constexpr std::pair<unsigned, const char*> others[] = {
-        {9, "Replace"}, {3, "Reset"},   {2, "drop"},   {1, "ForceReconnect"}, {4, "AwaitImport"},
-        {7, "hold"},    {5, "release"}, {6, "resume"}, {3, "Settle"}};
-    static constexpr unsigned all = 30 + 18 + 14 + 6 + 2 + 40 + 10;
+        {30, "raise", raise},
+        {18, "clear", clear},
+        {14, "message", message},
+        {5, "confirm", [](auto& any) { return aboutAlarm(any, "confirm"); }},
+        {5, "Confirm", [](auto& any) { return aboutAlarm(any, "Confirm"); }},
+        {2, "databaseChanged", databaseChanged},
+        {2, "drop"},
+        {6, "pause", pause},
+        {6, "resume"},
+        {7, "hold"},
+        {5, "release"},
+        {9, "Replace"},
+        {3, "Reset"},
+        {1, "ForceReconnect"},
+        {4, "AwaitImport"},
+        {3, "Settle"}};
+    unsigned all = 0;
+    for (const Choice& choice : choices)
+        all += choice.weight;
     auto drawn = random() % all;
-    for (const Choice& choice : choices) {
-        if (drawn < choice.weight)
-            return choice.make(random);
-        drawn -= choice.weight;
-    }
-    for (const auto& [weight, what] : others) {
-        if (drawn < weight)
-            return simple(what);
-        drawn -= weight;
-    }
-    return aboutAlarm(random, random() % 2 == 0 ? "confirm" : "Confirm");
+    const Choice* choice = choices;
+    for (; drawn >= choice->weight; ++choice)
+        drawn -= choice->weight;
+    return choice->make ? choice->make(random) : json::object{{"do", choice->what}};
 }
 
 /// What a logger cannot tell apart, nobody can: what is raised or sent at a time of its own, again.
@@ -109,8 +113,9 @@ std::string identityOf(const json::object& action, bool numbered) {
     const bool isAlarm = action.contains("alarm");
     if (!time || (isAlarm && numbered))
         return {};
-    const json::value arguments = isAlarm ? json::value() : action.at("arguments");
-    return json::serialize(json::array{*time, action.at("event"), action.at("source"), arguments});
+    const json::value what =
+        isAlarm ? action.at("alarm") : json::array{action.at("source"), action.at("arguments")};
+    return json::serialize(json::array{*time, what});
 }
 
 }  // namespace
@@ -127,6 +132,14 @@ RandomActions randomActions(std::mt19937& random, bool numbered) {
         if (!identity.empty() && !identities.insert(identity).second)
             action.erase("timeRaised");
     }
+    return actions;
+}
+
+RandomActions parseActions(std::string_view text) {
+    RandomActions actions;
+    const json::value document = json::parse({text.data(), text.size()});
+    for (const json::value& action : document.as_array())
+        actions.push_back(action.as_object());
     return actions;
 }
 

@@ -2,6 +2,7 @@
 
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <boost/json/object.hpp>
@@ -16,11 +17,14 @@ namespace bridge_test {
 ///   AwaitImport    until the target was imported, or hangs in a call that is paused
 ///   Confirm        an operator confirms "alarm"
 ///   Settle         all calls and notifications are let go, and the server is looked at
+/// All events are of one class, and an alarm has the source of its name.
 using RandomActions = std::vector<boost::json::object>;
 
 /// Alarms of few names and few times, so that they meet.
 RandomActions randomActions(std::mt19937& random, bool numbered);
 
+/// As `toText` wrote them.
+RandomActions parseActions(std::string_view text);
 std::string toText(const RandomActions& actions);
 
 }  // namespace bridge_test

@@ -31,7 +31,7 @@ private:
     using Ids = std::map<std::string, std::set<std::string>>;
 
     void act(const boost::json::object& action);
-    void actInRuntime(const boost::json::object& action);
+    void actInRuntime(boost::json::object action);
     void inBackground(std::function<void()> task);
     void replaceTarget(const char* target, const char* netId);
     void confirmInServer(const std::string& alarm);

@@ -26,7 +26,8 @@ public:
 
     /// With the targets "Filler" and "Packer" of the simulation.
     RunningServer();
-    explicit RunningServer(const std::vector<ConfiguredTarget>& targets, const char* timeout = "PT3S");
+    explicit RunningServer(const std::vector<ConfiguredTarget>& targets,
+                           const char* timeout = "PT3S");
     ~RunningServer();
     RunningServer(const RunningServer&) = delete;
     RunningServer& operator=(const RunningServer&) = delete;
