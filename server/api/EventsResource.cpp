@@ -1,5 +1,6 @@
 #include "server/api/EventsResource.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -90,7 +91,9 @@ Response EventsResource::confirm(const Request& request) {
     const EventRecordPtr event = find(request);
     if (!event->alarm())
         return Response::error(400, "only alarms can be confirmed");
+    const auto start = std::chrono::steady_clock::now();
     const auto answer = extension.confirm(*event->alarm());
+    metrics.observeConfirmation(std::chrono::steady_clock::now() - start);
     if (!answer)
         return Response::error(503, "the extension takes no confirmations");
     metrics.targets.countConfirmation(event->target, answer->result());

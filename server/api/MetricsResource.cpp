@@ -3,7 +3,10 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "server/metrics/ProcessMetrics.h"
 
 namespace hmi {
 
@@ -77,6 +80,7 @@ Response MetricsResource::read() {
     text.append(metrics.text());
     writeEvents(text);
     writeTargets(text);
+    writeProcess(text);
     writeFeed(text);
     lanes.write(text);
     texts.write(text);
@@ -112,8 +116,10 @@ void MetricsResource::writeTargets(PrometheusText& text) {
     Families families;
     text.family("hmi_target_state", "gauge", "1 for the connection state that the target is in.");
     for (auto target = targets.begin(); target != targets.end(); ++target) {
-        if (const Value* const state = target->lookup("connectionState"))
-            text.sample({{"target", target.name()}, {"state", state->get_string()}}, 1);
+        const Value* const current = target->lookup("connectionState");
+        for (const char* state : {"Good", "Not Connected", "Disabled"})
+            text.sample({{"target", target.name()}, {"state", state}},
+                        current && current->get_string() == std::string_view(state) ? 1 : 0);
         collect(families, target.name(), *target);
     }
     for (const auto& [name, samples] : families) {

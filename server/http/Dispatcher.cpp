@@ -91,6 +91,7 @@ void Dispatcher::run(const Place& place, const std::shared_ptr<Exchange>& exchan
 
 void Dispatcher::answer(const Exchange& exchange, Response response) {
     metrics.countRequest(response.status);
+    metrics.observeRequest(std::chrono::steady_clock::now() - exchange.start);
     exchange.reply(std::move(response));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -34,6 +35,7 @@ private:
         const Route& route;
         const Request request;
         const Reply reply;
+        const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
     };
 
     void place(const std::shared_ptr<Exchange>& exchange);

@@ -53,6 +53,10 @@ std::string Metrics::text() const {
     text.family("hmi_http_abandoned_requests_total", "counter",
                 "Requests whose client had gone when their turn came.");
     text.sample({}, number(abandonedRequests));
+    requestTimes.write(text, "hmi_http_request_seconds",
+                       "From the whole request to the answer, without its sending.");
+    confirmationTimes.write(text, "hmi_confirmation_seconds",
+                            "Confirmations, until the extension has answered.");
     text.family("hmi_resets_total", "counter", "Times that all events were replaced.");
     text.sample({}, number(resets));
     text.family("hmi_reset_seconds_total", "counter", "Time spent on replacing all events.");

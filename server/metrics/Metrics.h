@@ -10,6 +10,7 @@
 
 #include "host/Event.h"
 #include "platform/Mutex.h"
+#include "server/metrics/Histogram.h"
 #include "server/metrics/TargetMetrics.h"
 
 namespace hmi {
@@ -27,6 +28,12 @@ public:
     void countStreamClients(int joined) noexcept { streamClients += joined; }
     void countSlowClient() noexcept { ++slowClients; }
     void countRequest(unsigned status) noexcept { ++requests[status / 100 % 6]; }
+    void observeRequest(std::chrono::nanoseconds duration) noexcept {
+        requestTimes.observe(duration);
+    }
+    void observeConfirmation(std::chrono::nanoseconds duration) noexcept {
+        confirmationTimes.observe(duration);
+    }
     void countAbandonedRequest() noexcept { ++abandonedRequests; }
     /// By name and the target system that it is about. Beyond a thousand of these the rest counts
     /// as "other".
@@ -42,6 +49,8 @@ private:
 
     std::array<std::atomic<std::uint64_t>, slots> hostCalls{};
     std::array<std::atomic<std::uint64_t>, 6> requests{};  ///< by the hundreds of their status
+    Histogram requestTimes;
+    Histogram confirmationTimes;
     std::atomic<std::uint64_t> abandonedRequests = 0;
     std::atomic<std::uint64_t> resets = 0;
     std::atomic<std::uint64_t> resetNanoseconds = 0;

@@ -27,8 +27,8 @@ void PrometheusText::family(std::string_view name, std::string_view type, std::s
     content.append("\n# TYPE ").append(name).append(" ").append(type).append("\n");
 }
 
-void PrometheusText::sample(Labels labels, double value) {
-    content += current;
+void PrometheusText::part(std::string_view suffix, Labels labels, double value) {
+    content.append(current).append(suffix);
     const char* separator = "{";
     for (const auto& [name, labelValue] : labels) {
         content.append(separator).append(name).append("=\"");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <utility>
 
 #include "server/events/EventRecord.h"
@@ -51,7 +52,13 @@ void TargetMetrics::countHostCall(const Value& event, std::string_view operation
     Counters& counters = of(target);
     ++counters.hostCalls[std::string(operation)];
     if (operation == "message")
-        ++counters.notifications["message_sent"];
+        countNotification(counters, "message_sent");
+}
+
+void TargetMetrics::countNotification(Counters& counters, std::string_view kind) {
+    ++counters.notifications[std::string(kind)];
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    counters.lastNotification = std::chrono::duration<double>(now).count();
 }
 
 void TargetMetrics::countForgotten(const std::string& target) {
@@ -75,7 +82,7 @@ void TargetMetrics::countLogMessage(const Message& message) {
     const std::string targetName = target->get_string();
     Lock lock(mutex);
     if (entry != notificationEntries.end()) {
-        ++of(targetName).notifications[std::string(entry->second)];
+        countNotification(of(targetName), entry->second);
     } else if (name == "LOGGED_EVENTS_IMPORTED") {
         ++of(targetName).imports;
         of(targetName).importSeconds += number(parameters, "6") / 1000;
@@ -92,6 +99,11 @@ void TargetMetrics::write(PrometheusText& text) const {
                 &Counters::hostCalls);
     writeCounts(text, "hmi_target_notifications_total", "kind",
                 "Notifications of the logger, by kind.", &Counters::notifications);
+    text.family("hmi_target_last_notification_timestamp_seconds", "gauge",
+                "When the logger last notified of something.");
+    for (const auto& [target, counters] : targets)
+        if (counters.lastNotification > 0)
+            text.sample({{"target", target}}, counters.lastNotification);
     writeCounts(text, "hmi_target_confirmations_total", "result",
                 "Operator confirmations by result code.", &Counters::confirmations);
     writeCounts(text, "hmi_target_translations_total", "cache",

@@ -37,8 +37,10 @@ private:
         std::uint64_t forgotten = 0;
         std::uint64_t imports = 0;
         double importSeconds = 0;
+        double lastNotification = 0;  ///< seconds since 1970
     };
 
+    static void countNotification(Counters& counters, std::string_view kind);
     Counters& of(const std::string& target) REQUIRES(mutex);
     void writeCounts(PrometheusText& text, std::string_view name, std::string_view label,
                      std::string_view help, Counts Counters::*counts) const REQUIRES(mutex);

@@ -151,7 +151,11 @@ void AccessControl::admitWith(Credentials credentials, Request request, Decided 
     boost::asio::post(verifier, [this, credentials = std::move(credentials),
                                  request = std::make_shared<Request>(std::move(request)),
                                  decided = std::move(decided)] {
-        verify(credentials, std::move(*request), decided);
+        try {
+            verify(credentials, std::move(*request), decided);
+        } catch (const std::exception& error) {  // its connection ends without an answer
+            log(LogLevel::error, std::string("a password could not be checked: ") + error.what());
+        }
         Lock lock(mutex);
         --waiting;
     });
