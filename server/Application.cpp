@@ -27,9 +27,18 @@ Application::Application(const Options& given)
       texts([this](const EventRecord& event,
                    const std::string& locale) { return backend.calls.localize(event, locale); },
             lanes, feed),
-      backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics),
+      backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics,
+              [this](const std::string& target) { return targets.isImported(target); }),
+      confirmations(
+          backend.events, metrics,
+          [this](const ZrHmiSrv::Alarm& alarm) { return backend.calls.confirm(alarm); },
+          [this] { return backend.timeout() + std::chrono::seconds(5); }),
+      targetWatch(targets, backend.events, feed,
+                  {[this] { return backend.calls.diagnostics(); },
+                   [this] { return backend.addresses(); }}),
       dispatcher(router, OriginPolicy(options.allowedHosts), lanes, metrics),
       server(io.context(), options.address, options.port, dispatcher, hub) {
+    feed.add("targets", targets);
     feed.add("texts", texts);  // before those that tell readers to ask again
     feed.add("stream", hub);
 }
@@ -41,6 +50,8 @@ Application::~Application() {
 
 void Application::addRoutes() {
     eventsResource.addRoutes(router);
+    confirmationsResource.addRoutes(router);
+    targetsResource.addRoutes(router);
     configResource.addRoutes(router);
     commandsResource.addRoutes(router);
     logResource.addRoutes(router);
@@ -78,6 +89,7 @@ void Application::run() {
 
 void Application::serve(StopSignal& signal) {
     addRoutes();
+    targetWatch.start();
     server.start();
     std::printf("listening on %s\n", server.url().c_str());
     std::fflush(stdout);
@@ -87,6 +99,7 @@ void Application::serve(StopSignal& signal) {
 
 void Application::stop(std::future<void>& started) {
     server.stop();
+    targetWatch.stop();
     texts.stop();
     lanes.stop();
     // At once, and not when the calls are over: it is what makes them end.

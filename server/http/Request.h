@@ -18,6 +18,9 @@ struct Request {
     std::string host;    ///< the header, empty when there is none
     std::string origin;  ///< likewise
     std::string body;
+
+    std::string peer;  ///< the client's address, without a port
+    std::string user;  ///< who asks; empty when nobody is asked who they are
     /// Set when nobody waits for the answer any more; null when that is never known.
     std::shared_ptr<const std::atomic<bool>> abandoned;
 };

@@ -124,6 +124,8 @@ Request HttpSession::takeRequest() {
     request.host = fieldOf(message, http::field::host);
     request.origin = fieldOf(message, http::field::origin);
     request.body = std::move(message.body());
+    Error error;
+    request.peer = stream.socket().remote_endpoint(error).address().to_string();
     return request;
 }
 
@@ -163,8 +165,11 @@ std::shared_ptr<HttpSession> HttpSession::sharedWithWorkers() {
 void HttpSession::follow() {
     if (!context->dispatcher.allowsStream(takeRequest()))
         return send(Response::error(403, "not for pages of another origin"), false);
+    const auto types = StreamTypes::parse(std::string(parser->get().target()));
+    if (!types)
+        return send(Response::error(400, "types are names of changes"), false);
     stream.expires_never();
-    std::make_shared<StreamSession>(std::move(stream), context)->accept(parser->release());
+    std::make_shared<StreamSession>(std::move(stream), context)->accept(parser->release(), *types);
 }
 
 void HttpSession::send(Response reply, bool keepAlive) {

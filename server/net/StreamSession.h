@@ -21,7 +21,8 @@ class StreamSession final : public Connection,
 public:
     StreamSession(boost::beast::tcp_stream stream, std::shared_ptr<SessionContext> context);
 
-    void accept(boost::beast::http::request<boost::beast::http::string_body> request);
+    void accept(boost::beast::http::request<boost::beast::http::string_body> request,
+                StreamTypes types);
     bool send(StreamLine line) override;
     void disconnect() override;
     void close() override;
