@@ -232,7 +232,7 @@ void heapPerStoredEvent(benchmark::State& state) {
         state.counters["live_bytes"] = perEvent(before);
         for (const auto& alarm : alarms)
             pieces.lifecycle.handle({NotificationKind::alarmCleared,
-                                     ComPtr<IZrAlarm>(alarm.get()),
+                                     ZrAtlCom::ComPtr<IZrAlarm>(alarm.get()),
                                      {},
                                      VARIANT_TRUE,
                                      {}},
@@ -311,6 +311,31 @@ void importLog(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
+/// Active alarms that all rose at once, of a logger that does not number them, and known before.
+void importAlarmsOfOneTime(benchmark::State& state) {
+    FakeBorder border;
+    FakeLogger logger(border);
+    std::vector<std::unique_ptr<FakeEvent>> alarms;
+    for (std::int64_t index = 0; index < 2 * state.range(0); ++index) {
+        FakeEventData data = eventData(1);
+        data.instanceId.reset();
+        alarms.push_back(std::make_unique<FakeEvent>(border, data));
+    }
+    Pieces pieces(state.range(0));
+    NotificationRecorder notifications;
+    LoggedEventImport importer(pieces.context, pieces.store, notifications, pieces.lifecycle);
+    bool second = false;
+    for (auto _ : state) {
+        // Other objects each time, so that ids are kept by key.
+        logger.active.clear();
+        for (std::size_t index = second ? 1 : 0; index < alarms.size(); index += 2)
+            logger.active.push_back(alarms[index].get());
+        second = !second;
+        state.counters["kept"] = static_cast<double>(importer.run(logger)->keptIds);
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
 BENCHMARK(toHostAlarm);
 BENCHMARK(proxyCalls);
 BENCHMARK(vectorOfVariants);
@@ -319,6 +344,7 @@ BENCHMARK(heapPerStoredEvent)->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(keepLimited, Ring)->Arg(1'000)->Arg(100'000);
 BENCHMARK_TEMPLATE(keepLimited, Store)->Arg(1'000)->Arg(100'000);
 BENCHMARK(keepPlainValues)->Arg(1'000)->Arg(100'000);
+BENCHMARK(importAlarmsOfOneTime)->Arg(1'000)->Arg(16'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(importLog)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 }  // namespace

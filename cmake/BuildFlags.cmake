@@ -13,9 +13,24 @@ if(WIN32)
 else()
     # On Windows every automation interface would be warned of.
     target_compile_options(bridge_flags INTERFACE -Wnon-virtual-dtor)
-    target_link_options(bridge_flags INTERFACE -Wl,--no-undefined)
+    if(BRIDGE_FUZZ)
+        add_compile_options(-fsanitize=fuzzer-no-link)  # libraries take the rest from the program
+    else()
+        target_link_options(bridge_flags INTERFACE -Wl,--no-undefined)
+    endif()
 endif()
 target_include_directories(bridge_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
+
+# Released programs resist what an error of ours might let somebody write.
+if(NOT WIN32 AND NOT BRIDGE_SANITIZE AND CMAKE_BUILD_TYPE MATCHES "Rel")
+    add_compile_options(-fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+        add_compile_options(-fcf-protection)
+    endif()
+    add_link_options(-Wl,-z,relro,-z,now)
+    include(CheckPIESupported)
+    check_pie_supported(LANGUAGES CXX)
+endif()
 
 if(BRIDGE_SANITIZE)
     add_compile_options(-fsanitize=${BRIDGE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g)

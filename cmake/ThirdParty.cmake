@@ -27,6 +27,22 @@ add_library(bridge_log INTERFACE)
 target_link_libraries(bridge_log INTERFACE bridge_boost)
 target_compile_definitions(bridge_log INTERFACE SPDLOG_HEADER_ONLY SPDLOG_FMT_EXTERNAL FMT_HEADER_ONLY)
 
+set(ZLIB_USE_STATIC_LIBS ${WIN32})  # no further library to ship
+find_package(ZLIB REQUIRED)
+
+# There are no Windows packages of these: the server has neither TLS nor users there.
+add_library(bridge_tls INTERFACE)
+add_library(bridge_passwords INTERFACE)
+if(NOT WIN32)
+    find_path(SODIUM_INCLUDE_DIR sodium.h REQUIRED)
+    find_library(SODIUM_LIBRARY sodium REQUIRED)
+    target_include_directories(bridge_passwords SYSTEM INTERFACE ${SODIUM_INCLUDE_DIR})
+    target_link_libraries(bridge_passwords INTERFACE ${SODIUM_LIBRARY})
+    find_package(OpenSSL REQUIRED)
+    target_link_libraries(bridge_tls INTERFACE OpenSSL::SSL)
+    target_compile_definitions(bridge_tls INTERFACE HMI_WITH_TLS)
+endif()
+
 add_library(bridge_ffi INTERFACE)
 if(NOT WIN32)
     find_path(FFI_INCLUDE_DIR ffi.h REQUIRED)

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <memory>
 
+#include <boost/asio/ip/address.hpp>
+
 #include "server/Log.h"
 #include "server/StartError.h"
 #include "server/StopDeadline.h"
@@ -18,6 +20,16 @@ ZrHmiSrv::Text domainOf(const std::filesystem::path& extension) {
     if (name.starts_with("lib"))
         name.erase(0, 3);
     return ZrHmiSrv::Text(name);
+}
+
+/// Nobody is asked who they are: then only this machine may ask.
+void expectAllowedAddress(const Options& options) {
+    boost::system::error_code error;
+    const auto address = boost::asio::ip::make_address(options.address, error);
+    if (!error && !address.is_loopback() && options.users.empty() && !options.open)
+        throw StartError("--address: " + options.address +
+                         " lets everybody do everything; --users says who may do what, --open "
+                         "means it");
 }
 
 }  // namespace
@@ -36,8 +48,12 @@ Application::Application(const Options& given)
       targetWatch(targets, backend.events, feed,
                   {[this] { return backend.calls.diagnostics(); },
                    [this] { return backend.addresses(); }}),
-      dispatcher(router, OriginPolicy(options.allowedHosts), lanes, metrics),
-      server(io.context(), options.address, options.port, dispatcher, hub) {
+      access(OriginPolicy(options.allowedHosts), options.users),
+      dispatcher(router, lanes, metrics),
+      server(io.context(),
+             {options.address, options.port, options.certificate, options.key},
+             {access, dispatcher, audit, hub}) {
+    expectAllowedAddress(options);
     feed.add("targets", targets);
     feed.add("texts", texts);  // before those that tell readers to ask again
     feed.add("stream", hub);
@@ -49,6 +65,8 @@ Application::~Application() {
 }
 
 void Application::addRoutes() {
+    aboutResource.addRoutes(router);
+    sessionResource.addRoutes(router);
     eventsResource.addRoutes(router);
     confirmationsResource.addRoutes(router);
     targetsResource.addRoutes(router);
@@ -62,12 +80,18 @@ void Application::addRoutes() {
         simulatorResource->addRoutes(router);
     }
     router.add(Method::get, "/api/stream", [](const Request&) {
-        return Response::error(426, "the stream is for WebSocket clients");
+        Response response = Response::error(426, "the stream is for WebSocket clients");
+        response.headers.emplace_back("Upgrade", "websocket");
+        return response;
     });
 }
 
 void Application::run() {
     StopSignal signal(io.context());
+    reload.emplace(io.context(), [this] {
+        server.reload();
+        access.reload();
+    });
     if (!options.plant.empty()) {
         simulator = std::make_unique<SimulatorControl>(options.extension);
         simulator->loadPlant(options.plant);
@@ -89,6 +113,7 @@ void Application::run() {
 
 void Application::serve(StopSignal& signal) {
     addRoutes();
+    aboutResource.setReady(true);
     targetWatch.start();
     server.start();
     std::printf("listening on %s\n", server.url().c_str());
@@ -98,7 +123,9 @@ void Application::serve(StopSignal& signal) {
 }
 
 void Application::stop(std::future<void>& started) {
+    aboutResource.setReady(false);
     server.stop();
+    access.stop();
     targetWatch.stop();
     texts.stop();
     lanes.stop();

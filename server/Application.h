@@ -2,10 +2,13 @@
 
 #include <future>
 #include <memory>
+#include <optional>
 
 #include "server/Backend.h"
 #include "server/Options.h"
+#include "server/ReloadSignal.h"
 #include "server/StopSignal.h"
+#include "server/api/AboutResource.h"
 #include "server/api/CommandsResource.h"
 #include "server/api/ConfigResource.h"
 #include "server/api/ConfirmationsResource.h"
@@ -23,6 +26,7 @@
 #include "server/net/StreamHub.h"
 #include "server/targets/TargetWatch.h"
 #include "server/texts/EventTextService.h"
+#include "server/users/SessionResource.h"
 
 namespace hmi {
 
@@ -57,7 +61,11 @@ private:
     TargetWatch targetWatch;
 
     Router router;
+    AccessControl access;
+    Audit audit;
     Dispatcher dispatcher;
+    SessionResource sessionResource{access, !options.certificate.empty()};
+    AboutResource aboutResource;
     EventsResource eventsResource{backend.events, targets, backend.calls, texts};
     ConfirmationsResource confirmationsResource{confirmations, backend.events, lanes};
     TargetsResource targetsResource{targets};
@@ -67,6 +75,7 @@ private:
     MetricsResource metricsResource{metrics, backend.events, backend.calls, feed, lanes, texts};
     std::unique_ptr<SimulatorResource> simulatorResource;
     HttpServer server;
+    std::optional<ReloadSignal> reload;
 };
 
 }  // namespace hmi

@@ -1,4 +1,4 @@
-# Writes FILES (names in DIRECTORY) as byte arrays into the C++ source OUTPUT.
+# Writes FILES (names in DIRECTORY) as byte arrays into the C++ source OUTPUT, which defines VARIABLE.
 set(arrays "")
 set(table "")
 set(index 0)
@@ -11,4 +11,4 @@ foreach(name IN LISTS FILES)
 endforeach()
 file(WRITE ${OUTPUT} "#include \"server/api/PageFiles.h\"\n\nnamespace hmi {\n\nnamespace {\n\n${arrays}
 constexpr PageFile files[] = {\n${table}};\n\n}  // namespace\n
-const std::span<const PageFile> pageFiles(files);\n\n}  // namespace hmi\n")
+const std::span<const PageFile> ${VARIABLE}(files);\n\n}  // namespace hmi\n")

@@ -9,12 +9,6 @@
 
 namespace hmi {
 
-namespace {
-
-constexpr std::size_t maxFileSize = 64 << 20;
-
-}  // namespace
-
 std::string readFile(const std::filesystem::path& file) {
     errno = 0;
     std::ifstream stream(file, std::ios::binary);
@@ -32,12 +26,16 @@ std::string readFile(const std::filesystem::path& file) {
     return text;
 }
 
-boost::json::value readJsonFile(const std::filesystem::path& file) {
+boost::json::value parseJsonFile(const std::filesystem::path& file, const std::string& text) {
     try {
-        return parseJson(readFile(file));
+        return parseJson(text);
     } catch (const JsonError& error) {
         throw StartError(file.string() + ": " + error.what());
     }
+}
+
+boost::json::value readJsonFile(const std::filesystem::path& file) {
+    return parseJsonFile(file, readFile(file));
 }
 
 }  // namespace hmi

@@ -21,7 +21,7 @@ std::filesystem::path toPath(const std::string& utf8) {
 
 /// The command line as typed, before it is checked as a whole.
 struct Typed {
-    std::string extension, config, plant;
+    std::string extension, config, plant, users, certificate, key;
     std::string level = "info";
     std::string format = "text";
 };
@@ -59,6 +59,18 @@ void describe(CLI::App& app, Options& options, Typed& typed) {
         ->allow_extra_args(false)
         ->delimiter(',')
         ->check(notEmpty);
+    add(app, "--users", "FILE", typed.users,
+        "Who may do what (JSON); without it everybody may do everything, and only on a loopback "
+        "address")
+        ->check(notEmpty);
+    app.add_flag("--hash-password", options.hashPassword,
+                 "Read a password from standard input and print its hash for that file");
+    app.add_flag("--open", options.open, "Listen on any address although there are no users")
+        ->envname("HMI_OPEN");
+    add(app, "--certificate", "FILE", typed.certificate,
+        "Certificate chain for TLS (PEM), read again on SIGHUP")
+        ->check(notEmpty);
+    add(app, "--key", "FILE", typed.key, "The certificate's private key (PEM)")->check(notEmpty);
     add(app, "--log-level", "L", typed.level, "debug, info, warning, error or off")
         ->check(CLI::IsMember({"debug", "info", "warning", "error", "off"}))
         ->capture_default_str();
@@ -75,6 +87,8 @@ std::string oneLine(std::string text) {
 }
 
 void finish(Options& options, const Typed& typed) {
+    if (options.hashPassword)
+        return;
     if (typed.extension.empty())
         throw StartError("--extension is missing");
     if (typed.config.empty())
@@ -82,6 +96,9 @@ void finish(Options& options, const Typed& typed) {
     options.extension = toPath(typed.extension);
     options.config = toPath(typed.config);
     options.plant = toPath(typed.plant);
+    options.users = toPath(typed.users);
+    options.certificate = toPath(typed.certificate);
+    options.key = toPath(typed.key);
     const auto level = std::find(std::begin(levels), std::end(levels), typed.level);
     options.logLevel = static_cast<LogLevel>(std::distance(std::begin(levels), level));
     options.logFormat = typed.format == "json" ? LogFormat::json : LogFormat::text;

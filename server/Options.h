@@ -19,9 +19,14 @@ struct Options {
     std::uint16_t port = 8080;    ///< 0: any free one
     std::string address = "127.0.0.1";
     std::vector<std::string> allowedHosts;
+    std::filesystem::path users;        ///< empty: nobody is asked who they are
+    bool open = false;                  ///< to everybody, though nobody is asked
+    std::filesystem::path certificate;  ///< empty: no TLS
+    std::filesystem::path key;
     LogLevel logLevel = LogLevel::info;
     LogFormat logFormat = LogFormat::text;
 
+    bool hashPassword = false;  ///< instead of a server: read a password, print its hash
     std::string information;  ///< asked for instead of a server: help or version
 
     /// UTF-8, without the program's name. Throws StartError.

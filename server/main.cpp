@@ -7,6 +7,8 @@
 #include "server/Application.h"
 #include "server/Options.h"
 #include "server/StartError.h"
+#include "server/users/Password.h"
+#include "server/users/ReadPassword.h"
 
 namespace {
 
@@ -15,6 +17,10 @@ int run(int argc, const char* const* argv) {
         hmi::Options::parse({argv + 1, static_cast<std::size_t>(argc > 0 ? argc - 1 : 0)});
     if (!options.information.empty()) {
         std::fputs(options.information.c_str(), stdout);
+        return 0;
+    }
+    if (options.hashPassword) {
+        std::puts(hmi::hashPassword(hmi::readPassword()).c_str());
         return 0;
     }
     hmi::configureLog(options.logLevel, options.logFormat);

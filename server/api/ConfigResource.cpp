@@ -2,6 +2,7 @@
 
 #include "server/config/ConfigurationWatch.h"
 #include "server/json/ParseJson.h"
+#include "server/json/ValueJson.h"
 
 namespace hmi {
 
@@ -63,8 +64,11 @@ Response ConfigResource::change(const Request& request, std::optional<json::valu
         throw RequestError(409, "target systems are changed one by one");
     const bool deleted = !value;
     try {
-        const ResultPair answer =
+        const ConfigurationChange change =
             store.change(path, std::move(value), [&] { return tell(path, deleted); });
+        const ResultPair& answer = change.answer;
+        if (answer.succeeded() && !change.notKept.empty())
+            return Response::json({{"result", 0}, {"warning", toJson(std::string_view(change.notKept))}});
         if (answer.succeeded())
             return Response::json({{"result", 0}});
         const auto reason = answer.text().view();
@@ -72,6 +76,8 @@ Response ConfigResource::change(const Request& request, std::optional<json::valu
                                answer.result());
     } catch (const ConfigurationError& error) {
         throw RequestError(400, error.what());
+    } catch (const ConfigurationConflict& error) {
+        throw RequestError(409, error.what());
     }
 }
 

@@ -1,9 +1,10 @@
 #include "server/api/EventsResource.h"
 
-#include <boost/json/array.hpp>
-#include <boost/json/monotonic_resource.hpp>
+#include <memory>
+#include <string>
 
 #include "server/api/EventSearch.h"
+#include "server/api/LongList.h"
 #include "server/json/EventJson.h"
 #include "server/json/TargetJson.h"
 #include "server/json/ValueJson.h"
@@ -47,22 +48,23 @@ void EventsResource::addRoutes(Router& router) {
 
 Response EventsResource::list(const Request& request) {
     const EventSearch search(request.target.query);
-    const EventSearch::Result found = search.run(book, targets, texts);
-    json::monotonic_resource memory;
-    json::array events(&memory);
-    events.reserve(found.hits.size());
-    for (const EventSearch::Hit& hit : found.hits) {
-        json::object event =
-            hit.gap ? toJson(*hit.gap, &memory) : toJson(*hit.event, &memory);
+    const auto found =
+        std::make_shared<const EventSearch::Result>(search.run(book, targets, texts));
+    const auto item = [found](std::size_t index, json::storage_ptr memory) {
+        const EventSearch::Hit& hit = found->hits[index];
+        if (hit.gap)
+            return toJson(*hit.gap, memory);
+        json::object event = toJson(*hit.event, memory);
         if (hit.texts && hit.texts->result == ErrorValue::success)
             addTexts(event, *hit.texts);
-        events.push_back(std::move(event));
-    }
-    json::object body({{"total", found.total}}, &memory);
+        return event;
+    };
+    std::string head = "{\"total\":" + std::to_string(found->total);
     if (search.isLocalized())
-        body.emplace("textsPending", found.textsPending);
-    body.emplace("events", std::move(events));
-    return Response::json(std::move(body));
+        head += ",\"textsPending\":" + std::to_string(found->textsPending);
+    const std::size_t count = found->hits.size();
+    return LongList{head + ",\"events\":[", count, count * sizeof(EventSearch::Hit), item}
+        .response();
 }
 
 Response EventsResource::one(const Request& request) {

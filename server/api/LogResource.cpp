@@ -1,10 +1,11 @@
 #include "server/api/LogResource.h"
 
 #include <limits>
+#include <memory>
+#include <string>
+#include <utility>
 
-#include <boost/json/array.hpp>
-#include <boost/json/monotonic_resource.hpp>
-
+#include "server/api/LongList.h"
 #include "server/json/EventJson.h"
 
 namespace hmi {
@@ -19,15 +20,15 @@ Response LogResource::read(const Request& request) const {
     const Query& query = request.target.query;
     query.allowOnly({"since", "limit"});
     const auto limit = query.number("limit", std::numeric_limits<std::size_t>::max());
-    const LogBook::Page page = book.read(query.number("since", 0), static_cast<std::size_t>(limit));
-    json::monotonic_resource memory;
-    json::array entries(&memory);
-    entries.reserve(page.entries.size());
-    for (const auto& entry : page.entries)
-        entries.push_back(toJson(*entry, &memory));
-    json::object body({{"next", page.next}}, &memory);
-    body.emplace("entries", std::move(entries));
-    return Response::json(std::move(body));
+    const auto page = std::make_shared<const LogBook::Page>(
+        book.read(query.number("since", 0), static_cast<std::size_t>(limit)));
+    const std::size_t count = page->entries.size();
+    return LongList{"{\"next\":" + std::to_string(page->next) + ",\"entries\":[", count,
+                    count * sizeof(page->entries.front()),
+                    [page](std::size_t index, json::storage_ptr memory) {
+                        return toJson(*page->entries[index], std::move(memory));
+                    }}
+        .response();
 }
 
 }  // namespace hmi

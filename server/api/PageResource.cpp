@@ -24,6 +24,7 @@ void PageResource::addRoutes(Router& router) {
             Response response;
             response.contentType = typeOf(file.name);
             response.body = file.content;
+            response.keepable = true;
             return response;
         });
     }

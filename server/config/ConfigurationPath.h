@@ -12,6 +12,9 @@ namespace hmi {
 /// Names from the root of the configuration downwards, written with "::" between them.
 class ConfigurationPath {
 public:
+    /// As deep as a file may be nested; a longer path leads nowhere.
+    static constexpr std::size_t maxDepth = 32;
+
     ConfigurationPath() = default;
     /// Nothing for a text with an empty name; the empty text is the root.
     static std::optional<ConfigurationPath> parse(std::string_view text);

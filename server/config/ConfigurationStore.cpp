@@ -1,16 +1,22 @@
 #include "server/config/ConfigurationStore.h"
 
+#include <algorithm>
+#include <system_error>
 #include <utility>
 
 #include "server/JsonFile.h"
+#include "server/Log.h"
 #include "server/StartError.h"
+#include "server/config/ConfigurationCheck.h"
 #include "server/config/ConfigurationFields.h"
 #include "server/config/ReplacementFile.h"
+#include "server/json/JsonLines.h"
 #include "server/json/ParseJson.h"
 
 namespace hmi {
 
 namespace json = boost::json;
+using ZrHmiSrv::ErrorValue;
 using ZrHmiSrv::ResultPair;
 using ZrHmiSrv::Value;
 
@@ -23,9 +29,17 @@ std::filesystem::path resolved(const std::filesystem::path& file) {
     return missing ? file : target;
 }
 
-/// A target system's entry is the extension's to refuse, also where it is malformed.
+/// A target system's entry is the extension's to refuse.
 bool isEntry(const ConfigurationPath& path) {
     return path.depth() >= 2 && path.name(0) == "TARGET_SYSTEMS";
+}
+
+/// The first finding for which a configuration cannot be used.
+const Finding* firstFault(const std::vector<Finding>& findings, Finding::Weight least) {
+    const auto found = std::find_if(findings.begin(), findings.end(), [&](const Finding& finding) {
+        return finding.weight >= least;
+    });
+    return found == findings.end() ? nullptr : &*found;
 }
 
 /// False when something above the path is no object.
@@ -37,32 +51,39 @@ bool apply(json::value& document, const ConfigurationPath& path,
     return true;
 }
 
-/// Throws ConfigurationError when a change at the path has made no configuration.
-void check(const json::value& document, const ConfigurationPath& path) {
-    if (!isEntry(path)) {
-        if (const auto fault = findFieldFault(document))
-            throw ConfigurationError(*fault);
-    }
-    // The extension would not start with it the next time.
-    if (path.depth() > 0 && path.name(0) == "TIMEOUT") {
-        if (const auto fault = findTimeoutFault(document))
-            throw ConfigurationError(*fault);
+/// Throws ConfigurationError when the text would not be read at the next start.
+void expectReadable(const std::string& text) {
+    if (text.size() > maxFileSize)
+        throw ConfigurationError("the configuration would be larger than 64 MiB");
+    try {
+        parseJson(text);
+    } catch (const JsonError& error) {
+        throw ConfigurationError(std::string("it could not be read again: ") + error.what());
     }
 }
 
 }  // namespace
 
-ConfigurationStore::State ConfigurationStore::load(const std::filesystem::path& file) {
-    State loaded{readJsonFile(file), {}};
-    if (const auto fault = findFieldFault(loaded.document))
-        throw StartError(file.string() + ": " + *fault);
-    loaded.value = configurationValue(loaded.document);
-    return loaded;
+ConfigurationStore::ConfigurationStore(std::filesystem::path from) : file(resolved(from)) {
+    fileText = readFile(file);
+    state = load(fileText);
+    accepted = state.document;
 }
 
-ConfigurationStore::ConfigurationStore(std::filesystem::path from)
-    : file(resolved(from)), state(load(from)) {
-    accepted = state.document;
+ConfigurationStore::State ConfigurationStore::load(const std::string& text) const {
+    State loaded{parseJsonFile(file, text), {}};
+    const std::vector<Finding> findings = checkConfiguration(loaded.document);
+    const JsonLines lines(text);
+    const auto told = [&](const Finding& finding) {
+        return file.string() + ": line " + std::to_string(lines.of(finding.field)) + ": " +
+               finding.line();
+    };
+    if (const Finding* const fault = firstFault(findings, Finding::Weight::entry))
+        throw StartError(told(*fault));
+    for (const Finding& finding : findings)
+        log(LogLevel::warning, told(finding));
+    loaded.value = configurationValue(loaded.document);
+    return loaded;
 }
 
 std::optional<json::value> ConfigurationStore::get(const ConfigurationPath& path) const {
@@ -86,26 +107,40 @@ Value ConfigurationStore::read(const ConfigurationPath& path) const {
     return value;
 }
 
-ResultPair ConfigurationStore::change(const ConfigurationPath& path,
-                                      std::optional<json::value> value,
-                                      const std::function<ResultPair()>& accept) {
+ConfigurationChange ConfigurationStore::change(const ConfigurationPath& path,
+                                               std::optional<json::value> value,
+                                               const std::function<ResultPair()>& accept) {
     const auto proposal = propose({path, value});
-    ResultPair answer;
+    ConfigurationChange done;
     try {
-        answer = accept();
+        done.answer = accept();
     } catch (...) {
         withdraw(proposal);
         throw;
     }
-    if (answer.succeeded())
-        keep(proposal);
-    else
+    if (done.answer.succeeded() && !proposal->startsAgain)
+        done.answer = ResultPair(ErrorValue::invalid_configuration, "the entry is not complete");
+    if (!done.answer.succeeded()) {
         withdraw(proposal);
-    return answer;
+        return done;
+    }
+    try {
+        keep(proposal);
+    } catch (const std::system_error& error) {
+        done.notKept = "in force, but not kept in " + file.string() + ": " + error.code().message();
+    } catch (const ConfigurationConflict& error) {
+        done.notKept = std::string("in force, but not kept: ") + error.what();
+    }
+    if (!done.notKept.empty())
+        log(LogLevel::error, "a change of the configuration is " + done.notKept);
+    return done;
 }
 
-ConfigurationStore::Proposals::iterator ConfigurationStore::propose(const Proposal& proposal) {
+ConfigurationStore::Proposals::iterator ConfigurationStore::propose(Proposal proposal) {
+    if (proposal.path.depth() > ConfigurationPath::maxDepth)
+        throw ConfigurationError("the path has more than 32 names");
     Lock fileLock(fileMutex);
+    expectFileAsKnown();
     json::value next;
     {
         Lock lock(mutex);
@@ -113,8 +148,14 @@ ConfigurationStore::Proposals::iterator ConfigurationStore::propose(const Propos
     }
     if (!apply(next, proposal.path, proposal.value))
         throw ConfigurationError("a value above it is not an object");
-    check(next, proposal.path);
-    ReplacementFile(file, prettyJson(next));  // there is room for it
+    const auto least = isEntry(proposal.path) ? Finding::Weight::fault : Finding::Weight::entry;
+    const std::vector<Finding> findings = checkConfiguration(next);
+    if (const Finding* const fault = firstFault(findings, least))
+        throw ConfigurationError(fault->line());
+    proposal.startsAgain = !firstFault(findings, Finding::Weight::entry);
+    const std::string text = prettyJson(next);
+    expectReadable(text);
+    ReplacementFile(file, text);  // there is room for it
     Lock lock(mutex);
     const auto added = proposals.insert(proposals.end(), proposal);
     rebuild();
@@ -136,7 +177,22 @@ void ConfigurationStore::keep(Proposals::iterator proposal) {
         proposals.erase(proposal);
         text = prettyJson(accepted);
     }
+    expectFileAsKnown();
     ReplacementFile(file, text).commit();
+    fileText = std::move(text);
+}
+
+void ConfigurationStore::expectFileAsKnown() const {
+    std::string now;
+    try {
+        now = readFile(file);
+    } catch (const StartError& error) {
+        throw ConfigurationConflict(error.what());
+    }
+    if (now != fileText)
+        throw ConfigurationConflict(file.string() +
+                                    ": somebody else has changed it; the server must be restarted "
+                                    "with that file before it can change it");
 }
 
 void ConfigurationStore::rebuild() {

@@ -5,6 +5,7 @@
 #include <list>
 #include <optional>
 #include <stdexcept>
+#include <string>
 
 #include <boost/json/value.hpp>
 
@@ -21,6 +22,18 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// The file is no longer as this server read or wrote it; the text is for the client.
+class ConfigurationConflict : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// What became of a change.
+struct ConfigurationChange {
+    ZrHmiSrv::ResultPair answer;  ///< of the extension
+    std::string notKept;          ///< why the file could not be written, though it is in force
+};
+
 /// The extension's configuration and the file that it lives in. Thread-safe; of each entry of
 /// TARGET_SYSTEMS, and of all the rest, one change comes at a time.
 class ConfigurationStore {
@@ -35,12 +48,12 @@ public:
 
     /// Sets the value at the path, or deletes it when there is none, and asks `accept`, which
     /// already reads the new state; called with no lock held. If accepted the file is written,
-    /// otherwise the former state comes back. Throws ConfigurationError, or std::system_error
-    /// when there is no room for the new file, before `accept` is asked; std::system_error also
-    /// when the file cannot take its place afterwards: then the change is in force, but not kept.
-    ZrHmiSrv::ResultPair change(const ConfigurationPath& path,
-                                std::optional<boost::json::value> value,
-                                const std::function<ZrHmiSrv::ResultPair()>& accept);
+    /// otherwise the former state comes back. Before `accept` is asked it throws
+    /// ConfigurationError for what the server could not start with again, ConfigurationConflict,
+    /// or std::system_error when there is no room for the new file.
+    ConfigurationChange change(const ConfigurationPath& path,
+                               std::optional<boost::json::value> value,
+                               const std::function<ZrHmiSrv::ResultPair()>& accept);
 
 private:
     struct State {
@@ -50,19 +63,23 @@ private:
     struct Proposal {
         const ConfigurationPath& path;
         const std::optional<boost::json::value>& value;  ///< none: to delete
+        bool startsAgain = false;  ///< whether the server could start with it
     };
     using Proposals = std::list<Proposal>;
 
-    static State load(const std::filesystem::path& file);
-    Proposals::iterator propose(const Proposal& proposal);
+    State load(const std::string& text) const;
+    Proposals::iterator propose(Proposal proposal);
     void withdraw(Proposals::iterator proposal);
+    /// Throws ConfigurationConflict or std::system_error when the file stays as it was.
     void keep(Proposals::iterator proposal);
+    void expectFileAsKnown() const REQUIRES(fileMutex);
     void rebuild() REQUIRES(mutex);
 
     const std::filesystem::path file;
-    Mutex fileMutex ACQUIRED_BEFORE(mutex);  ///< one writes the file at a time
-    mutable Mutex mutex;                     ///< guards all below; nothing is called under it
-    boost::json::value accepted GUARDED_BY(mutex);  ///< as it stands in the file
+    Mutex fileMutex ACQUIRED_BEFORE(mutex);       ///< one writes the file at a time
+    std::string fileText GUARDED_BY(fileMutex);   ///< what stands there, as far as we know
+    mutable Mutex mutex;                          ///< guards all below; nothing is called under it
+    boost::json::value accepted GUARDED_BY(mutex);  ///< what is in force
     Proposals proposals GUARDED_BY(mutex);          ///< the extension is being asked about them
     State state GUARDED_BY(mutex);                  ///< what is accepted, with the proposals
 };

@@ -1,91 +1,63 @@
 #include "server/config/ReplacementFile.h"
 
-#include <cerrno>
-#include <cstdio>
+#include <optional>
 #include <system_error>
+#include <utility>
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <fcntl.h>
-#include <unistd.h>
-#endif
+#include "server/config/FileCalls.h"
 
 namespace hmi {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-[[noreturn]] void throwLastError(const fs::path& file) {
-    throw std::system_error(errno, std::generic_category(), file.string());
-}
-
-#ifdef _WIN32
-std::FILE* openForWriting(const fs::path& file) {
-    return _wfopen(file.c_str(), L"wb");
-}
-int flushToDisk(std::FILE* file) {
-    return _commit(_fileno(file));
-}
-void flushDirectory(const fs::path&) noexcept {}
-#else
-std::FILE* openForWriting(const fs::path& file) {
-    return std::fopen(file.c_str(), "wb");
-}
-int flushToDisk(std::FILE* file) {
-    return fsync(fileno(file));
-}
-/// Without it the new name might not survive a power failure.
-void flushDirectory(const fs::path& directory) noexcept {
-    const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY);
-    if (descriptor < 0)
-        return;
-    fsync(descriptor);
-    close(descriptor);
-}
-#endif
-
-void writeDurably(const fs::path& file, std::string_view content) {
-    std::FILE* const stream = openForWriting(file);
-    if (!stream)
-        throwLastError(file);
-    const bool written = std::fwrite(content.data(), 1, content.size(), stream) == content.size() &&
-                         std::fflush(stream) == 0 && flushToDisk(stream) == 0;
-    const int reason = errno;
-    if (std::fclose(stream) == 0 && written)
-        return;
-    std::error_code ignored;
-    fs::remove(file, ignored);
-    errno = reason;
-    throwLastError(file);
-}
-
-fs::path besideOf(fs::path file) {
-    return file += ".new";
-}
-
-}  // namespace
-
-ReplacementFile::ReplacementFile(fs::path target, std::string_view content)
-    : file(std::move(target)), temporary(besideOf(file)) {
-    writeDurably(temporary, content);
-    std::error_code ignored;  // other access rights are no reason to lose the change
-    const auto status = fs::status(file, ignored);
-    if (fs::exists(status))
-        fs::permissions(temporary, status.permissions(), ignored);
+ReplacementFile::ReplacementFile(fs::path target, std::string text)
+    : file(std::move(target)), content(std::move(text)) {
+    if (!writeBeside())
+        WritableFile::open(file);  // at least it must be one that we may write to
 }
 
 ReplacementFile::~ReplacementFile() {
     std::error_code ignored;
-    if (!committed)
+    if (!temporary.empty())
         fs::remove(temporary, ignored);
 }
 
+/// False when there can be no such file; throws when there can, but not with this content.
+bool ReplacementFile::writeBeside() {
+    std::optional<WritableFile> beside;
+    try {
+        beside.emplace(WritableFile::createBeside(file));
+    } catch (const std::system_error&) {
+        return false;
+    }
+    temporary = beside->path();
+    bool isReplacement = false;
+    try {
+        isReplacement = beside->takeRightsOf(file);
+        if (isReplacement)
+            beside->write(content);
+    } catch (...) {
+        fs::remove(std::exchange(temporary, {}));
+        throw;
+    }
+    if (!isReplacement)
+        fs::remove(std::exchange(temporary, {}));
+    return isReplacement;
+}
+
+void ReplacementFile::writeOver() {
+    WritableFile::open(file).write(content);
+}
+
 void ReplacementFile::commit() {
-    fs::rename(temporary, file);
-    committed = true;
-    flushDirectory(file.has_parent_path() ? file.parent_path() : fs::path("."));
+    if (temporary.empty())
+        return writeOver();
+    std::error_code error;
+    fs::rename(temporary, file, error);
+    if (error)
+        return writeOver();
+    temporary.clear();
+    flushDirectoryOf(file);
 }
 
 }  // namespace hmi

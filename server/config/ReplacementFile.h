@@ -1,16 +1,19 @@
 #pragma once
 
 #include <filesystem>
-#include <string_view>
+#include <string>
 
 namespace hmi {
 
 /// New content for a file: written beside it and on the disk when constructed, in its place after
 /// `commit`. A crash leaves the old file or the new one, never a part. Removed when not committed.
+/// The file keeps its owner and its rights. Where it cannot be replaced by another (a folder that
+/// may not be written, a file that is mounted alone) it is written over instead, and only there a
+/// crash may leave a part.
 class ReplacementFile {
 public:
-    /// Throws std::system_error.
-    ReplacementFile(std::filesystem::path file, std::string_view content);
+    /// Throws std::system_error when neither can work.
+    ReplacementFile(std::filesystem::path file, std::string content);
     ~ReplacementFile();
     ReplacementFile(const ReplacementFile&) = delete;
     ReplacementFile& operator=(const ReplacementFile&) = delete;
@@ -19,9 +22,12 @@ public:
     void commit();
 
 private:
+    bool writeBeside();
+    void writeOver();
+
     const std::filesystem::path file;
-    const std::filesystem::path temporary;
-    bool committed = false;
+    const std::string content;
+    std::filesystem::path temporary;  ///< empty when there is none
 };
 
 }  // namespace hmi

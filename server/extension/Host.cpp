@@ -36,7 +36,8 @@ void Host::writeLog(Message message) {
         log(LogLevel::debug, std::string(message.name().view()) + " " +
                                  boost::json::serialize(toJson(message.parameters())));
     to.metrics.countLogMessage(message);
-    to.log.add(std::move(message));
+    if (trouble.pass(message))
+        to.log.add(std::move(message));
 }
 
 ResultPair Host::send_message(const Context&, Message& message, bool publish) {

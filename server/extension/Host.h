@@ -7,6 +7,7 @@
 #include "server/events/EventBook.h"
 #include "server/events/LogBook.h"
 #include "server/extension/ListenerRegistry.h"
+#include "server/extension/TroubleLog.h"
 #include "server/metrics/Metrics.h"
 
 namespace hmi {
@@ -53,6 +54,7 @@ private:
     void writeLog(ZrHmiSrv::Message message);
 
     HostServices to;
+    TroubleLog trouble;
 };
 
 }  // namespace hmi

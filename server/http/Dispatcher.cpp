@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "server/Log.h"
+#include "server/http/Conditional.h"
 
 namespace hmi {
 
@@ -17,7 +18,7 @@ Response responseOf(Function function) {
         return function();
     } catch (const MethodError& error) {
         Response response = Response::error(error.status, error.what());
-        response.allow = error.allow;
+        response.headers.emplace_back("Allow", error.allow);
         return response;
     } catch (const RequestError& error) {
         return Response::error(error.status, error.what());
@@ -29,14 +30,13 @@ Response responseOf(Function function) {
 
 }  // namespace
 
-void Dispatcher::dispatch(Request request, std::string_view target, Reply reply) {
+void Dispatcher::dispatch(Request request, std::optional<Response> refused, Reply reply) {
+    if (refused) {
+        metrics.countRequest(refused->status);
+        return reply(std::move(*refused));
+    }
     const Route* route = nullptr;
     Response refusal = responseOf([&]() -> Response {
-        request.target = Target::parse(target);
-        if (!request.target.authority.empty())
-            request.host = request.target.authority;
-        if (!policy.allows(request))
-            throw RequestError(403, "not for pages of another origin");
         route = &router.find(request);
         return {};
     });
@@ -66,7 +66,11 @@ void Dispatcher::place(const std::shared_ptr<Exchange>& exchange) {
 
 void Dispatcher::handle(const Place& place, const std::shared_ptr<Exchange>& exchange) {
     run(place, exchange, [this, exchange] {
-        answer(*exchange, responseOf([&] { return exchange->route.handler(exchange->request); }));
+        answer(*exchange, responseOf([&] {
+            Response response = exchange->route.handler(exchange->request);
+            fit(exchange->request, response);
+            return response;
+        }));
     });
 }
 
@@ -88,6 +92,11 @@ void Dispatcher::run(const Place& place, const std::shared_ptr<Exchange>& exchan
 void Dispatcher::answer(const Exchange& exchange, Response response) {
     metrics.countRequest(response.status);
     exchange.reply(std::move(response));
+}
+
+void Dispatcher::work(std::function<void()> task, std::function<void()> refused) {
+    lanes.run({Lane::local}, {std::move(task), [refused = std::move(refused)](
+                                                   const std::string&) { refused(); }});
 }
 
 bool Dispatcher::isStream(std::string_view target) {

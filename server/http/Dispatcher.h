@@ -2,8 +2,8 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
-#include "server/http/OriginPolicy.h"
 #include "server/http/Router.h"
 #include "server/lanes/WorkerLanes.h"
 #include "server/metrics/Metrics.h"
@@ -14,17 +14,18 @@ namespace hmi {
 /// into an error response.
 class Dispatcher {
 public:
-    Dispatcher(const Router& router, OriginPolicy policy, WorkerLanes& lanes, Metrics& metrics)
-        : router(router), policy(std::move(policy)), lanes(lanes), metrics(metrics) {}
+    Dispatcher(const Router& router, WorkerLanes& lanes, Metrics& metrics)
+        : router(router), lanes(lanes), metrics(metrics) {}
 
     using Reply = std::function<void(Response)>;
 
-    /// Called on the I/O thread with a target that is not yet decoded; replies once, from any
-    /// thread, possibly before this returns; or not at all when the client has gone meanwhile.
-    void dispatch(Request request, std::string_view target, Reply reply);
+    /// Has a request served that was admitted, or answered that was refused. Replies once, from
+    /// any thread, possibly before this returns; or not at all when the client has gone meanwhile.
+    /// Any thread.
+    void dispatch(Request request, std::optional<Response> refusal, Reply reply);
+    /// Has a worker do what takes time but waits for nothing; or the other, when there is none.
+    void work(std::function<void()> task, std::function<void()> refused);
     static bool isStream(std::string_view target);
-    /// Whether the client that asks may follow the stream.
-    bool allowsStream(const Request& request) const { return policy.allows(request); }
     /// The largest body that a target takes, in bytes.
     static std::uint64_t bodyLimit(std::string_view target);
 
@@ -43,7 +44,6 @@ private:
     void answer(const Exchange& exchange, Response response);
 
     const Router& router;
-    const OriginPolicy policy;
     WorkerLanes& lanes;
     Metrics& metrics;
 };

@@ -11,12 +11,17 @@ namespace hmi {
 
 enum class Method : std::uint8_t { get, post, put, remove, other };
 
-/// A request as the handlers see it, free of any network type.
+/// A request as the handlers see it, free of any network type. Headers that are missing are empty.
 struct Request {
     Method method = Method::get;
     Target target;
-    std::string host;    ///< the header, empty when there is none
-    std::string origin;  ///< likewise
+    std::string host;
+    std::string origin;
+    std::string authorization;
+    std::string cookie;
+    std::string ifNoneMatch;
+    bool acceptsGzip = false;
+    bool fromPage = false;  ///< a browser says that a page's script asks
     std::string body;
 
     std::string peer;  ///< the client's address, without a port

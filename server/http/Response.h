@@ -1,10 +1,12 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <boost/json/value.hpp>
 
@@ -12,11 +14,19 @@
 
 namespace hmi {
 
+/// Makes a long body part by part; an empty part is the end. Called by one thread at a time, when
+/// the client has taken the part before.
+using BodyParts = std::function<std::string()>;
+
 struct Response {
     unsigned status = 200;
     std::string body;
+    BodyParts parts;       ///< instead of a body
+    std::size_t held = 0;  ///< bytes that the parts keep alive
     std::string contentType = "application/json";
-    std::string allow;  ///< of a 405: the methods that there are
+    bool keepable = false;  ///< a client may keep it, and ask whether it still holds
+    /// Further ones, each name at most once.
+    std::vector<std::pair<std::string, std::string>> headers;
 
     static Response json(const boost::json::value& value, unsigned status = 200);
     /// `result`: the extension's code, when it gave one.

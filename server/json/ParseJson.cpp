@@ -6,6 +6,8 @@
 #include <boost/json/parser.hpp>
 #include <boost/json/serialize.hpp>
 
+#include "server/json/JsonLines.h"
+
 namespace hmi {
 
 namespace json = boost::json;
@@ -68,6 +70,9 @@ json::value parseJson(std::string_view text) {
     const auto rest = text.find_first_not_of(" \t\r\n", read);
     if (rest != std::string_view::npos)
         throwAt(text, rest, "more text behind the end of the value");
+    const JsonLines lines(text);
+    if (const auto& fault = lines.fault())
+        throw JsonError("line " + std::to_string(fault->line) + ": " + fault->text);
     return parser.release();
 }
 

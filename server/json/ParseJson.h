@@ -8,7 +8,8 @@
 
 namespace hmi {
 
-/// Text that is no JSON, or nested more than 32 deep; says where: "line 3, column 5: ...".
+/// Text that is no JSON, is nested more than 32 deep, names a member twice, or has a number that is
+/// too large; says where: "line 3, column 5: ...".
 class JsonError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -1,5 +1,6 @@
 #include "server/net/HttpServer.h"
 
+#include <algorithm>
 #include <chrono>
 #include <sstream>
 
@@ -8,7 +9,9 @@
 #include <boost/asio/steady_timer.hpp>
 
 #include "server/StartError.h"
+#include "server/net/FileLimit.h"
 #include "server/net/HttpSession.h"
+#include "server/net/TlsFiles.h"
 
 namespace hmi {
 
@@ -19,23 +22,30 @@ using boost::system::error_code;
 /// Lives on the I/O thread.
 class HttpServer::Acceptor {
 public:
-    Acceptor(asio::io_context& io, const tcp::endpoint& endpoint, Dispatcher& dispatcher,
-             StreamHub& hub)
+    Acceptor(asio::io_context& io, const tcp::endpoint& endpoint, const Settings& settings,
+             const Parts& parts)
         : io(io),
           socket(io),
           retry(io),
-          context(std::make_shared<SessionContext>(SessionContext{dispatcher, hub, {}})) {
+          tls(settings.certificate, settings.key),
+          context(std::make_shared<SessionContext>(SessionContext{
+              parts.access, parts.dispatcher, parts.audit, parts.hub, Connections(limits())})) {
         socket.open(endpoint.protocol());
 #ifndef _WIN32
         socket.set_option(tcp::acceptor::reuse_address(true));  // on Windows it means to share it
 #endif
         socket.bind(endpoint);
         socket.listen();
-        context->connections.onEnd([this] { accept(); });
     }
 
-    ~Acceptor() {
-        context->connections.onEnd([] {});
+    std::string url() const {
+        std::ostringstream text;
+        text << (tls.isOn() ? "https://" : "http://") << endpoint();
+        return text.str();
+    }
+
+    void reload() {
+        asio::post(io, [this] { tls.reload(); });
     }
 
     tcp::endpoint endpoint() const {
@@ -59,8 +69,15 @@ public:
     }
 
 private:
+    static Connections::Limits limits() {
+        Connections::Limits limits;
+        constexpr std::size_t others = 128;  // files and pipes that are no connections
+        limits.connections = std::min(limits.connections, raiseFileLimit() - others);
+        return limits;
+    }
+
     void accept() {
-        if (!started || accepting || context->connections.isFull())
+        if (!started || accepting)
             return;
         accepting = true;
         socket.async_accept([this](error_code error, tcp::socket client) {
@@ -69,9 +86,19 @@ private:
                 return;
             if (error)
                 return acceptLater();
-            std::make_shared<HttpSession>(std::move(client), context)->readRequest();
+            serve(std::move(client));
             accept();
         });
+    }
+
+    void serve(tcp::socket client) {
+        error_code error;
+        const auto peer = client.remote_endpoint(error).address();
+        client.set_option(tcp::no_delay(true), error);
+        const auto session = std::make_shared<HttpSession>(ClientStream(std::move(client), tls.current()),
+                                                           peer, context);
+        if (context->connections.makeRoomFor(*session))
+            session->start();
     }
 
     /// The system is short of something, most likely of file handles.
@@ -87,6 +114,7 @@ private:
     asio::io_context& io;
     tcp::acceptor socket;
     asio::steady_timer retry;
+    TlsFiles tls;
     std::shared_ptr<SessionContext> context;
     bool started = false;
     bool accepting = false;
@@ -104,23 +132,24 @@ tcp::endpoint endpointOf(const std::string& address, std::uint16_t port) {
 
 }  // namespace
 
-HttpServer::HttpServer(asio::io_context& io, const std::string& address, std::uint16_t port,
-                       Dispatcher& dispatcher, StreamHub& hub) {
-    const tcp::endpoint endpoint = endpointOf(address, port);
+HttpServer::HttpServer(asio::io_context& io, const Settings& settings, const Parts& parts) {
+    const tcp::endpoint endpoint = endpointOf(settings.address, settings.port);
     try {
-        acceptor = std::make_unique<Acceptor>(io, endpoint, dispatcher, hub);
+        acceptor = std::make_unique<Acceptor>(io, endpoint, settings, parts);
     } catch (const boost::system::system_error& error) {
-        throw StartError("cannot listen on " + address + " port " + std::to_string(port) + ": " +
-                         error.code().message());
+        throw StartError("cannot listen on " + settings.address + " port " +
+                         std::to_string(settings.port) + ": " + error.code().message());
     }
 }
 
 HttpServer::~HttpServer() = default;
 
 std::string HttpServer::url() const {
-    std::ostringstream text;
-    text << "http://" << acceptor->endpoint();
-    return text.str();
+    return acceptor->url();
+}
+
+void HttpServer::reload() {
+    acceptor->reload();
 }
 
 void HttpServer::start() {

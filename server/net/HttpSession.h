@@ -5,20 +5,25 @@
 #include <optional>
 
 #include <boost/beast/core/flat_buffer.hpp>
-#include <boost/beast/core/tcp_stream.hpp>
 #include <boost/beast/http/message.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/string_body.hpp>
 
 #include "server/http/Dispatcher.h"
+#include "server/net/Answer.h"
+#include "server/net/ClientStream.h"
 #include "server/net/Connection.h"
 #include "server/net/StreamHub.h"
+#include "server/users/AccessControl.h"
+#include "server/users/Audit.h"
 
 namespace hmi {
 
 /// What the sessions of a server share.
 struct SessionContext {
+    AccessControl& access;
     Dispatcher& dispatcher;
+    const Audit& audit;
     StreamHub& hub;
     Connections connections;
 
@@ -31,36 +36,50 @@ struct SessionContext {
 /// Owned by its pending operations; on the I/O thread only.
 class HttpSession final : public Connection, public std::enable_shared_from_this<HttpSession> {
 public:
-    HttpSession(boost::asio::ip::tcp::socket socket, std::shared_ptr<SessionContext> context);
+    HttpSession(ClientStream stream, const boost::asio::ip::address& peer,
+                std::shared_ptr<SessionContext> context);
 
-    void readRequest();
+    void start();
     void close() override;
+    void abort() override;
 
 private:
     using Error = boost::beast::error_code;
     using Parser = boost::beast::http::request_parser<boost::beast::http::string_body>;
 
+    void readRequest();
     void onHeader(Error error);
     void readBody();
     void sendContinue();
     void onBody(Error error);
     void onReadFailed(Error error);
     void serve();
+    void dispatch(Request admitted, std::optional<Response> refusal, const Manner& manner);
     /// Whoever lets go last, on whatever thread, the session ends on its own.
     std::shared_ptr<HttpSession> sharedWithWorkers();
     std::shared_ptr<const std::atomic<bool>> watchClient();
     void follow();
-    Request takeRequest();
-    void send(Response response, bool keepAlive);
-    void onSent(Error error, bool keepAlive);
+    void accept(std::optional<Response> refusal);
+    Request request();
+
+    void refuse(Response reply);
+    void send(Response reply, Manner manner);
+    void write();
+    void onWritten(Error error);
+    void fetchPart();
+    void supply(std::optional<std::string> part);
+    void onSent();
     void linger();
+    void expireAfter(std::chrono::seconds time) { stream.next_layer().expires_after(time); }
 
     const std::shared_ptr<SessionContext> context;
-    boost::beast::tcp_stream stream;
+    ClientStream stream;
+    const ClientStream::executor_type executor;
     boost::beast::flat_buffer buffer;
     std::optional<Parser> parser;
-    boost::beast::http::response<boost::beast::http::string_body> response;
+    std::optional<Answer> answer;
     bool idle = true;      ///< no request has begun to arrive
+    bool handedOver = false;  ///< the stream has gone to another session
     bool closing = false;  ///< no request after this one
 };
 

@@ -15,13 +15,15 @@ constexpr std::size_t maxReceivedBytes = 4 << 10;
 
 }  // namespace
 
-StreamSession::StreamSession(beast::tcp_stream from, std::shared_ptr<SessionContext> shared)
-    : Connection(SessionContext::connectionsOf(shared)),
+StreamSession::StreamSession(ClientStream from, const asio::ip::address& client,
+                             std::shared_ptr<SessionContext> shared)
+    : Connection(SessionContext::connectionsOf(shared), client),
       context(std::move(shared)),
       stream(std::move(from)) {
     stream.set_option(websocket::stream_base::timeout::suggested(beast::role_type::server));
     stream.read_message_max(maxReceivedBytes);
     stream.text(true);
+    enter(Phase::busy);
 }
 
 void StreamSession::accept(beast::http::request<beast::http::string_body> upgrade,

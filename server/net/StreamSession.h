@@ -4,11 +4,11 @@
 #include <memory>
 
 #include <boost/beast/core/flat_buffer.hpp>
-#include <boost/beast/core/tcp_stream.hpp>
 #include <boost/beast/http/message.hpp>
 #include <boost/beast/http/string_body.hpp>
 #include <boost/beast/websocket/stream.hpp>
 
+#include "server/net/ClientStream.h"
 #include "server/net/HttpSession.h"
 
 namespace hmi {
@@ -19,13 +19,15 @@ class StreamSession final : public Connection,
                             public IStreamClient,
                             public std::enable_shared_from_this<StreamSession> {
 public:
-    StreamSession(boost::beast::tcp_stream stream, std::shared_ptr<SessionContext> context);
+    StreamSession(ClientStream stream, const boost::asio::ip::address& peer,
+                  std::shared_ptr<SessionContext> context);
 
     void accept(boost::beast::http::request<boost::beast::http::string_body> request,
                 StreamTypes types);
     bool send(StreamLine line) override;
     void disconnect() override;
     void close() override;
+    void abort() override { disconnect(); }
 
 private:
     void onAccepted(boost::beast::error_code error);
@@ -33,7 +35,7 @@ private:
     void write();
 
     const std::shared_ptr<SessionContext> context;
-    boost::beast::websocket::stream<boost::beast::tcp_stream> stream;
+    boost::beast::websocket::stream<ClientStream> stream;
     boost::beast::http::request<boost::beast::http::string_body> request;
     boost::beast::flat_buffer received;
     std::deque<StreamLine> lines;  ///< the first is being written when `writing`

@@ -29,7 +29,7 @@ std::optional<HRESULT> outcome(const FailAction& action) {
         case Failure::answersNothing:
             return S_OK;
         case Failure::exception:
-            throw PlannedException("the library failed");
+            throw PlannedException("");
         case Failure::foreignException:
             throw PlannedForeignException();
     }

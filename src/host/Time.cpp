@@ -23,10 +23,6 @@ std::int64_t saturating_multiply(std::int64_t count, std::int64_t factor) noexce
     return count * factor;
 }
 
-std::int64_t floor_divide(std::int64_t value, std::int64_t divisor) noexcept {
-    return value / divisor - (value % divisor < 0 ? 1 : 0);
-}
-
 }  // namespace
 
 Timestamp Timestamp::now() {
@@ -44,10 +40,6 @@ Timestamp Timestamp::from_file_time(long long file_time) noexcept {
 
 Timestamp Timestamp::from_milliseconds(std::int64_t milliseconds) noexcept {
     return Timestamp(saturating_multiply(milliseconds, nanosecondsPerMillisecond));
-}
-
-long long Timestamp::to_file_time() const noexcept {
-    return isset() ? floor_divide(ns, nanosecondsPerTick) + epochTicks : 0;
 }
 
 Timespan Timespan::from_milliseconds(std::int64_t milliseconds) noexcept {

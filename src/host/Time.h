@@ -19,7 +19,6 @@ public:
     static Timestamp from_file_time(long long file_time) noexcept;
     static Timestamp from_milliseconds(std::int64_t milliseconds) noexcept;
 
-    long long to_file_time() const noexcept;
     constexpr std::int64_t seconds() const noexcept { return ns / 1'000'000'000; }
     constexpr std::int64_t nanoseconds() const noexcept { return ns; }
     constexpr bool isset() const noexcept { return ns != 0; }

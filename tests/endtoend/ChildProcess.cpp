@@ -86,6 +86,12 @@ void ChildProcess::interrupt() {
 #endif
 }
 
+void ChildProcess::signal([[maybe_unused]] int number) {
+#ifndef _WIN32
+    kill(child.id(), number);
+#endif
+}
+
 int ChildProcess::wait() {
     return eventually([&] { return !isRunning(); }) ? child.exit_code() : -1;
 }

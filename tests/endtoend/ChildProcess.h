@@ -39,6 +39,8 @@ public:
     std::string errors() const { return readFile(files.path("errors")); }
     /// Asks it to stop, as a person at the keyboard does.
     void interrupt();
+    /// Where there are signals.
+    void signal(int number);
     /// Its exit code, or -1 when it does not end in time.
     int wait();
 

@@ -21,7 +21,10 @@ protected:
 
     ServerFixture server{
         TEST_EXTENSION_FILE,
-        {{"TIMEOUT", "PT5S"}, {"TARGET_SYSTEMS", {{"A", {{"ADDRESS", "local"}}}}}}};
+        {{"TIMEOUT", "PT5S"},
+         {"TARGET_SYSTEMS", {{"A", {{"ADDRESS", "local"}, {"ENABLED", false}}}}}},
+        {},
+        {"--allow-host", "HMI.plant.example"}};
 };
 
 TEST_F(HostTest, ListenersComeAndGoInsideTheirCallsAndTheExtensionLeavesInOrder) {
@@ -172,14 +175,86 @@ TEST_F(BadRequest, IsAnsweredAndChangesNothing) {
     }
 }
 
-TEST_F(BadRequest, ThatIsNoHttpEndsItsConnectionOnly) {
-    const std::pair<std::string, unsigned> cases[] = {
-        {"\x16\x03\x01 hello\r\n\r\n", 400},
-        {"GET / HTTP/1.1\r\nLong: " + std::string(20000, 'x'), 431},
-        {"POST /api/commands HTTP/1.1\r\nContent-Length: 9e9\r\n\r\n", 400},
-        {"GET http://127.0.0.1/ HTTP/1.1\r\nHost: x\r\n\r\n", 400}};
-    for (const auto& [bytes, status] : cases)
-        EXPECT_EQ(sendRaw(server.port(), bytes).status, status) << bytes.substr(0, 50);
+/// The status codes of all answers in what a server sent.
+std::string statusesOf(const std::string& received) {
+    std::string statuses;
+    constexpr std::string_view mark = "HTTP/1.1 ";
+    for (auto at = received.find(mark); at != std::string::npos; at = received.find(mark, at + 1))
+        statuses += (statuses.empty() ? "" : " ") + received.substr(at + mark.size(), 3);
+    return statuses;
+}
+
+/// The answers to bytes on one connection, of which an honest request is the last. One that is
+/// missing or too much shows that the server sees other bounds of a request than a proxy does.
+TEST_F(BadRequest, EndsWhereEverybodySeesItsEnd) {
+    const std::string host = "Host: 127.0.0.1\r\n";
+    const std::string last = "GET /api/version HTTP/1.1\r\n" + host + "Connection: close\r\n\r\n";
+    const std::string post = "POST /api/commands HTTP/1.1\r\n" + host;
+    const std::string chunked = post + "Transfer-Encoding: chunked\r\n\r\n";
+    const std::string endless(200'000, 'x');
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "200"},
+        {"\x16\x03\x01 hello\r\n\r\n", "400"},
+        {"GET /\r\n\r\n", "400"},
+        {"GET / HTTP/2.0\r\n" + host + "\r\n", "400"},
+        {"GET / HTTP/1.1\r\n\r\n", "400"},
+        {"GET / HTTP/1.1\r\n" + host + host + "\r\n", "400"},
+        {"GET / HTTP/1.1\r\n" + host + "Long: " + endless, "431"},
+        {"GET / HTTP/1.1\r\nBad Name: x\r\n" + host + "\r\n", "400"},
+        {"GET / HTTP/1.1\r\nHost : 127.0.0.1\r\n\r\n", "400"},
+        {"HEAD / HTTP/1.1\r\n" + host + "\r\n", "200 200"},
+        {"HEAD /api/log HTTP/1.1\r\n" + host + "\r\n", "200 200"},
+        {"HEAD /nothing HTTP/1.1\r\n" + host + "\r\n", "404 200"},
+        {"GET http://127.0.0.1/ HTTP/1.1\r\nHost: x\r\n\r\n", "200 200"},
+        {"GET http://evil.example/ HTTP/1.1\r\n" + host + "\r\n", "403 200"},
+        {"GET ftp://127.0.0.1/ HTTP/1.1\r\n" + host + "\r\n", "400 200"},
+        {"GET //evil.example/ HTTP/1.1\r\n" + host + "\r\n", "404 200"},
+        {"OPTIONS * HTTP/1.1\r\n" + host + "\r\n", "400 200"},
+        {"CONNECT 127.0.0.1:80 HTTP/1.1\r\n" + host + "\r\n", "400 200"},
+        {post + "Content-Length: 2\r\n\r\n[]", "200 200"},
+        {post + "Content-Length: 9e9\r\n\r\n", "400"},
+        {post + "Content-Length: -1\r\n\r\n", "400"},
+        {post + "Content-Length: 2\r\nContent-Length: 3\r\n\r\n[]", "400"},
+        {post + "Content-Length: 2\r\nContent-Length: 2\r\n\r\n[]", "400"},
+        {post + "Content-Length: 99999999999\r\n\r\n", "413"},
+        {post + "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n", "400"},
+        {post + "Transfer-Encoding: gzip\r\n\r\n", "501"},
+        {post + "Transfer-Encoding: gzip, chunked\r\n\r\n0\r\n\r\n", "501"},
+        {post + "Transfer-Encoding: chunked, identity\r\n\r\n0\r\n\r\n", "501"},
+        {post + "Transfer-Encoding: chunked\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n",
+         "400"},
+        {"POST /api/commands HTTP/1.0\r\n" + host + "Transfer-Encoding: chunked\r\n\r\n", "400"},
+        {chunked + "2\r\n[]\r\n0\r\n\r\n", "200 200"},
+        {chunked + "2;name=value\r\n[]\r\n0\r\nTrailer: x\r\n\r\n", "200 200"},
+        {chunked + "2;" + endless, "431"},
+        {chunked + "2\r\n[]\r\n0\r\nTrailer: " + endless, "431"},
+        {chunked + "zz\r\n", "400"},
+        {chunked + "fffffffffffffffff\r\n", "400"},
+        {chunked + "200000\r\n", "413"},
+    };
+    for (const auto& [bytes, statuses] : cases)
+        EXPECT_EQ(statusesOf(exchange(server.port(), bytes + last)), statuses)
+            << bytes.substr(0, 120);
+}
+
+TEST_F(HostTest, AnswersFitWhatTheClientHasAndTakes) {
+    const std::string get = "GET /page/operator.js HTTP/1.1\r\nHost: localhost\r\n";
+    const std::string end = "Connection: close\r\n\r\n";
+    const std::string plain = exchange(server.port(), get + end);
+    const std::string packed = exchange(server.port(), get + "Accept-Encoding: br, gzip\r\n" + end);
+    EXPECT_LT(packed.size(), plain.size() / 2);
+    EXPECT_THAT(packed, testing::HasSubstr("\r\nContent-Encoding: gzip\r\n"));
+    for (const char* none : {"gzip;q=0", "br"})
+        EXPECT_EQ(exchange(server.port(), get + "Accept-Encoding: " + none + "\r\n" + end), plain);
+
+    const auto tag = plain.find("ETag: ");
+    ASSERT_NE(tag, std::string::npos);
+    const std::string held = plain.substr(tag + 6, plain.find("\r\n", tag) - tag - 6);
+    const std::string kept = exchange(server.port(), get + "If-None-Match: " + held + "\r\n" + end);
+    EXPECT_THAT(kept, testing::StartsWith("HTTP/1.1 304 "));
+    EXPECT_THAT(kept, testing::EndsWith("\r\n\r\n")) << "without a body";
+    const std::string head = exchange(server.port(), "HEAD" + get.substr(3) + end);
+    EXPECT_EQ(head, plain.substr(0, plain.find("\r\n\r\n") + 4)) << "the same without the body";
 }
 
 TEST_F(BadRequest, OfForeignPagesIsRefused) {
@@ -194,7 +269,19 @@ TEST_F(BadRequest, OfForeignPagesIsRefused) {
         {{{"Origin", "http://127.0.0.1:1"}}, 403},
         {{{"Host", "evil.example"}}, 403},
         {{{"Host", "evil.example"}, {"Origin", "http://evil.example"}}, 403},
+        {{{"Host", "[::1].evil.example"}}, 403},
+        {{{"Host", "127.0.0.1:80@evil.example"}}, 403},
+        {{{"Host", "127.0.0.1.evil.example"}}, 403},
+        {{{"Host", "evil.example:127.0.0.1"}}, 403},
+        {{{"Host", ""}}, 403},
+        {{{"Origin", "http://127.0.0.1:80@evil.example"}}, 403},
+        {{{"Origin", "file://127.0.0.1"}}, 403},
+        {{{"Origin", own + "/page"}}, 403},
+        {{{"Host", "[::1]:80"}, {"Origin", "http://[::1]"}}, 200},
         {{{"Host", "localhost:80"}, {"Origin", "http://localhost:80"}}, 200},
+        {{{"Host", "LOCALHOST:443"}, {"Origin", "https://localhost"}}, 200},
+        {{{"Host", "hmi.plant.example"}}, 200},
+        {{{"Origin", "https://hmi.plant.example"}}, 200},
     };
     for (const auto& [headers, status] : cases) {
         SCOPED_TRACE(headers.front().first + " " + headers.front().second);

@@ -6,11 +6,13 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/read.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
 #include <boost/beast/websocket.hpp>
 #include <boost/json/parse.hpp>
+#include <zlib.h>
 
 namespace asio = boost::asio;
 namespace beast = boost::beast;
@@ -45,6 +47,42 @@ HttpAnswer sendRaw(std::uint16_t port, const std::string& bytes) {
     return error ? HttpAnswer() : HttpAnswer{parser.get().result_int(), parser.get().body()};
 }
 
+std::string exchange(std::uint16_t port, const std::string& bytes) {
+    asio::io_context io;
+    beast::tcp_stream stream(io);
+    stream.connect(loopback(port));
+    stream.expires_after(std::chrono::minutes(1));
+    std::string received;
+    asio::async_write(stream, asio::buffer(bytes), [](error_code, std::size_t) {});
+    asio::async_read(stream, asio::dynamic_buffer(received), [](error_code, std::size_t) {});
+    io.run();
+    return received;
+}
+
+std::string unpacked(const std::string& response) {
+    http::response_parser<http::string_body> parser;
+    parser.body_limit(boost::none);
+    parser.eager(true);
+    error_code error;
+    parser.put(asio::buffer(response), error);
+    std::string& packed = parser.get().body();
+    std::string plain;
+    z_stream stream{};
+    inflateInit2(&stream, 15 + 16);
+    stream.next_in = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_in = static_cast<uInt>(packed.size());
+    int state = Z_OK;
+    while (state == Z_OK) {
+        Bytef block[65536];
+        stream.next_out = block;
+        stream.avail_out = sizeof block;
+        state = inflate(&stream, Z_NO_FLUSH);
+        plain.append(reinterpret_cast<const char*>(block), sizeof block - stream.avail_out);
+    }
+    inflateEnd(&stream);
+    return state == Z_STREAM_END ? plain : "broken: " + plain.substr(0, 100);
+}
+
 HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std::string& target,
                        const std::string& body, const HttpHeaders& headers) {
     http::request<http::string_body> request;
@@ -77,7 +115,8 @@ struct StreamClient::Connection {
     beast::flat_buffer buffer;
 };
 
-StreamClient::StreamClient(std::uint16_t port, const HttpHeaders& headers)
+StreamClient::StreamClient(std::uint16_t port, const HttpHeaders& headers,
+                           const std::string& target)
     : connection(std::make_unique<Connection>()) {
     auto& stream = connection->stream;
     stream.next_layer().connect(loopback(port));
@@ -85,7 +124,7 @@ StreamClient::StreamClient(std::uint16_t port, const HttpHeaders& headers)
         for (const auto& [name, value] : headers)
             request.set(name, value);
     }));
-    stream.handshake("127.0.0.1:" + std::to_string(port), "/api/stream");
+    stream.handshake("127.0.0.1:" + std::to_string(port), target);
 }
 
 StreamClient::~StreamClient() = default;

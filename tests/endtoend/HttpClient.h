@@ -18,6 +18,9 @@ struct HttpAnswer {
 
 using HttpHeaders = std::vector<std::pair<std::string, std::string>>;
 
+/// The body of the response in these bytes, which is packed.
+std::string unpacked(const std::string& response);
+
 /// Sends one request on a connection of its own. Throws when there is no answer within a minute.
 HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std::string& target,
                        const std::string& body = {}, const HttpHeaders& headers = {});
@@ -25,13 +28,17 @@ HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std:
 /// Sends bytes as they are on a connection of their own; status 0 when there is no answer.
 HttpAnswer sendRaw(std::uint16_t port, const std::string& bytes);
 
+/// All that the server answers to these bytes until it closes the connection, for a minute at most.
+std::string exchange(std::uint16_t port, const std::string& bytes);
+
 /// Sends a request on a connection of its own and leaves before there can be an answer.
 void abandonRequest(std::uint16_t port, const std::string& method, const std::string& target);
 
 /// Follows the stream of the server.
 class StreamClient {
 public:
-    explicit StreamClient(std::uint16_t port, const HttpHeaders& headers = {});
+    explicit StreamClient(std::uint16_t port, const HttpHeaders& headers = {},
+                          const std::string& target = "/api/stream");
     ~StreamClient();
 
     /// The next line; nothing when none comes within 20 seconds or the server closes.

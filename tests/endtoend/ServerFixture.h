@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>
@@ -13,7 +14,8 @@ class ServerFixture {
 public:
     /// Throws unless it starts to listen.
     ServerFixture(const std::string& extension, const boost::json::value& config,
-                  const boost::json::value& plant = {});
+                  const boost::json::value& plant = {},
+                  const std::vector<std::string>& furtherArguments = {});
 
     std::uint16_t port() const { return portNumber; }
     HttpAnswer get(const std::string& target) const { return send("GET", target); }
@@ -26,6 +28,7 @@ public:
     std::string configFile() const { return readFile(files.path("config.json")); }
     /// What the program told on standard error.
     std::string errors() const { return process.errors(); }
+    void signal(int number) { process.signal(number); }
     /// The exit code of an orderly stop.
     int stop();
 

@@ -1,5 +1,5 @@
-#include <chrono>
 #include <future>
+#include <span>
 
 #include <gmock/gmock.h>
 
@@ -69,6 +69,17 @@ TEST_F(AlarmLifecycle, RaisedAgainKeepsTheIdAndSpendsAnother) {
     EXPECT_EQ(host.take(), (Lines{"KNOWN_ALARM_CLEARED Filler false 1 9s 10s", "update 1",
                                   "KNOWN_ALARM_CLEARED Filler false 3 5s 10s", "update 3",
                                   "UNKNOWN_ALARM_CLEARED Filler false 5s 10s"}));
+
+    // Raised again while it is converted, it is known by the time that was converted.
+    FakeEvent& restless = source(20, 4);
+    border.onCall = [&, first = border.calls + 1] {
+        if (border.calls > first)
+            restless.data.raised = at(21);
+    };
+    raised(restless);
+    FakeEvent& other = source(21, 4);
+    cleared(other, VARIANT_FALSE);
+    EXPECT_THAT(host.take(), Contains("KNOWN_ALARM_CLEARED Filler false 4 21s now"));
 }
 
 TEST_F(AlarmLifecycle, TakesATimeThatTheLoggerLeavesOut) {
@@ -86,6 +97,19 @@ TEST_F(AlarmLifecycle, TakesATimeThatTheLoggerLeavesOut) {
                                   "UNKNOWN_ALARM_CONFIRMED Filler false 6s -"}));
     EXPECT_THAT(stored(), ElementsAre("5s alarm 1 cleared now"));
     EXPECT_EQ(known.references, 1);
+
+    // What has ended was cleared, also when the logger does not say so.
+    FakeEvent& timeless = source(7);
+    FakeEvent& brief = source(8);
+    brief.data.cleared = at(8);
+    for (FakeEvent* alarm : {&timeless, &brief}) {
+        raised(*alarm);
+        confirmed(*alarm, VARIANT_FALSE);
+        EXPECT_THAT(stored().back(), Not(HasSubstr("cleared")));
+        confirmed(*alarm, VARIANT_TRUE);
+    }
+    EXPECT_THAT(stored(), ElementsAre("5s alarm 1 cleared now", "7s alarm 2 cleared now",
+                                      "8s alarm 3 cleared 8s"));
 }
 
 TEST_F(CrowdedLifecycle, ReportsAnEvictionBeforeItsCauseUnlessItIsItsOwn) {
@@ -138,8 +162,8 @@ TEST_F(AlarmLifecycle, AConfirmationReachesTheLiveAlarmOrFails) {
     EXPECT_EQ(confirmed, 1);
 }
 
-/// Every call of every handler fails once.
-TEST(FailingNotification, LeavesNoTrace) {
+/// Every call of every handler fails once, and is the last of a target that is retired in it.
+TEST(NotificationThatFailsOrIsAbandoned, LeavesNoTrace) {
     void (*const notifications[])(TargetWorld&, FakeEvent&) = {
         [](TargetWorld& world, FakeEvent& source) { world.raised(source); },
         [](TargetWorld& world, FakeEvent& source) { world.cleared(source, VARIANT_TRUE); },
@@ -151,49 +175,76 @@ TEST(FailingNotification, LeavesNoTrace) {
         world.sent(world.source(1));
         FakeEvent& source = world.source(2, 1);
         source.data.json = "{}";
+        source.data.sourceName = "Tank";
         source.data.layout = {0, 0, 1, 1, 1};
         world.raised(source);
         world.host.take();
         const auto before = world.store.statistics();
         const Lines stored = world.stored();
-        int failed = 0;
-        for (; world.host.take().empty(); ++failed) {
-            EXPECT_EQ(world.store.statistics(), before);
-            EXPECT_EQ(world.stored(), stored);
-            EXPECT_EQ(source.references, 1);
-            world.border.goodCalls = failed;
+        int lastCall = 0;
+        world.border.onCall = [&] {
+            world.retired = world.retired || world.border.calls == lastCall;
+        };
+        const auto attempt = [&] {
             try {
                 notify(world, source);
             } catch (const ZrAtlCom::CAtlException& exception) {
                 EXPECT_EQ(exception.hresult(), E_ACCESSDENIED);
+            } catch (const ZrHmiEventLogger::Abandoned&) {
+                EXPECT_EQ(world.border.calls, lastCall);
             }
+        };
+        int good = 0;
+        for (; world.host.take().empty(); ++good) {
+            EXPECT_EQ(world.store.statistics(), before);
+            EXPECT_EQ(world.stored(), stored);
+            EXPECT_EQ(source.references, 1);
+            lastCall = world.border.calls + good + 1;
+            attempt();
+            EXPECT_EQ(world.retired, world.host.take().empty());
+            world.retired = false;
+            lastCall = 0;
+            world.border.goodCalls = good;
+            attempt();
         }
-        EXPECT_GT(failed, 3);
+        EXPECT_GT(good, 3);
     }
 }
 
-TEST_F(CrowdedLifecycle, CallsNobodyWithTheStoreLocked) {
-    // The lock is recursive: only another thread can tell. Those that had to wait are joined last.
-    std::vector<std::future<void>> looks;
-    bool locked = false;
-    const auto look = [&] {
-        looks.push_back(std::async(std::launch::async, [this] { store.read([](const auto&) {}); }));
-        locked |= looks.back().wait_for(std::chrono::seconds(2)) != std::future_status::ready;
+struct CountingReceiver final : ZrHmiSrv::IEventReceiver {
+    std::size_t calls = 0;
+    void replace_events(const char*, std::span<const ZrHmiSrv::Event>) override { ++calls; }
+};
+
+TEST_F(CrowdedLifecycle, HandsOverAllBetweenTwoStepsAndNeverWaitsForTheProxy) {
+    // The lock is recursive: only another thread can tell.
+    CountingReceiver receiver;
+    const auto isFree = [&] {
+        return std::async(std::launch::async, [&] { return store.tryProvideEvents(receiver); })
+            .get();
     };
     FakeEvent& first = source(1);
     FakeEvent& second = source(2);
-    border.onCall = look;
-    host.onCall = [&](const std::string&) { look(); };
+    second.onConfirm = [&] { return isFree() ? S_OK : E_UNEXPECTED; };
+    border.onCall = [&] { EXPECT_TRUE(isFree()); };
+    host.onCall = [&](const std::string& line) {
+        EXPECT_EQ(isFree(), line.starts_with("CALL_CONFIRM")) << line;
+    };
     raised(first);
     raised(second);
     raised(first);
-    confirmByOperator(1);
+    EXPECT_EQ(confirmByOperator(2), S_OK);
     sent(source(3));
     confirmed(second, VARIANT_FALSE);
     cleared(first, VARIANT_TRUE);
     cleared(second, VARIANT_TRUE);
-    EXPECT_FALSE(locked);
-    EXPECT_GT(looks.size(), 40U);
+    EXPECT_GT(receiver.calls, 30U);
+
+    receiver.calls = 0;
+    store.provideEvents(receiver);
+    retired = true;
+    store.provideEvents(receiver);
+    EXPECT_EQ(receiver.calls, 1U) << "of a target that is over nothing is shown any more";
 }
 
 }  // namespace

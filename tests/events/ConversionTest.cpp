@@ -1,4 +1,5 @@
 #include <limits>
+#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -104,7 +105,9 @@ TEST_F(Conversion, TrustsNoArgumentBlock) {
         {{3, 0, 0, 0, 0}, "3.000000", 3},                                   // an empty block
         {{0, 0, 1, 1, 2}, "0.000000", 0},                                   // no arguments
         {{0, 0, limit, 0, 0}, "0.000000", 0},                               // as large as it may be
-        {{0, 0, limit, 0, 1}, "refused", 0},                                // too large
+        {{0, 9, 1, -9, 2}, "0.000000", 0},                                  // of no interest where
+        {{3, 9, 0, -9, 0}, "3.000000", 3},
+        {{0, 0, limit, 0, 1}, "refused", 0},  // too large
         {{1, 0, limit, 0, 1}, "refused"},
         {{1, 0, maximum, 0, maximum}, "refused"},  // sizes that overflow
         {{-1, 0, 1, 1, 2}, "refused"},             // negative
@@ -180,6 +183,15 @@ TEST_F(Conversion, MapsALiveAlarmAndALoggedOne) {
         data.requiresConfirmation = example.requiresConfirmation;
         EXPECT_EQ(describe(eventOf(convert(data))), example.live);
         EXPECT_EQ(describe(convertLogged(data)), example.logged);
+    }
+    // The host cannot hold these times, but the logger knows which is later.
+    for (const std::uint64_t raised : {1ULL, ~0ULL - 1}) {
+        FakeEventData data;
+        data.raised = raised;
+        data.cleared = raised + 1;
+        EXPECT_TRUE(convert(data).time_cleared().isset());
+        std::swap(data.raised, data.cleared);
+        EXPECT_FALSE(convert(data).time_cleared().isset());
     }
     Alarm alarm = convert({});
     FakeEvent source(border);

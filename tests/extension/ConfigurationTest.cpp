@@ -1,6 +1,9 @@
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "extension/LoadedExtension.h"
+#include "robustness/Eventually.h"
 #include "support/Simulation.h"
 
 using namespace bridge_test;
@@ -43,6 +46,12 @@ protected:
         return count;
     }
     std::string state() { return loaded.diagnostics("Filler", "connectionState"); }
+
+    int number(const char* name) {
+        const Value targets =
+            loaded.command("Diagnostics").read_value().get_map().get("TARGET_SYSTEMS");
+        return static_cast<int>(targets.get_map().get("Filler").get_map().get(name));
+    }
 
     Simulation simulation;
     RecordingHost host{RecordingHost::configurationFor({{"Filler", fillerNetId}})};
@@ -89,12 +98,39 @@ TEST_F(Configuration, AChangedEntryIsAnotherTarget) {
     EXPECT_TRUE(host.waitFor([&] { return host.messages.size() == 2; })) << "the new limit";
     EXPECT_EQ(simulation.liveObjects(), 0) << "of the former runtime";
 
+    for (const double limit : {4294967296.0, 1e300}) {
+        host.look([&] { host.configuration.insert_or_update("LIMIT_EVENT_COUNT", limit); });
+        EXPECT_EQ(set(entry(packerNetId, limit > 1e10)), ErrorValue::success);
+        EXPECT_TRUE(eventually([&] { return number("cachedMessagesCount") == 5; })) << limit;
+    }
+
     const std::size_t before = resets();
     EXPECT_EQ(remove("TARGET_SYSTEMS::Filler"), ErrorValue::success);
     EXPECT_GT(resets(), before);
     EXPECT_EQ(state(), "");
     EXPECT_EQ(simulation.liveObjects(packerNetId), 0);
     EXPECT_EQ(loaded.command("ForceReconnect", "Filler").extension_result(), 292U);
+}
+
+TEST_F(Configuration, AResetIsOwedUntilTheHostWasTold) {
+    host.look([&] { host.refusedResets = 2; });
+    EXPECT_EQ(remove("TARGET_SYSTEMS::Filler"), ErrorValue::success) << "it has taken effect";
+    EXPECT_TRUE(host.waitFor([&] { return host.count("reset") == 2; }));
+}
+
+TEST_F(Configuration, AChangeThatHangsKeepsNoOtherWaiting) {
+    simulation.act(R"({"do": "pause", "call": "Disconnect"})");
+    std::thread removing([&] { remove("TARGET_SYSTEMS::Filler"); });
+    while (simulation.calls("Disconnect") == 0)
+        std::this_thread::yield();
+    host.look([&] {
+        host.configuration["TARGET_SYSTEMS"]["Packer"] = entry(packerNetId, true);
+    });
+    EXPECT_EQ(set("TARGET_SYSTEMS::Packer"), ErrorValue::success);
+    EXPECT_EQ(loaded.diagnostics("Packer", "connectionState"), "Good");
+    EXPECT_EQ(state(), "") << "removed at once";
+    simulation.act(R"({"do": "resume"})");
+    removing.join();
 }
 
 TEST_F(Configuration, EachCommandOfAGroupIsAnswered) {
@@ -106,15 +142,48 @@ TEST_F(Configuration, EachCommandOfAGroupIsAnswered) {
     for (auto command = group.begin_vector(); command != group.end_vector(); ++command)
         results.push_back(command->extension_result());
     EXPECT_EQ(results, (std::vector<unsigned>{292, 292, 293, 0, 0}));
-    const Value filler = (group.end_vector() - 1)->read_value().get_map().get("TARGET_SYSTEMS");
-    std::string keys;
-    const Value fields = filler.get_map().get("Filler");
-    for (auto field = fields.begin(); field != fields.end(); ++field)
-        keys += std::string(field.name()) + " ";
-    EXPECT_EQ(keys,
-              "connectionState importedEventsCount importedAlarmsCount importedInvalidAlarmsCount "
-              "importedMessagesCount activeAlarmsCount cachedAlarmsCount "
-              "cachedInvalidAlarmsCount cachedMessagesCount ");
+}
+
+TEST(Diagnostics, TellsEachNumberOfItsOwn) {
+    const auto logged = [](int event, int second, const char* more = "") {
+        return R"({"class": ")" + std::string(eventClass) + R"(", "event": )" +
+               std::to_string(event) + R"(, "timeRaised": "2024-05-01T12:00:0)" +
+               std::to_string(second) + "Z\"" + more + "}";
+    };
+    const char* const cleared = R"(, "timeCleared": "2024-05-01T13:00:00Z")";
+    std::string log = logged(3, 0);
+    for (int second = 1; second <= 3; ++second)
+        log += "," + logged(1, second);
+    for (int second = 4; second <= 6; ++second)
+        log += "," + logged(2, second, cleared);
+    Simulation simulation("[" + log + "]");
+    simulation.raise("one");
+    simulation.raise("two");
+    RecordingHost host(RecordingHost::configurationFor({{"Filler", fillerNetId}}));
+    host.configuration.insert_or_update("LIMIT_EVENT_COUNT", 15);
+    LoadedExtension loaded(host);
+    ASSERT_EQ(loaded.init(), ErrorValue::success);
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == 1; }));
+    // They push out the oldest three: the message and two of the alarms without an end.
+    simulation.act(R"({"do": "message", "count": 9, "event": 3, "class": ")" +
+                   std::string(eventClass) + "\"}");
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("FORGET_EVENT") == 3; }));
+
+    const Value targets = loaded.command("Diagnostics").read_value().get_map().get("TARGET_SYSTEMS");
+    const Value filler = targets.get_map().get("Filler");
+    std::vector<std::pair<std::string, int>> numbers;
+    for (auto field = filler.begin(); field != filler.end(); ++field)
+        if (field->is_number())
+            numbers.emplace_back(field.name(), static_cast<int>(*field));
+    EXPECT_EQ(numbers,
+              (std::vector<std::pair<std::string, int>>{{"importedEventsCount", 18},
+                                                        {"importedAlarmsCount", 8},
+                                                        {"importedInvalidAlarmsCount", 3},
+                                                        {"importedMessagesCount", 10},
+                                                        {"activeAlarmsCount", 2},
+                                                        {"cachedAlarmsCount", 6},
+                                                        {"cachedInvalidAlarmsCount", 1},
+                                                        {"cachedMessagesCount", 9}}));
 }
 
 }  // namespace

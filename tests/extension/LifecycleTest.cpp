@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <memory>
+#include <thread>
 
 #include <gtest/gtest.h>
 
 #include "extension/LoadedExtension.h"
 #include "localization/LocalizableItem.h"
+#include "robustness/Eventually.h"
 #include "support/Simulation.h"
 
 using namespace bridge_test;
@@ -155,6 +157,47 @@ TEST(Lifecycle, ConnectsLaterWhatInitDidNot) {
     EXPECT_EQ(loaded.command("ListEnabledTargetSystems").read_value().size(), 3U);
 }
 
+TEST(Lifecycle, EndsDuringItsBeginningToo) {
+    Simulation simulation;
+    simulation.act(R"({"do": "pause", "call": "ConnectWithSettings"})");
+    RecordingHost host(fillerAlone());
+    LoadedExtension loaded(host);
+    std::thread starting([&] { EXPECT_EQ(loaded.init(), ErrorValue::initialization_failed); });
+    while (simulation.calls("ConnectWithSettings") == 0)
+        std::this_thread::yield();
+    EXPECT_EQ(loaded.shutdown(), ErrorValue::success);
+    simulation.act(R"({"do": "resume"})");
+    starting.join();
+    host.look([&] { EXPECT_TRUE(host.listeners.empty()); });
+    loaded.extension.reset();
+    EXPECT_EQ(simulation.liveObjects(), 0);
+}
+
+// Calls of the runtime hang until their time-out, which is when the shutdown gives up on them.
+TEST(Lifecycle, AfterItsEndTheHostHearsNothing) {
+    Simulation simulation;
+    RecordingHost host(RecordingHost::configurationFor(
+        {{"Filler", fillerNetId}, {"Packer", packerNetId}}));
+    LoadedExtension loaded(host);
+    EXPECT_EQ(loaded.init(), ErrorValue::success);
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == 2; }));
+    simulation.act(R"({"do": "pause", "call": "IsConnected"})");
+    simulation.act(R"({"do": "pause", "call": "Severity"})", packerNetId);
+    simulation.raise("hot", 1, packerNetId);
+    const auto checks = simulation.calls("IsConnected");
+    while (simulation.calls("IsConnected") == checks ||
+           simulation.calls("Severity", packerNetId) == 0)
+        std::this_thread::yield();
+    EXPECT_EQ(loaded.shutdown(), ErrorValue::success);
+    Calls atTheEnd;
+    host.look([&] { atTheEnd = host.calls; });
+    EXPECT_EQ(atTheEnd.back(), "unregister configuration");
+    loaded.extension.reset();
+    host.look([&] { EXPECT_EQ(host.calls, atTheEnd); });
+    for (const char* netId : {fillerNetId, packerNetId})
+        EXPECT_EQ(simulation.liveObjects(netId), 0);
+}
+
 struct Running : testing::Test {
     void SetUp() override {
         ASSERT_EQ(loaded.init(), ErrorValue::success);
@@ -200,6 +243,43 @@ TEST_F(Running, AnAlarmGoesToTheHostAndItsConfirmationToTheLogger) {
     EXPECT_EQ(unknown.text().view(), "TARGET_NOT_FOUND");
 }
 
+TEST_F(Running, EveryReasonOfADatabaseChangeIsLoggedAndImportsAgain) {
+    const char* const reasons[] = {"Undefined", "ClearLoggedEvents", "MaximumSizeReached",
+                                   "Deleted"};
+    for (std::size_t i = 0; i < std::size(reasons); ++i) {
+        simulation.act(R"({"do": "databaseChanged", "reason": )" + std::to_string(i) + "}");
+        ASSERT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == i + 2; }));
+        host.look([&] {
+            const auto change = host.lastLogged("DATABASE_CHANGED").parameters().get_map();
+            EXPECT_EQ(change.get("0").get_string(), "Filler");
+            EXPECT_EQ(change.get("1").get_string(), reasons[i]);
+        });
+    }
+}
+
+TEST_F(Running, NotificationsAreHandledAlsoWhileNoImportSucceeds) {
+    // It never lets go of the connection either.
+    simulation.act(R"([{"do": "fail", "call": "Disconnect", "kind": "answersNothing",
+                        "times": 1000000},
+                       {"do": "fail", "call": "GetActiveAlarms", "kind": "exception",
+                        "times": 1000000}])");
+    loaded.command("ForceReconnect", "Filler");
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("CORVANE_EVENTLOGGER_ERROR") > 1; }));
+    host.look([&] {
+        const auto report = host.lastLogged("CORVANE_EVENTLOGGER_ERROR").parameters().get_map();
+        EXPECT_EQ(report.get("2").get_string(),
+                  "An error occurred in the communication with the Corvane EventLogger.")
+            << "as the exception has no text";
+    });
+    // One that meets an import is discarded with it.
+    EXPECT_TRUE(eventually([&] {
+        simulation.raise("hot");
+        std::size_t raised = 0;
+        host.look([&] { raised = host.logged("NEW_ALARM_RAISED"); });
+        return raised != 0;
+    }));
+}
+
 TEST_F(Running, TheTextsOfATargetAreLookedUpAnewAfterItsImport) {
     LocalizableItem item(raise(R"(, "arguments": [95.5], "source": {"name": "Tank"})").payload());
     auto& localization = *loaded.listener<IZrHmiSrvEventLocalizationListener>();
@@ -207,15 +287,34 @@ TEST_F(Running, TheTextsOfATargetAreLookedUpAnewAfterItsImport) {
     const auto localize = [&] {
         return localization.localize_event(loaded.context, "de-DE", item, text);
     };
-    for (int round = 0; round < 2; ++round) {
+
+    // While the target is being checked, which tells of the cache in the end.
+    simulation.act(R"({"do": "pause", "call": "IsConnected"})");
+    const auto checks = simulation.calls("IsConnected");
+    ASSERT_TRUE(eventually([&] { return simulation.calls("IsConnected") > checks; }));
+    for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(localize(), ErrorValue::success);
         EXPECT_EQ(text.name().view(), "Temperatur 95.5 zu hoch");
     }
     EXPECT_EQ(simulation.calls("GetEventText"), 1);
+    simulation.act(R"({"do": "resume"})");
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("TRANSLATION_CACHE_USED") != 0; }));
+    host.look([&] {
+        const auto used = host.lastLogged("TRANSLATION_CACHE_USED").parameters().get_map();
+        EXPECT_EQ(used.get("0").get_string(), "Filler");
+        EXPECT_EQ(static_cast<int>(used.get("1")), 8) << "hits";
+        EXPECT_EQ(static_cast<int>(used.get("2")), 4) << "misses";
+    });
+    // During the import, and again after it.
+    simulation.act(R"({"do": "pause", "call": "GetActiveAlarms"})");
     EXPECT_EQ(loaded.command("ForceReconnect", "Filler").extension_result(), 0u);
-    ASSERT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == 2; }));
+    ASSERT_TRUE(eventually([&] { return simulation.calls("GetActiveAlarms") == 2; }));
     EXPECT_EQ(localize(), ErrorValue::success);
     EXPECT_EQ(simulation.calls("GetEventText"), 2);
+    simulation.act(R"({"do": "resume"})");
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == 2; }));
+    EXPECT_EQ(localize(), ErrorValue::success);
+    EXPECT_EQ(simulation.calls("GetEventText"), 3);
 
     simulation.act(R"({"do": "fail", "call": "GetEventText", "hresult": "0x80004005"})");
     item.parameters().insert_or_update("eventId", 2);

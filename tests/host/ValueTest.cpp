@@ -109,6 +109,9 @@ TEST(ValueSharing, AValueCanHoldACopyOfItselfAndNestDeeply) {
     EXPECT_EQ(*value.lookup("self")->lookup("a"), *sample().lookup("a"));
     value = std::move(value["a"]);
     EXPECT_EQ(*value.lookup("x"), Value(1));
+    Value renamed(ValueType::map);
+    renamed["y"] = 1;
+    EXPECT_FALSE(renamed == value);
     for (int depth = 0; depth < 100'000; ++depth) {
         Value outer;
         outer << std::move(value);

@@ -26,15 +26,4 @@ TEST(Text, replacesEachMalformedByteAndKeepsTheRest) {
     EXPECT_EQ(toUtf8(Utf16String{low, high, low, high}), BAD "\xF0\x9F\x94\xA7" BAD);
 }
 
-TEST(Bstr, keepsEmbeddedZerosAndRefusesWhatIsTooLong) {
-    const Utf16String text(OLESTR("ab\0cd\0"), 6);
-    BSTR copy = SysAllocStringLen(text.data(), 6);
-    ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(Utf16View(copy, SysStringLen(copy)), text);
-    EXPECT_EQ(copy[6], OLESTR('\0'));
-    SysFreeString(copy);
-    EXPECT_EQ(SysAllocStringLen(nullptr, 0x7FFFFFFF), nullptr);
-    EXPECT_EQ(SysAllocStringLen(nullptr, 0xFFFFFFFF), nullptr);
-}
-
 }  // namespace

@@ -77,30 +77,38 @@ json::object databaseChanged(std::mt19937& random) {
     return {{"do", "databaseChanged"}, {"reason", random() % 4}};
 }
 
+struct Choice {
+    unsigned weight;
+    const char* what;
+    json::object (*make)(std::mt19937& random) = nullptr;  ///< null: there is no more to it
+};
+
 json::object randomAction(std::mt19937& random) {
-    struct Choice {
-        unsigned weight;
-        json::object (*make)(std::mt19937&);
-    };
-    const auto simple = [](const char* what) { return json::object{{"do", what}}; };
     static constexpr Choice choices[] = {
-        {30, raise}, {18, clear}, {14, message}, {6, pause}, {2, databaseChanged}};
-    static constexpr std::pair<unsigned, const char*> others[] = {
-        {9, "Replace"}, {3, "Reset"},   {2, "drop"},   {1, "ForceReconnect"}, {4, "AwaitImport"},
-        {7, "hold"},    {5, "release"}, {6, "resume"}, {3, "Settle"}};
-    static constexpr unsigned all = 30 + 18 + 14 + 6 + 2 + 40 + 10;
+        {30, "raise", raise},
+        {18, "clear", clear},
+        {14, "message", message},
+        {5, "confirm", [](auto& any) { return aboutAlarm(any, "confirm"); }},
+        {5, "Confirm", [](auto& any) { return aboutAlarm(any, "Confirm"); }},
+        {2, "databaseChanged", databaseChanged},
+        {2, "drop"},
+        {6, "pause", pause},
+        {6, "resume"},
+        {7, "hold"},
+        {5, "release"},
+        {9, "Replace"},
+        {3, "Reset"},
+        {1, "ForceReconnect"},
+        {4, "AwaitImport"},
+        {3, "Settle"}};
+    unsigned all = 0;
+    for (const Choice& choice : choices)
+        all += choice.weight;
     auto drawn = random() % all;
-    for (const Choice& choice : choices) {
-        if (drawn < choice.weight)
-            return choice.make(random);
-        drawn -= choice.weight;
-    }
-    for (const auto& [weight, what] : others) {
-        if (drawn < weight)
-            return simple(what);
-        drawn -= weight;
-    }
-    return aboutAlarm(random, random() % 2 == 0 ? "confirm" : "Confirm");
+    const Choice* choice = choices;
+    for (; drawn >= choice->weight; ++choice)
+        drawn -= choice->weight;
+    return choice->make ? choice->make(random) : json::object{{"do", choice->what}};
 }
 
 /// What a logger cannot tell apart, nobody can: what is raised or sent at a time of its own, again.

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include "robustness/RandomWorld.h"
-#include "robustness/Watchdog.h"
 
 using namespace bridge_test;
 using namespace std::chrono_literals;

@@ -174,21 +174,24 @@ void RandomWorld::checkIds(Findings& findings) {
     Ids now;
     const auto living = simulation.status().at("alarms").as_object();
     for (const auto& record : eventsOf(server.events)) {
-        const hmi::EventRecord& event = *record;
-        if (const auto* alarm = event.alarm()) {
-            const std::string name = sourceOf(*alarm);
-            if (living.contains(name))
-                now["alarm " + name + ", life " + std::to_string(lives[name])].insert(
-                    event.id.text());
-        }
+        const auto* const alarm = record->alarm();
+        const std::string name =
+            alarm ? sourceOf(*alarm) : imageOf(std::get<ZrHmiSrv::Message>(record->content.event));
+        if (!alarm)
+            now[name].insert(record->id.text());
+        else if (living.contains(name))
+            now["alarm " + name + ", life " + std::to_string(lives[name])].insert(
+                record->id.text());
     }
+    // An alarm that lives has kept its id among those that its name has had; messages keep theirs.
     const bool comparable = failures() == failuresThen;
     for (const auto& [name, ids] : shown) {
         const auto still = now.find(name);
         if (!comparable || still == now.end())
             continue;
-        if (std::none_of(ids.begin(), ids.end(),
-                         [&](const auto& id) { return still->second.contains(id); }))
+        const auto kept = std::ranges::count_if(
+            ids, [&](const std::string& id) { return still->second.contains(id); });
+        if (kept == 0 || (name.starts_with("message") && kept != std::ssize(ids)))
             findings.push_back(name + " has lost its id");
     }
     shown = std::move(now);

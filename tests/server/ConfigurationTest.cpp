@@ -1,10 +1,14 @@
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <limits>
 #include <random>
 
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
 
+#include "server/StartError.h"
 #include "server/config/ConfigurationStore.h"
 #include "server/config/ConfigurationWatch.h"
 #include "server/json/ValueJson.h"
@@ -24,12 +28,21 @@ ConfigurationPath path(std::string_view text) {
     return ConfigurationPath::parse(text).value();
 }
 
+/// A file that is gone at the end.
+struct TemporaryFile {
+    explicit TemporaryFile(const std::string& name)
+        : path(fs::temp_directory_path() / (name + std::to_string(std::random_device()()))) {}
+    ~TemporaryFile() { fs::remove(path); }
+    void write(const std::string& text) const { std::ofstream(path, std::ios::binary) << text; }
+    const fs::path path;
+};
+
 class ConfigurationStoreTest : public testing::Test {
 protected:
     ConfigurationStoreTest() {
         fs::create_directory(directory);
-        std::ofstream(file)
-            << R"({"TIMEOUT": "PT2.5S", "TARGET_SYSTEMS": {"A": {"ENABLED": true}}})";
+        std::ofstream(file) << R"({"TIMEOUT": "PT2.5S", "LIMIT_EVENT_COUNT": 2.9, "TARGET_SYSTEMS":
+                                   {"A": {"ADDRESS": "local", "ENABLED": true}}})";
     }
     ~ConfigurationStoreTest() override { fs::remove_all(directory); }
 
@@ -51,6 +64,8 @@ TEST_F(ConfigurationStoreTest, ReadsAsTheExtensionExpects) {
     EXPECT_TRUE(static_cast<bool>(store.read(path("TARGET_SYSTEMS::A::ENABLED"))));
     EXPECT_FALSE(store.read(path("TARGET_SYSTEMS::B")).isset());
     EXPECT_FALSE(store.read(path("TIMEOUT::X")).isset());
+    std::ofstream(file) << R"({"TIMEOUT": "PT1S", "TARGET_SYSTEMS": {}})";
+    EXPECT_EQ(static_cast<int>(ConfigurationStore(file).read(path("LIMIT_EVENT_COUNT"))), 1000);
     std::ofstream(file) << "{}";
     EXPECT_FALSE(ConfigurationStore(file).read({}).isset()) << "empty is no configuration";
 }
@@ -63,7 +78,7 @@ TEST_F(ConfigurationStoreTest, IsWrittenWhenAcceptedAndRolledBackWhenRefused) {
         EXPECT_EQ(written(), before) << "not before it is accepted";
         return ResultPair(ErrorValue::invalid_configuration);
     });
-    EXPECT_FALSE(refused.succeeded());
+    EXPECT_FALSE(refused.answer.succeeded());
     EXPECT_TRUE(static_cast<bool>(store.read(path("TARGET_SYSTEMS::A::ENABLED"))));
     EXPECT_EQ(written(), before);
 
@@ -71,23 +86,215 @@ TEST_F(ConfigurationStoreTest, IsWrittenWhenAcceptedAndRolledBackWhenRefused) {
     store.change(path("NEW::DEEP"), json::value(1), accept);
     store.change(path("TARGET_SYSTEMS::A"), std::nullopt, accept);
     store.change(path("NOT::THERE"), std::nullopt, accept);
-    EXPECT_EQ(written(),
-              json::parse(R"({"TIMEOUT": "PT2.5S", "TARGET_SYSTEMS": {}, "NEW": {"DEEP": 1}})"));
+    EXPECT_EQ(written(), json::parse(R"({"TIMEOUT": "PT2.5S", "LIMIT_EVENT_COUNT": 2.9,
+                                         "TARGET_SYSTEMS": {}, "NEW": {"DEEP": 1}})"));
     EXPECT_EQ(store.get({}), written());
-    EXPECT_THROW(store.change(path("TIMEOUT::X"), json::value(1), accept), ConfigurationError);
-    EXPECT_THROW(store.change(path("LIMIT_EVENT_COUNT"), json::value("x"), accept),
-                 ConfigurationError);
     EXPECT_EQ(std::distance(fs::directory_iterator(directory), fs::directory_iterator()), 1)
         << "no temporary file stays";
-    fs::remove_all(directory);
-    EXPECT_THROW(store.change(path("A"), json::value(1), accept), std::system_error);
-    EXPECT_FALSE(store.get(path("A"))) << "it could not be written";
+}
+
+/// Whatever is accepted can be read at the next start; whatever cannot is refused before the
+/// extension hears of it.
+TEST_F(ConfigurationStoreTest, AcceptsOnlyWhatItCouldStartWithAgain) {
+    ConfigurationStore store(file);
+    const json::value before = written();
+    const auto deep = [](int levels) {
+        json::value value = 1;
+        for (; levels > 0; --levels)
+            value = json::array{value};
+        return value;
+    };
+    std::string longPath = "A";
+    for (int i = 0; i < 5000; ++i)
+        longPath += "::A";
+    const std::pair<std::string, std::optional<json::value>> cases[] = {
+        {"TIMEOUT::X", json::value(1)},
+        {"TIMEOUT", json::value("PT0S")},
+        {"TIMEOUT", std::nullopt},
+        {"LIMIT_EVENT_COUNT", json::value("x")},
+        {"LIMIT_EVENT_COUNT", json::value(-1)},
+        {"LIMIT_EVENT_COUNTS", json::value(1)},
+        {"PRELOAD_TRANSLATIONS", json::value(1)},
+        {"TARGET_SYSTEMS::A::ADDRESS", json::value(5)},
+        {"TARGET_SYSTEMS::A::ENABLED", json::value("yes")},
+        {"NUMBER", json::value(std::numeric_limits<double>::infinity())},
+        {"NEW::A::B", deep(30)},
+        {longPath, json::value(1)},
+        {"NEW", json::value(std::string(std::size_t{64} << 20, 'x'))},
+    };
+    for (const auto& [name, value] : cases) {
+        EXPECT_THROW(store.change(path(name), value, []() -> ResultPair { throw "asked"; }),
+                     ConfigurationError)
+            << name.substr(0, 40);
+    }
+    EXPECT_EQ(written(), before);
+    EXPECT_EQ(store.get({}), before);
+    EXPECT_TRUE(store.change(path("NEW::A"), deep(30), [] { return ResultPair(); }).answer.succeeded());
+    EXPECT_NO_THROW(ConfigurationStore{file}) << "as deep as a file may be";
+    // An entry without its fields is the extension's to refuse; should it not, the server does.
+    for (const json::value& entry : {json::value(5), json::value{{"ADDRESS", "local"}}}) {
+        EXPECT_FALSE(store.change(path("TARGET_SYSTEMS::A"), entry, [] { return ResultPair(); })
+                         .answer.succeeded());
+        EXPECT_EQ(store.get(path("TARGET_SYSTEMS::A::ENABLED")), json::value(true));
+    }
+}
+
+#ifndef _WIN32
+TEST_F(ConfigurationStoreTest, ReplacesItsFileWithoutHarmToOthers) {
+    const auto change = [&](ConfigurationStore& store, int number) {
+        return store.change(path("NEW"), json::value(number), [] { return ResultPair(); });
+    };
+    const fs::path bystander = directory / "config.json.new";
+    std::ofstream(bystander) << "somebody's";
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    const fs::path link = directory / "link.json";
+    fs::create_symlink("config.json", link);
+    {
+        ConfigurationStore store(link);
+        EXPECT_EQ(change(store, 1).notKept, "");
+        EXPECT_EQ(change(store, 2).notKept, "");
+    }
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(written().at("NEW"), 2);
+    EXPECT_EQ(fs::file_size(bystander), 10U);
+    EXPECT_EQ(fs::status(file).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+
+    ConfigurationStore store(file);
+    // What happens to the file between the check before a change and the end of it.
+    const auto moved = store.change(path("NEW"), json::value(3), [&] {
+        fs::remove(file);
+        fs::create_directories(file / "in the way");
+        return ResultPair();
+    });
+    EXPECT_THAT(moved.notKept, testing::StartsWith("in force, but not kept: " + file.string()));
+    EXPECT_TRUE(moved.answer.succeeded());
+    EXPECT_EQ(store.get(path("NEW")), json::value(3));
+    EXPECT_EQ(std::distance(fs::directory_iterator(directory), fs::directory_iterator()), 3);
+    EXPECT_THROW(change(store, 4), ConfigurationConflict);
+    EXPECT_EQ(store.get(path("NEW")), json::value(3));
+
+    fs::remove_all(file);
+    std::ofstream(file) << "{}";
+    EXPECT_THROW(change(store, 4), ConfigurationConflict) << "edited by hand";
+    EXPECT_EQ(fs::file_size(file), 2U) << "and not overwritten";
+}
+#endif
+
+/// Every one of them is told in one line with file, line and field. "-": the server starts, and
+/// says so all the same.
+TEST(ConfigurationCheckTest, FindsWhatNobodyMeant) {
+    const std::string good = R"("TIMEOUT": "PT5S", "LIMIT_EVENT_COUNT": 10)";
+    const std::string entry = R"("ADDRESS": "local", "ENABLED": true)";
+    const auto root = [&](const std::string& more) { return "{" + good + ",\n" + more + "}"; };
+    const auto targets = [&](const std::string& more) {
+        return root("\"TARGET_SYSTEMS\": {\n" + more + "}");
+    };
+    const auto target = [&](const std::string& fields) { return targets("\"A\": {\n" + fields + "}"); };
+    const std::string aTarget = "\"TARGET_SYSTEMS\": {\"A\": {" + entry + "}}";
+    const std::string limited = "\"LIMIT_EVENT_COUNT\": 10,\n" + aTarget + "}";
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "line 1, column 1"},
+        {"[]", "line 1: not an object"},
+        {"5", "line 1: not an object"},
+        {"{\"TIMEOUT\":\n  \"PT5S\"", "line 2, column"},
+        {"{\"TIMEOUT\": \"PT5S\"}\n}", "line 2, column 1"},
+        {"{'TIMEOUT': 5}", "line 1, column"},
+        {"{\"TIMEOUT\": \"\xFF\"}", "line 1, column"},
+        {root("\"A\": 1e400"), "line 2: A: a number is too large"},
+        {root("\"A\": [1,\n -1e999]"), "line 3: A: a number is too large"},
+        {root("\"A\": " + std::string(40, '[')), "line 2, column"},
+        {root("\"TIMEOUT\": \"PT1S\""), "line 2: TIMEOUT: is there twice"},
+        {targets("\"A\": {" + entry + "},\n\"A\": {" + entry + "}"),
+         "line 4: TARGET_SYSTEMS.A: is there twice"},
+        {"{\n" + limited, "line 1: TIMEOUT: missing"},
+        {"{\n\"TIMEOUT\": \"PT0S\", " + limited, "line 2: TIMEOUT: not between"},
+        {"{\n\"TIMEOUT\": \"P25D\", " + limited, "line 2: TIMEOUT: not between"},
+        {"{\n\"TIMEOUT\": \"5s\", " + limited, "line 2: TIMEOUT: not a duration"},
+        {"{\n\"TIMEOUT\": \"P1Y\", " + limited, "line 2: TIMEOUT: not a duration"},
+        {"{\n\"TIMEOUT\": \"-PT5S\", " + limited, "line 2: TIMEOUT: not a duration"},
+        {"{\n\"TIMEOUT\": 5000, " + limited, "line 2: TIMEOUT: not a duration"},
+        {"{\n\"TIMEOUT\": null, " + limited, "line 2: TIMEOUT: not a duration"},
+        {"{\n\"TIMEOUTS\": 5, \"TIMEOUT\": \"PT5S\", " + limited, "line 2: TIMEOUTS: unknown"},
+        {"{\n\"timeout\": \"PT5S\", " + limited, "line 2: timeout: unknown; TIMEOUT is meant"},
+        {"{\"TIMEOUT\": \"PT5S\", " + aTarget + "}",
+         "-line 1: LIMIT_EVENT_COUNT: missing: 1000 is used"},
+        {"{\"TIMEOUT\": \"PT5S\",\n\"LIMIT_EVENT_COUNT\": -1, " + aTarget + "}",
+         "line 2: LIMIT_EVENT_COUNT: less than 0"},
+        {"{\"TIMEOUT\": \"PT5S\",\n\"LIMIT_EVENT_COUNT\": \"9\", " + aTarget + "}",
+         "line 2: LIMIT_EVENT_COUNT: not a number"},
+        {"{\"TIMEOUT\": \"PT5S\",\n\"LIMIT_EVENT_COUNT\": [], " + aTarget + "}",
+         "line 2: LIMIT_EVENT_COUNT: not a number"},
+        {"{\"TIMEOUT\": \"PT5S\",\n\"LIMIT_EVENT_COUNT\": 1e10, " + aTarget + "}",
+         "-line 2: LIMIT_EVENT_COUNT: more than 2147483647"},
+        {"{\"TIMEOUT\": \"PT5S\",\n\"LIMIT_EVENT_COUNT\": 1e308, " + aTarget + "}",
+         "-line 2: LIMIT_EVENT_COUNT: more than 2147483647"},
+        {root("\"PRELOAD_TRANSLATIONS\": \"yes\", " + aTarget),
+         "line 2: PRELOAD_TRANSLATIONS: not a boolean"},
+        {root("\"PRELOAD_TRANSLATIONS\": 1, " + aTarget), "line 2: PRELOAD_TRANSLATIONS: not a"},
+        {root("\"PRELOAD_TRANSLATION\": true, " + aTarget), "line 2: PRELOAD_TRANSLATION: unknown"},
+        {root("\"COMMENT\": 1, " + aTarget), "-line 2: COMMENT: nothing reads this"},
+        {root("\"TARGET_SYSTEM\": {}"), "line 2: TARGET_SYSTEM: unknown; TARGET_SYSTEMS is meant"},
+        {"{" + good + "}", "-line 1: TARGET_SYSTEMS: missing"},
+        {root("\"TARGET_SYSTEMS\": []"), "line 2: TARGET_SYSTEMS: not an object"},
+        {root("\"TARGET_SYSTEMS\": null"), "line 2: TARGET_SYSTEMS: not an object"},
+        {targets("\"A\": 5"), "line 3: TARGET_SYSTEMS.A: not an object"},
+        {targets("\"A\": []"), "line 3: TARGET_SYSTEMS.A: not an object"},
+        {targets("\"A\": null"), "line 3: TARGET_SYSTEMS.A: not an object"},
+        {targets("\"\": {" + entry + "}"), "line 3: TARGET_SYSTEMS.: a name is not empty"},
+        {targets("\"A::B\": {" + entry + "}"), "line 3: TARGET_SYSTEMS.A::B: a name is not"},
+        {targets("\"" + std::string(256, 'A') + "\": {" + entry + "}"), ": a name has at most 255"},
+        {targets("\"A\\u0007\": {" + entry + "}"), ": a name has at most 255"},
+        {target("\"ENABLED\": true"), "line 3: TARGET_SYSTEMS.A.ADDRESS: missing"},
+        {target("\"ADDRESS\": \"local\""), "line 3: TARGET_SYSTEMS.A.ENABLED: missing"},
+        {target(""), "line 3: TARGET_SYSTEMS.A.ADDRESS: missing"},
+        {target("\"ADDRESS\": 5, \"ENABLED\": true"), "line 4: TARGET_SYSTEMS.A.ADDRESS: not a string"},
+        {target("\"ADDRESS\": \"local\",\n\"ENABLED\": \"true\""),
+         "line 5: TARGET_SYSTEMS.A.ENABLED: not a boolean"},
+        {target("\"ADDRESS\": \"local\",\n\"ENABLED\": 1"),
+         "line 5: TARGET_SYSTEMS.A.ENABLED: not a boolean"},
+        {target("\"ADRESS\": \"local\", \"ENABLED\": true"), "line 4: TARGET_SYSTEMS.A.ADRESS: unknown"},
+        {target(entry + ", \"enabled\": true"), "line 4: TARGET_SYSTEMS.A.enabled: unknown"},
+        {target(entry + ", \"NOTE\": \"x\""), "-line 4: TARGET_SYSTEMS.A.NOTE: nothing reads this"},
+        {target("\"ADDRESS\": \"192.168.0.300.1.1\", \"ENABLED\": true"),
+         "-line 4: TARGET_SYSTEMS.A.ADDRESS: neither up to six numbers"},
+        {target("\"ADDRESS\": \"1.2.3.4.5.6.7\", \"ENABLED\": true"),
+         "-line 4: TARGET_SYSTEMS.A.ADDRESS: neither"},
+        {target("\"ADDRESS\": \"filler\", \"ENABLED\": true"),
+         "-line 4: TARGET_SYSTEMS.A.ADDRESS: neither"},
+        {targets("\"A\": {" + entry + "},\n\"B\": {\"ADDRESS\": \"\", \"ENABLED\": false}"),
+         "-line 4: TARGET_SYSTEMS.B.ADDRESS: the same as of TARGET_SYSTEMS.A"},
+    };
+    static_assert(std::size(cases) >= 40);
+    const TemporaryFile file("configuration-check");
+    for (const auto& [text, expected] : cases) {
+        const bool starts = expected.starts_with('-');
+        file.write(text);
+        testing::internal::CaptureStderr();
+        std::string told;
+        try {
+            ConfigurationStore store(file.path);
+        } catch (const StartError& error) {
+            told = error.what();
+        }
+        const std::string logged = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(told.empty(), starts) << text;
+        const std::string& line = starts ? logged : told;
+        EXPECT_THAT(line, testing::HasSubstr(file.path.string() + ": ")) << text;
+        EXPECT_THAT(line, testing::HasSubstr(expected.substr(starts ? 1 : 0))) << text;
+        EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), starts ? 1 : 0) << line;
+    }
+    file.write("{" + good + ", " + aTarget + "}");
+    testing::internal::CaptureStderr();
+    EXPECT_NO_THROW(ConfigurationStore{file.path});
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(ConfigurationStoreTest, AnEntryThatIsNotDecidedYetHoldsUpNoOther) {
     ConfigurationStore store(file);
     const auto accept = [] { return ResultPair(); };
-    store.change(path("TARGET_SYSTEMS::B"), json::value({{"ENABLED", true}}), accept);
+    store.change(path("TARGET_SYSTEMS::B"),
+                 json::value({{"ADDRESS", "1"}, {"ENABLED", true}}), accept);
     const json::value before = written();
     store.change(path("TARGET_SYSTEMS::A"), json::value(5), [&] {
         store.change(path("TARGET_SYSTEMS::B"), std::nullopt, [&] {

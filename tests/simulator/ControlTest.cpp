@@ -1,16 +1,27 @@
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/json/parse.hpp>
+#include <gtest/gtest.h>
 
-#include "simulator/Client.h"
 #include "simulator/Control.h"
+#include "support/Simulation.h"
 
 namespace json = boost::json;
 using bridge_test::fillerNetId;
 
 namespace {
 
-class ControlTest : public SimulatorTest {
+/// ' stands for ", CLASS for the event class, #1 for its event 1.
+std::string inFull(std::string text) {
+    boost::replace_all(text, "#", "'class': 'CLASS', 'event': ");
+    boost::replace_all(text, "CLASS", bridge_test::eventClass);
+    boost::replace_all(text, "'", "\"");
+    return text;
+}
+
+class ControlTest : public testing::Test {
 protected:
+    bridge_test::Simulation simulation;
+
     /// The error, or nothing when it was accepted.
     static std::string load(const std::string& plant) {
         char* answer = nullptr;
@@ -82,6 +93,12 @@ TEST_F(ControlTest, RefusesAPlantWithThePathOfItsFirstError) {
         {"STEP", "'do': 'fail', 'call': 'Fly', 'hresult': '0x80004005'", "~timeline[1].call"},
         {"STEP", "'do': 'fail', 'call': '*', 'hresult': '0x8000400'", "~timeline[1].hresult"},
         {"STEP", "'do': 'refuse', 'hresult': '0x00000000'", "~timeline[1].hresult"},
+        {"STEP", "'do': 'fail', 'call': ['GetItem', 'Fly']", "~timeline[1].call[1]"},
+        {"STEP", "'do': 'fail', 'call': '*'", "~timeline[1]"},
+        {"STEP", "'do': 'fail', 'call': '*', 'kind': 'slowly'", "~timeline[1].kind"},
+        {"STEP", "'do': 'fail', 'call': 'Notification', 'kind': 'exception'", "~timeline[1].kind"},
+        {"STEP", "'do': 'fail', 'call': '*', 'meanwhile': [{'do': 'resume'}, {'do': 'fly'}]",
+         "~timeline[1].meanwhile[1].do"},
     };
     for (const auto& [part, text, path] : cases) {
         std::string changed = boost::replace_first_copy(plant, part, text);
@@ -113,23 +130,6 @@ TEST_F(ControlTest, ChangesNothingWhenAnyActionIsWrong) {
     EXPECT_EQ(ZrSimulatorStatus(nullptr, nullptr), 404);
     EXPECT_EQ(ZrSimulatorLoadPlant(nullptr, nullptr), 400);
     EXPECT_EQ(ZrSimulatorApply(fillerNetId, nullptr, nullptr), 400);
-}
-
-TEST_F(ControlTest, PlaysTimelinesUntilTheShutdown) {
-    EXPECT_EQ(load("{'runtimes': {'5.10.20.30.1.1': {'repeat': true,"
-                   " 'eventClasses': {'CLASS': {'events': {'2': {'kind': 'alarm'}}}},"
-                   " 'timeline': [{'do': 'raise', 'alarm': 'A', #2},"
-                   "              {'after': 0.002, 'do': 'clear', 'alarm': 'A'}]}}}"),
-              "");
-    EXPECT_EQ(client.connect(), S_OK);
-    const auto received = client.waitFor(6);
-    const bool begun = received[0] != "raised 2";  // before the client came
-    for (std::size_t i = 0; i < received.size(); ++i)
-        EXPECT_EQ(received[i], (i % 2 == 1) == begun ? "raised 2" : "cleared 2 removed") << i;
-    ZrSimulatorShutdown();
-    const auto last = client.waitFor(0).size();
-    EXPECT_EQ(load("{}"), "");
-    EXPECT_EQ(client.waitFor(0).size(), last);
 }
 
 }  // namespace

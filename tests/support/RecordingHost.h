@@ -46,6 +46,8 @@ public:
     ResultPair read_configuration(Value& result, const Context&, const char* name) override;
     ResultPair reset_events(const Context&) override {
         std::lock_guard lock(mutex);
+        if (refusedResets > 0 && refusedResets--)
+            throw std::bad_alloc();
         return note("reset");
     }
     ResultPair announce(const Context&, const char* product) override {
@@ -73,6 +75,7 @@ public:
     std::vector<Message> messages;
     Value listenerSettings;
     Value configuration;                                    ///< may be changed there
+    int refusedResets = 0;                                  ///< that many fail; may be changed
     std::map<ZrHmiSrv::ListenerType, Listener*> listeners;  ///< registered now
 
     std::size_t logged(std::string_view name) const;

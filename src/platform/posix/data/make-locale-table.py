@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """Makes ../LocaleTable.inc, the table of LocaleNames.cpp, from locale-names.txt beside this file,
-which describes its own form. Run it without arguments after a change and keep both in the tree."""
+which describes its own form. Run it without arguments after a change and keep both in the tree;
+with --check it only tells whether they fit."""
 
 import pathlib
 import re
+import sys
 
 CUSTOM = 0x1000
 
@@ -65,7 +67,12 @@ def main():
         for key, (number, name) in sorted(table.items())
     ]
     header = "// Made by data/make-locale-table.py: name, identifier, neutral or not.\n"
-    (folder.parent / "LocaleTable.inc").write_text(header + "".join(rows), encoding="ascii")
+    made = header + "".join(rows)
+    file = folder.parent / "LocaleTable.inc"
+    if sys.argv[1:] != ["--check"]:
+        file.write_text(made, encoding="ascii")
+    elif file.read_text(encoding="ascii") != made:
+        raise SystemExit("LocaleTable.inc was not made from this locale-names.txt")
 
 
 if __name__ == "__main__":

@@ -1,0 +1,142 @@
+#include "server/config/FileCalls.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <random>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace hmi {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+[[noreturn]] void throwLastError(const fs::path& file) {
+    throw std::system_error(errno, std::generic_category(), file.string());
+}
+
+#ifdef _WIN32
+int openNew(const fs::path& file) {
+    return _wopen(file.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_BINARY, _S_IREAD | _S_IWRITE);
+}
+int openExisting(const fs::path& file) {
+    return _wopen(file.c_str(), _O_WRONLY | _O_BINARY);
+}
+long writeSome(int descriptor, const char* from, std::size_t size) {
+    return _write(descriptor, from, static_cast<unsigned>(std::min<std::size_t>(size, 1 << 20)));
+}
+int cutAt(int descriptor, std::size_t size) {
+    return _chsize_s(descriptor, static_cast<long long>(size));
+}
+int flush(int descriptor) {
+    return _commit(descriptor);
+}
+void closeFile(int descriptor) {
+    _close(descriptor);
+}
+#else
+int openNew(const fs::path& file) {
+    return ::open(file.c_str(), O_CREAT | O_EXCL | O_NOFOLLOW | O_WRONLY | O_CLOEXEC, 0600);
+}
+int openExisting(const fs::path& file) {
+    return ::open(file.c_str(), O_NOFOLLOW | O_WRONLY | O_CLOEXEC);
+}
+ssize_t writeSome(int descriptor, const char* from, std::size_t size) {
+    return ::write(descriptor, from, size);
+}
+int cutAt(int descriptor, std::size_t size) {
+    return ftruncate(descriptor, static_cast<off_t>(size));
+}
+int flush(int descriptor) {
+    return fsync(descriptor);
+}
+void closeFile(int descriptor) {
+    close(descriptor);
+}
+#endif
+
+}  // namespace
+
+WritableFile WritableFile::createBeside(const fs::path& file) {
+    std::random_device random;
+    constexpr int attempts = 16;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        const fs::path name =
+            file.parent_path() /
+            ("." + file.filename().string() + "." + std::to_string(random()) + ".new");
+        const int descriptor = openNew(name);
+        if (descriptor >= 0)
+            return {name, descriptor};
+        if (errno != EEXIST)
+            throwLastError(name);
+    }
+    throwLastError(file);
+}
+
+WritableFile WritableFile::open(const fs::path& file) {
+    const int descriptor = openExisting(file);
+    if (descriptor < 0)
+        throwLastError(file);
+    return {file, descriptor};
+}
+
+WritableFile::WritableFile(WritableFile&& other) noexcept
+    : name(std::move(other.name)), descriptor(std::exchange(other.descriptor, -1)) {}
+
+WritableFile::~WritableFile() {
+    if (descriptor >= 0)
+        closeFile(descriptor);
+}
+
+void WritableFile::write(std::string_view content) {
+    const std::size_t size = content.size();
+    while (!content.empty()) {
+        const auto written = writeSome(descriptor, content.data(), content.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            throwLastError(name);
+        content.remove_prefix(static_cast<std::size_t>(written));
+    }
+    if (cutAt(descriptor, size) != 0 || flush(descriptor) != 0)
+        throwLastError(name);
+}
+
+#ifdef _WIN32
+bool WritableFile::takeRightsOf(const fs::path&) {
+    return true;  // a folder's files inherit theirs from it
+}
+void flushDirectoryOf(const fs::path&) noexcept {}
+#else
+bool WritableFile::takeRightsOf(const fs::path& other) {
+    struct stat status {};
+    if (stat(other.c_str(), &status) != 0)
+        return errno == ENOENT;
+    struct stat own {};
+    if (fstat(descriptor, &own) != 0)
+        return false;
+    const bool isOwners = own.st_uid == status.st_uid && own.st_gid == status.st_gid;
+    return (isOwners || fchown(descriptor, status.st_uid, status.st_gid) == 0) &&
+           fchmod(descriptor, status.st_mode & 07777) == 0;
+}
+void flushDirectoryOf(const fs::path& file) noexcept {
+    const fs::path directory = file.has_parent_path() ? file.parent_path() : fs::path(".");
+    const int descriptor = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    fsync(descriptor);
+    close(descriptor);
+}
+#endif
+
+}  // namespace hmi

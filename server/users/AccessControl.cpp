@@ -1,0 +1,230 @@
+#include "server/users/AccessControl.h"
+
+#include <algorithm>
+
+#include <boost/asio/post.hpp>
+
+#include "server/Log.h"
+#include "server/StartError.h"
+#include "server/json/ParseJson.h"
+#include "server/json/Utf8.h"
+#include "server/users/Password.h"
+
+namespace hmi {
+
+namespace json = boost::json;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+constexpr std::string_view cookieName = "hmi-session=";
+constexpr std::string_view basic = "basic ";
+constexpr std::size_t maxWaiting = 64;
+constexpr std::size_t maxRemembered = 1000;
+constexpr auto memoryTime = std::chrono::minutes(5);
+
+std::string tokenOf(std::string_view cookies) {
+    while (!cookies.empty()) {
+        const auto end = std::min(cookies.find(';'), cookies.size());
+        std::string_view cookie = cookies.substr(0, end);
+        cookie.remove_prefix(std::min(cookie.find_first_not_of(' '), cookie.size()));
+        if (cookie.starts_with(cookieName))
+            return std::string(cookie.substr(cookieName.size()));
+        cookies.remove_prefix(std::min(end + 1, cookies.size()));
+    }
+    return {};
+}
+
+bool isSignIn(const Request& request) {
+    return request.method == Method::post && request.target.path.size() == 2 &&
+           request.target.path[0] == "api" && request.target.path[1] == "session";
+}
+
+Response unauthorized(const Request& request, std::string_view text) {
+    Response response = Response::error(401, text);
+    if (!request.fromPage)  // a browser would ask with a window of its own
+        response.headers.emplace_back("WWW-Authenticate", "Basic realm=\"hmi-server\"");
+    return response;
+}
+
+Response tooMany(std::chrono::seconds wait) {
+    Response response = Response::error(429, "too many wrong passwords; wait " +
+                                                 std::to_string(wait.count()) + " seconds");
+    response.headers.emplace_back("Retry-After", std::to_string(wait.count()));
+    return response;
+}
+
+void logRefused(const Request& request, const std::string& user, const char* why) {
+    constexpr std::size_t longest = 64;
+    log(LogLevel::warning, "audit: sign-in refused user=" + user.substr(0, longest) +
+                               " peer=" + request.peer + ": " + why);
+}
+
+}  // namespace
+
+AccessControl::AccessControl(OriginPolicy given, std::filesystem::path file)
+    : policy(std::move(given)), userFile(std::move(file)) {
+    if (hasUsers())
+        users = std::make_shared<const Users>(readUsers(userFile));
+}
+
+void AccessControl::stop() {
+    verifier.stop();
+    verifier.join();
+}
+
+void AccessControl::reload() {
+    if (!hasUsers())
+        return;
+    try {
+        auto read = std::make_shared<const Users>(readUsers(userFile));
+        Lock lock(mutex);
+        users.swap(read);
+        remembered.clear();
+    } catch (const StartError& error) {
+        return log(LogLevel::error, std::string("the users stay as they were: ") + error.what());
+    }
+    log(LogLevel::info, "the users were read again");
+}
+
+std::shared_ptr<const Users> AccessControl::currentUsers() const {
+    Lock lock(mutex);
+    return users;
+}
+
+Role AccessControl::roleOf(const std::string& user) const {
+    if (!hasUsers())
+        return Role::engineer;
+    const auto known = currentUsers();
+    const auto found = known->find(user);
+    return found == known->end() ? Role::none : found->second.role;
+}
+
+void AccessControl::admit(Request request, std::string_view target, Decided decided) {
+    try {
+        request.target = Target::parse(target);
+        if (!request.target.authority.empty())
+            request.host = request.target.authority;
+        if (!policy.allows(request))
+            throw RequestError(403, "not for pages of another origin");
+        if (!hasUsers())
+            return decided(std::move(request), std::nullopt);
+        if (auto credentials = credentialsOf(request))
+            return admitWith(std::move(*credentials), std::move(request), std::move(decided));
+    } catch (const RequestError& error) {
+        return decided(std::move(request), Response::error(error.status, error.what()));
+    }
+    const std::string token = tokenOf(request.cookie);
+    if (!token.empty())
+        request.user = sessions.userOf(token, Clock::now()).value_or("");
+    decide(std::move(request), decided);
+}
+
+/// Those that a request brings with it; throws RequestError for a sign-in without.
+std::optional<AccessControl::Credentials> AccessControl::credentialsOf(const Request& request) {
+    if (isSignIn(request)) {
+        try {
+            const json::value body = parseJson(request.body);
+            return Credentials{std::string(body.at("user").as_string()),
+                               std::string(body.at("password").as_string())};
+        } catch (const std::exception&) {  // nothing of it in an answer or in the log
+            throw RequestError(400, "to sign in takes the texts \"user\" and \"password\"");
+        }
+    }
+    const std::string_view header = request.authorization;
+    if (toLowerAscii(header.substr(0, basic.size())) != basic)
+        return std::nullopt;
+    const std::string pair = decodeBase64(header.substr(basic.size()));
+    const auto colon = pair.find(':');
+    if (colon == std::string::npos || !isUtf8(pair))
+        throw RequestError(400, "malformed authorization");
+    return Credentials{pair.substr(0, colon), pair.substr(colon + 1)};
+}
+
+void AccessControl::admitWith(Credentials credentials, Request request, Decided decided) {
+    if (!isSignIn(request) && isRemembered(credentials)) {
+        request.user = credentials.user;
+        return decide(std::move(request), decided);
+    }
+    if (!queueUp())
+        return decided(std::move(request), Response::error(503, "too many sign in at once"));
+    boost::asio::post(verifier, [this, credentials = std::move(credentials),
+                                 request = std::make_shared<Request>(std::move(request)),
+                                 decided = std::move(decided)] {
+        verify(credentials, std::move(*request), decided);
+        Lock lock(mutex);
+        --waiting;
+    });
+}
+
+bool AccessControl::queueUp() {
+    Lock lock(mutex);
+    if (waiting >= maxWaiting)
+        return false;
+    ++waiting;
+    return true;
+}
+
+void AccessControl::verify(const Credentials& credentials, Request request,
+                           const Decided& decided) {
+    const auto now = Clock::now();
+    const auto wait = limiter.wait(request.peer, credentials.user, now);
+    if (wait.count() > 0) {
+        logRefused(request, credentials.user, "too many wrong passwords");
+        return decided(std::move(request), tooMany(wait));
+    }
+    // A name that nobody has takes as long as one that somebody has.
+    static const std::string nobody = hashPassword(randomToken());
+    const auto known = currentUsers();
+    const auto user = known->find(credentials.user);
+    const bool exists = user != known->end();
+    if (!isPassword(credentials.password, exists ? user->second.passwordHash : nobody) || !exists) {
+        limiter.failed(request.peer, credentials.user, now);
+        logRefused(request, credentials.user, "wrong name or password");
+        Response refusal = unauthorized(request, "wrong name or password");
+        return decided(std::move(request), std::move(refusal));
+    }
+    limiter.succeeded(credentials.user);
+    remember(credentials);
+    request.user = credentials.user;
+    decide(std::move(request), decided);
+}
+
+void AccessControl::decide(Request request, const Decided& decided) const {
+    const Role needed = neededRole(request.method, request.target);
+    if (roleOf(request.user) >= needed)
+        return decided(std::move(request), std::nullopt);
+    Response refusal = request.user.empty()
+                           ? unauthorized(request, "sign in first")
+                           : Response::error(403, "this takes the role " +
+                                                      std::string(nameOf(needed)));
+    decided(std::move(request), std::move(refusal));
+}
+
+bool AccessControl::isRemembered(const Credentials& credentials) const {
+    const std::string key = fingerprint(credentials.user + '\0' + credentials.password);
+    Lock lock(mutex);
+    const auto found = remembered.find(key);
+    return found != remembered.end() && found->second > Clock::now();
+}
+
+void AccessControl::remember(const Credentials& credentials) {
+    const std::string key = fingerprint(credentials.user + '\0' + credentials.password);
+    const auto now = Clock::now();
+    Lock lock(mutex);
+    if (remembered.size() >= maxRemembered)
+        std::erase_if(remembered, [&](const auto& entry) { return entry.second <= now; });
+    if (remembered.size() < maxRemembered)
+        remembered[key] = now + memoryTime;
+}
+
+std::string AccessControl::openSession(const std::string& user) {
+    return std::string(cookieName) + sessions.open(user, Clock::now());
+}
+
+void AccessControl::closeSession(const std::string& cookie) {
+    if (const std::string token = tokenOf(cookie); !token.empty())
+        sessions.close(token);
+}
+
+}  // namespace hmi

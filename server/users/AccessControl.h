@@ -1,0 +1,78 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <boost/asio/thread_pool.hpp>
+
+#include "platform/Mutex.h"
+#include "server/http/OriginPolicy.h"
+#include "server/http/Request.h"
+#include "server/http/Response.h"
+#include "server/users/Sessions.h"
+#include "server/users/SignInLimiter.h"
+#include "server/users/UserFile.h"
+
+namespace hmi {
+
+/// Stands before every request: whom it is for, who makes it, and whether they may. Without a file
+/// of users everybody may do everything. Thread-safe.
+class AccessControl {
+public:
+    /// An empty path: no users. Throws StartError.
+    AccessControl(OriginPolicy policy, std::filesystem::path userFile);
+    ~AccessControl() { stop(); }
+    /// No password is checked any more; returns when none is being checked.
+    void stop();
+
+    using Decided = std::function<void(Request request, std::optional<Response> refusal)>;
+    /// Decodes the target, names the user and decides. Checks of passwords take their time on a
+    /// thread of their own; all else is decided before this returns.
+    void admit(Request request, std::string_view target, Decided decided);
+
+    bool hasUsers() const noexcept { return !userFile.empty(); }
+    Role roleOf(const std::string& user) const;
+    /// Reads the file again; one that cannot be used changes nothing, and is told in the log.
+    void reload();
+
+    // Sessions of users who have been admitted.
+    std::string openSession(const std::string& user);
+    void closeSession(const std::string& cookie);
+
+private:
+    struct Credentials {
+        std::string user;
+        std::string password;
+    };
+    static std::optional<Credentials> credentialsOf(const Request& request);
+
+    void admitWith(Credentials credentials, Request request, Decided decided);
+    bool queueUp();
+    void verify(const Credentials& credentials, Request request, const Decided& decided);
+    /// Decides for a request whose user is known by now, or not at all.
+    void decide(Request request, const Decided& decided) const;
+    std::shared_ptr<const Users> currentUsers() const;
+    bool isRemembered(const Credentials& credentials) const;
+    void remember(const Credentials& credentials);
+
+    const OriginPolicy policy;
+    const std::filesystem::path userFile;
+    Sessions sessions;
+    SignInLimiter limiter;
+
+    mutable Mutex mutex;  ///< guards what follows; nothing is called under it
+    std::shared_ptr<const Users> users GUARDED_BY(mutex);
+    /// Passwords found right a short time ago, by fingerprint, and when they are checked again.
+    std::map<std::string, std::chrono::steady_clock::time_point> remembered GUARDED_BY(mutex);
+    std::size_t waiting GUARDED_BY(mutex) = 0;  ///< for their password to be checked
+
+    boost::asio::thread_pool verifier{1};  ///< one: each check takes 64 MiB and a processor
+};
+
+}  // namespace hmi

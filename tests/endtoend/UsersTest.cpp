@@ -1,0 +1,217 @@
+/// Who may do what, for every request that the server describes, and what others see of it.
+#include <algorithm>
+#include <cctype>
+#include <csignal>
+#include <map>
+
+#include <boost/json/parse.hpp>
+#include <gmock/gmock.h>
+
+#include "endtoend/ServerFixture.h"
+#include "endtoend/TlsClient.h"
+
+#ifndef _WIN32  // there are no users and no TLS
+
+namespace json = boost::json;
+
+namespace {
+
+const std::string filler = "5.10.20.30.1.1";
+
+/// Users who are named like their roles. The password is "secret", and quickly checked.
+const std::string users = R"({"users": {
+    "view": {"role": "view", "password": "$argon2id$v=19$m=8,t=1,p=1$sEYRmF1q5GYmyr43vDmcUA$TMSkUfRaegSfL9j68PXoHyzU3R4Zj4YfTLiuHMWpfvY"},
+    "confirm": {"role": "confirm", "password": "$argon2id$v=19$m=8,t=1,p=1$sEYRmF1q5GYmyr43vDmcUA$TMSkUfRaegSfL9j68PXoHyzU3R4Zj4YfTLiuHMWpfvY"},
+    "engineer": {"role": "engineer", "password": "$argon2id$v=19$m=8,t=1,p=1$sEYRmF1q5GYmyr43vDmcUA$TMSkUfRaegSfL9j68PXoHyzU3R4Zj4YfTLiuHMWpfvY"}}})";
+
+HttpHeaders as(const std::string& user) {
+    static const std::map<std::string, std::string> authorizations{
+        {"view", "Basic dmlldzpzZWNyZXQ="},
+        {"confirm", "Basic Y29uZmlybTpzZWNyZXQ="},
+        {"engineer", "Basic ZW5naW5lZXI6c2VjcmV0"}};
+    const auto found = authorizations.find(user);
+    return found == authorizations.end() ? HttpHeaders{}
+                                         : HttpHeaders{{"Authorization", found->second}};
+}
+
+/// One request of the server's description.
+struct Operation {
+    std::string method, target, body;
+    std::size_t role;  ///< that it needs, by its place in `roles`
+    json::value responses;
+};
+
+const std::vector<std::string> roles{"none", "view", "confirm", "engineer"};
+
+class UsersTest : public testing::Test {
+protected:
+    UsersTest() {
+        send("engineer", "POST", "/sim/" + filler,
+             R"({"do": "raise", "class": "{00000001-0000-0000-0000-00000000ABCD}", "event": 1,
+                 "alarm": "low"})");
+        EXPECT_TRUE(eventually([&] {
+            const json::value list =
+                send("view", "GET", "/api/events?state=active").json().at("events");
+            if (!list.as_array().empty())
+                alarm = serialize(list.at(0).at("id"));
+            return !list.as_array().empty();
+        }));
+    }
+
+    HttpAnswer send(const std::string& user, const std::string& method, const std::string& target,
+                    const std::string& body = {}) const {
+        return sendRequest(server.port(), method, target, body, as(user));
+    }
+
+    /// What nobody without a right may change.
+    std::string state() const {
+        const json::value runtime = send("engineer", "GET", "/sim/" + filler).json();
+        const json::object& calls = runtime.at("calls").as_object();
+        std::string text = serialize(runtime.at("alarms")) + serialize(runtime.at("connected"));
+        for (const char* call : {"Confirm", "ClearLoggedEvents", "Disconnect"})
+            text += calls.contains(call) ? serialize(calls.at(call)) : "0";
+        return text + send("engineer", "GET", "/api/events").body +
+               send("engineer", "GET", "/api/config").body + server.configFile();
+    }
+
+    std::vector<Operation> operations() const {
+        std::vector<Operation> found;
+        const json::value description = send("view", "GET", "/api/openapi.json").json();
+        for (const auto& path : description.at("paths").as_object()) {
+            for (const auto& item : path.value().as_object())
+                found.push_back(operationOf(path.key(), item.key(), item.value().as_object()));
+        }
+        return found;
+    }
+
+    Operation operationOf(std::string path, std::string method, const json::object& item) const {
+        if (const json::value* const parameters = item.if_contains("parameters")) {
+            for (const json::value& parameter : parameters->as_array()) {
+                if (parameter.at("in") != "path")
+                    continue;
+                const std::string name = "{" + std::string(parameter.at("name").as_string()) + "}";
+                const std::string value(parameter.at("example").as_string());
+                path.replace(path.find(name), name.size(), name == "{id}" ? alarm : value);
+            }
+        }
+        std::transform(method.begin(), method.end(), method.begin(), ::toupper);
+        const json::value* const body = item.if_contains("requestBody");
+        const auto role = std::find(roles.begin(), roles.end(), item.at("x-role").as_string());
+        return {method, path,
+                body ? serialize(body->at("content").at("application/json").at("example")) : "",
+                static_cast<std::size_t>(role - roles.begin()), item.at("responses")};
+    }
+
+    const TemporaryDirectory files;
+    std::string alarm;  ///< its id
+    ServerFixture server{
+        EXTENSION_FILE,
+        json::parse(R"({"TIMEOUT": "PT2S", "LIMIT_EVENT_COUNT": 100, "TARGET_SYSTEMS": {
+            "Filler": {"ADDRESS": "5.10.20.30.1.1", "ENABLED": true},
+            "Packer": {"ADDRESS": "5.10.20.31.1.1", "ENABLED": false}}})"),
+        {{"localNetId", "5.10.20.1.1.1"},
+         {"runtimes",
+          {{filler, json::parse(R"({"eventClasses": {"{00000001-0000-0000-0000-00000000ABCD}": {
+                "name": {"1033": "Machine"},
+                "events": {"1": {"kind": "alarm", "severity": 3, "confirm": true,
+                                 "text": {"1033": "Low"}}}}}})")}}}},
+        {"--users", files.write("users.json", users)}};
+};
+
+TEST_F(UsersTest, WithoutARightNothingHappens) {
+    const std::vector<Operation> all = operations();
+    const std::string before = state();
+    for (const Operation& operation : all) {
+        for (std::size_t role = 0; role < operation.role; ++role) {
+            const HttpAnswer answer =
+                send(roles[role], operation.method, operation.target, operation.body);
+            EXPECT_EQ(answer.status, role == 0 ? 401U : 403U)
+                << roles[role] << " " << operation.method << " " << operation.target;
+            EXPECT_TRUE(answer.json().at("error").is_string());
+        }
+    }
+    EXPECT_ANY_THROW(StreamClient(server.port()));
+    EXPECT_EQ(state(), before);
+
+    for (const Operation& operation : all) {
+        const HttpAnswer answer = send(roles[operation.role], operation.method, operation.target,
+                                       operation.body);
+        EXPECT_TRUE(operation.responses.as_object().contains(std::to_string(answer.status)) ||
+                    answer.status == 426)
+            << operation.method << " " << operation.target << ": " << answer.status << " "
+            << answer.body;
+        EXPECT_NE(answer.status, 403U) << operation.method << " " << operation.target;
+    }
+    EXPECT_NO_THROW(StreamClient(server.port(), as("view")));
+    EXPECT_EQ(server.stop(), 0);
+    const std::string log = server.errors();
+    EXPECT_THAT(log, testing::HasSubstr("audit: user=view peer=127.0.0.1 POST /api/events/" + alarm +
+                                        "/confirm -> 403"));
+    EXPECT_THAT(log, testing::HasSubstr("audit: user=confirm peer=127.0.0.1 POST /api/events/" +
+                                        alarm + "/confirm -> 200"));
+    EXPECT_THAT(log, testing::HasSubstr("audit: sign-in refused user=nobody peer=127.0.0.1"));
+    for (const char* secret : {"secret", "wrong\"", "argon2", "Basic", "hmi-session"})
+        EXPECT_THAT(log, testing::Not(testing::HasSubstr(secret)));
+}
+
+TEST_F(UsersTest, SignInWithACookieAndGuessInVain) {
+    const auto signIn = [&](const std::string& name, const std::string& password) {
+        return sendRequest(server.port(), "POST", "/api/session",
+                           serialize(json::value{{"user", name}, {"password", password}}));
+    };
+    const std::string request =
+        "POST /api/session HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n";
+    const std::string body = R"({"user": "confirm", "password": "secret"})";
+    const std::string answer =
+        exchange(server.port(), request + "Content-Length: " + std::to_string(body.size()) +
+                                    "\r\n\r\n" + body);
+    const auto at = answer.find("hmi-session=");
+    ASSERT_NE(at, std::string::npos) << answer;
+    EXPECT_THAT(answer, testing::HasSubstr("; HttpOnly; SameSite=Strict"));
+    const std::string cookie = answer.substr(at, answer.find(';', at) - at);
+    const auto with = [&](const char* method, const char* target) {
+        return sendRequest(server.port(), method, target, "", {{"Cookie", "a=b; " + cookie}});
+    };
+    EXPECT_EQ(with("GET", "/api/session").json(),
+              json::parse(R"({"user": "confirm", "role": "confirm"})"));
+    EXPECT_EQ(with("GET", "/api/config").status, 403U);
+    EXPECT_EQ(with("DELETE", "/api/session").status, 200U);
+    EXPECT_EQ(with("GET", "/api/events").status, 401U);
+
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(signIn("adam", "wrong").status, 401U);
+    EXPECT_EQ(signIn("adam", "wrong").status, 429U);
+    EXPECT_EQ(signIn("view", "secret").status, 429U) << "the address has to wait";
+    EXPECT_EQ(send("engineer", "GET", "/api/config").status, 200U) << "who was in stays in";
+}
+
+TEST(Tls, ServesUnderItsNewestCertificateOnly) {
+    const TemporaryDirectory files;
+    const std::string certificate = files.path("certificate.pem").string();
+    const std::string key = files.path("key.pem").string();
+    writeCertificate(certificate, key, "localhost");
+    ServerFixture server(TEST_EXTENSION_FILE, {{"TIMEOUT", "PT5S"}}, {},
+                         {"--certificate", certificate, "--key", key});
+    const TlsAnswer answer = getByTls(server.port(), "/api/version");
+    EXPECT_EQ(answer.status, 200U);
+    EXPECT_EQ(answer.subject, "/CN=localhost");
+    EXPECT_EQ(getByTls(server.port(), "/", TLS1_1_VERSION).status, 0U) << "too old";
+    EXPECT_EQ(exchange(server.port(), "GET / HTTP/1.1\r\nHost: localhost\r\n\r\n").find("HTTP/1.1 2"),
+              std::string::npos)
+        << "nothing without TLS";
+
+    writeCertificate(certificate, key, "other");
+    server.signal(SIGHUP);
+    EXPECT_TRUE(eventually([&] { return getByTls(server.port(), "/").subject == "/CN=other"; }));
+    files.write("key.pem", "no key");
+    server.signal(SIGHUP);
+    EXPECT_TRUE(eventually([&] {
+        return server.errors().find("the certificate stays as it was") != std::string::npos;
+    }));
+    EXPECT_EQ(getByTls(server.port(), "/").subject, "/CN=other");
+    EXPECT_EQ(server.stop(), 0);
+}
+
+}  // namespace
+
+#endif
