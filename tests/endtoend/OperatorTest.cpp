@@ -97,7 +97,7 @@ TEST_F(Operator, SeesALostTargetSystemAndWhatWasKnownOfItLast) {
     ASSERT_TRUE(isTarget("Packer", "good"));
     ASSERT_TRUE(isTarget("Nowhere", "lost"));
     const json::object good = targetOf("Packer");
-    EXPECT_EQ(good.at("address"), packer);
+    EXPECT_EQ(good.at("address"), json::value(packer));
     EXPECT_EQ(good.at("import").at("logged"), 1);
     EXPECT_EQ(good.at("counters").at("activeAlarmsCount"), 1);
     EXPECT_TRUE(good.contains("lastNotification"));

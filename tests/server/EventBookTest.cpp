@@ -176,7 +176,8 @@ TEST(EventBook, AlarmsOfALostTargetSystemAreKeptAsideUntilItIsImported) {
         book.raise(alarm(id, id % 2 ? "A" : "B", id));
     const auto request = [](const EventRecord& event) {
         auto record = std::make_shared<EventRecord>(event);
-        record->confirmation = std::make_shared<const Confirmation>(Confirmation{.number = 7});
+        record->confirmation =
+            std::make_shared<const Confirmation>(Confirmation{.number = 7, .by = "somebody"});
         return record;
     };
     book.modify({EventKind::alarm, 3}, ChangeType::confirmation, request);
