@@ -39,13 +39,22 @@ Application::Application(const Options& given)
       texts([this](const EventRecord& event,
                    const std::string& locale) { return backend.calls.localize(event, locale); },
             lanes, feed),
-      backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics),
+      backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics,
+              [this](const std::string& target) { return targets.isImported(target); }),
+      confirmations(
+          backend.events, metrics,
+          [this](const ZrHmiSrv::Alarm& alarm) { return backend.calls.confirm(alarm); },
+          [this] { return backend.timeout() + std::chrono::seconds(5); }),
+      targetWatch(targets, backend.events, feed,
+                  {[this] { return backend.calls.diagnostics(); },
+                   [this] { return backend.addresses(); }}),
       access(OriginPolicy(options.allowedHosts), options.users),
       dispatcher(router, lanes, metrics),
       server(io.context(),
              {options.address, options.port, options.certificate, options.key},
              {access, dispatcher, audit, hub}) {
     expectAllowedAddress(options);
+    feed.add("targets", targets);
     feed.add("texts", texts);  // before those that tell readers to ask again
     feed.add("stream", hub);
 }
@@ -59,6 +68,8 @@ void Application::addRoutes() {
     aboutResource.addRoutes(router);
     sessionResource.addRoutes(router);
     eventsResource.addRoutes(router);
+    confirmationsResource.addRoutes(router);
+    targetsResource.addRoutes(router);
     configResource.addRoutes(router);
     commandsResource.addRoutes(router);
     logResource.addRoutes(router);
@@ -103,6 +114,7 @@ void Application::run() {
 void Application::serve(StopSignal& signal) {
     addRoutes();
     aboutResource.setReady(true);
+    targetWatch.start();
     server.start();
     std::printf("listening on %s\n", server.url().c_str());
     std::fflush(stdout);
@@ -114,6 +126,7 @@ void Application::stop(std::future<void>& started) {
     aboutResource.setReady(false);
     server.stop();
     access.stop();
+    targetWatch.stop();
     texts.stop();
     lanes.stop();
     // At once, and not when the calls are over: it is what makes them end.

@@ -11,10 +11,12 @@
 #include "server/api/AboutResource.h"
 #include "server/api/CommandsResource.h"
 #include "server/api/ConfigResource.h"
+#include "server/api/ConfirmationsResource.h"
 #include "server/api/EventsResource.h"
 #include "server/api/LogResource.h"
 #include "server/api/MetricsResource.h"
 #include "server/api/SimulatorResource.h"
+#include "server/api/TargetsResource.h"
 #include "server/events/ChangeFeed.h"
 #include "server/extension/SimulatorControl.h"
 #include "server/lanes/WorkerLanes.h"
@@ -22,6 +24,7 @@
 #include "server/net/HttpServer.h"
 #include "server/net/IoThread.h"
 #include "server/net/StreamHub.h"
+#include "server/targets/TargetWatch.h"
 #include "server/texts/EventTextService.h"
 #include "server/users/SessionResource.h"
 
@@ -50,9 +53,12 @@ private:
     ChangeFeed feed;
     WorkerLanes lanes;
     EventTextService texts;
+    TargetBook targets;
     std::unique_ptr<SimulatorControl>
         simulator;  ///< outlives the extension, which uses its library
     Backend backend;
+    ConfirmationService confirmations;
+    TargetWatch targetWatch;
 
     Router router;
     AccessControl access;
@@ -60,7 +66,9 @@ private:
     Dispatcher dispatcher;
     SessionResource sessionResource{access, !options.certificate.empty()};
     AboutResource aboutResource;
-    EventsResource eventsResource{backend.events, backend.calls, texts, metrics};
+    EventsResource eventsResource{backend.events, targets, backend.calls, texts};
+    ConfirmationsResource confirmationsResource{confirmations, backend.events, lanes};
+    TargetsResource targetsResource{targets};
     ConfigResource configResource{backend.configuration, backend.calls};
     CommandsResource commandsResource{backend.calls};
     LogResource logResource{backend.log};

@@ -5,12 +5,12 @@
 namespace hmi {
 
 Backend::Backend(const std::filesystem::path& configurationFile, ZrHmiSrv::Context given,
-                 IChangeSink& sink, Metrics& metrics)
+                 IChangeSink& sink, Metrics& metrics, EventRefresher::IsImported isImported)
     : context(std::move(given)),
       configuration(configurationFile),
       events(sink),
       log(sink),
-      refresher(events, calls, metrics),
+      refresher(events, calls, metrics, std::move(isImported)),
       host({events, log, configuration, listeners, metrics, [this] { refresher.request(); }}) {}
 
 void Backend::start(const std::filesystem::path& extensionFile) {
@@ -35,6 +35,17 @@ void Backend::stop() {
     refresher.stop();
     listeners.clear();
     extension.reset();
+}
+
+std::map<std::string, std::string> Backend::addresses() const {
+    const auto targets = configuration.read(*ConfigurationPath::parse("TARGET_SYSTEMS"));
+    std::map<std::string, std::string> addresses;
+    for (auto target = targets.begin(); target != targets.end(); ++target) {
+        const ZrHmiSrv::Value* const address = target->lookup("ADDRESS");
+        if (address && address->type() == ZrHmiSrv::ValueType::string)
+            addresses.emplace(target.name(), address->get_string());
+    }
+    return addresses;
 }
 
 std::chrono::milliseconds Backend::timeout() const {

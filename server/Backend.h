@@ -3,7 +3,9 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <string>
 
 #include "server/config/ConfigurationStore.h"
 #include "server/events/EventBook.h"
@@ -23,7 +25,7 @@ class Backend {
 public:
     /// Changes go to the sink. Throws StartError when the configuration cannot be used.
     Backend(const std::filesystem::path& configurationFile, ZrHmiSrv::Context context,
-            IChangeSink& sink, Metrics& metrics);
+            IChangeSink& sink, Metrics& metrics, EventRefresher::IsImported isImported);
     ~Backend() { stop(); }
 
     /// Throws StartError when the extension cannot be loaded or refuses.
@@ -34,6 +36,8 @@ public:
     /// Returns when the extension has gone.
     void stop();
 
+    /// Of the target systems, by name, as the configuration tells them.
+    std::map<std::string, std::string> addresses() const;
     /// How long a target system may take to answer.
     std::chrono::milliseconds timeout() const;
 

@@ -4,7 +4,9 @@
 #include <limits>
 #include <string>
 
+#include "server/events/PageWindow.h"
 #include "server/http/Response.h"
+#include "server/json/IsoTime.h"
 #include "server/json/Utf8.h"
 
 namespace hmi {
@@ -35,6 +37,18 @@ std::optional<T> choice(const Query& query, std::string_view parameter,
     throw RequestError(400, std::string(parameter) + " cannot be " + *chosen);
 }
 
+std::optional<ZrHmiSrv::Timestamp> timeOf(const Query& query, std::string_view name) {
+    const std::string* const text = query.find(name);
+    const auto time = text ? parseIsoTime(*text) : std::nullopt;
+    if (text && !time)
+        throw RequestError(400, std::string(name) + " is a time like 2024-05-01T06:07:08.1234567Z");
+    return time;
+}
+
+bool isWanted(const Query& query, std::string_view name) {
+    return choice<bool>(query, name, {{"0", false}, {"1", true}}).value_or(false);
+}
+
 std::string textOf(const Query& query, std::string_view name) {
     const std::string* const value = query.find(name);
     return value ? *value : std::string();
@@ -59,7 +73,8 @@ bool containsText(const EventRecord& event, std::string_view lower) {
 
 EventSearch::EventSearch(const Query& query) {
     query.allowOnly(
-        {"target", "kind", "state", "severity", "text", "locale", "offset", "limit", "wait"});
+        {"target", "kind", "state", "severity", "text", "locale", "offset", "limit", "wait",
+         "order", "from", "to", "lastKnown", "gaps"});
     if (const std::string* const target = query.find("target"))
         filter.target = *target;
     filter.kind = choice<EventKind>(query, "kind",
@@ -68,6 +83,14 @@ EventSearch::EventSearch(const Query& query) {
                                       {{"active", EventState::active},
                                        {"cleared", EventState::cleared},
                                        {"unconfirmed", EventState::unconfirmed}});
+    filter.order = choice<EventOrder>(
+                       query, "order",
+                       {{"time", EventOrder::time}, {"priority", EventOrder::priority}})
+                       .value_or(EventOrder::time);
+    filter.from = timeOf(query, "from");
+    filter.to = timeOf(query, "to");
+    filter.lastKnown = isWanted(query, "lastKnown");
+    withGaps = isWanted(query, "gaps");
     constexpr std::uint64_t highest = std::numeric_limits<std::uint32_t>::max();
     filter.severity = static_cast<std::uint32_t>(std::min(query.number("severity", 0), highest));
     text = toLowerAscii(textOf(query, "text"));
@@ -79,9 +102,40 @@ EventSearch::EventSearch(const Query& query) {
     limit = static_cast<std::size_t>(std::min(query.number("limit", defaultLimit), maxLimit));
 }
 
-EventSearch::Result EventSearch::run(const EventBook& book, EventTextService& service) const {
+EventSearch::Result EventSearch::run(const EventBook& book, const TargetBook& targets,
+                                     EventTextService& service) const {
+    if (!withGaps)
+        return select(book, service, offset, limit);
+    std::vector<Hit> gaps;
+    for (GapPtr& gap : targets.gaps(filter.target, filter.from, filter.to))
+        gaps.push_back({{}, {}, std::move(gap)});
+    const PageWindow window(offset, limit, gaps.size());
+    Result result = select(book, service, window.first, window.size);
+    result.total += gaps.size();
+    result.hits = window.merge(result.hits, gaps,
+                               [this](const Hit& a, const Hit& b) { return isBefore(a, b); });
+    return result;
+}
+
+/// Gaps stand among the events by time, and before all that needs no attention by priority.
+bool EventSearch::isBefore(const Hit& a, const Hit& b) const {
+    if (a.event && b.event)
+        return filter.isBefore(*a.event, *b.event);
+    const auto priority = [this](const Hit& hit) {
+        return filter.order == EventOrder::time ? 0
+               : hit.event                      ? hit.event->priority
+                                                : priorityOfRest;
+    };
+    const auto time = [](const Hit& hit) {
+        return hit.event ? hit.event->position.time : hit.gap->from;
+    };
+    return priority(a) != priority(b) ? priority(a) < priority(b) : time(b) < time(a);
+}
+
+EventSearch::Result EventSearch::select(const EventBook& book, EventTextService& service,
+                                        std::size_t first, std::size_t size) const {
     const bool isPage = text.empty();
-    EventPage selected = book.select(filter, isPage ? offset : 0, isPage ? limit : unlimited);
+    EventPage selected = book.select(filter, isPage ? first : 0, isPage ? size : unlimited);
     std::vector<TextsPtr> texts = textsOf(selected.events, service);
     Result result;
     for (std::size_t i = 0; i < selected.events.size(); ++i) {
@@ -92,7 +146,7 @@ EventSearch::Result EventSearch::run(const EventBook& book, EventTextService& se
             result.textsPending += isPending ? 1 : 0;  // it might contain the text
             continue;
         }
-        if (++result.total <= (isPage ? 0 : offset) || result.hits.size() == limit)
+        if (++result.total <= (isPage ? 0 : first) || result.hits.size() == size)
             continue;
         result.textsPending += isPending ? 1 : 0;
         result.hits.push_back({std::move(selected.events[i]), std::move(texts[i])});

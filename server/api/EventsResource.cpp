@@ -7,13 +7,13 @@
 #include "server/api/EventSearch.h"
 #include "server/api/LongList.h"
 #include "server/json/EventJson.h"
+#include "server/json/TargetJson.h"
 #include "server/json/ValueJson.h"
 
 namespace hmi {
 
 namespace json = boost::json;
 using ZrHmiSrv::ErrorValue;
-using ZrHmiSrv::ResultPair;
 
 namespace {
 
@@ -45,19 +45,16 @@ void EventsResource::addRoutes(Router& router) {
             return ifLocalized(r, {Lane::details, find(r)->target});
         },
         [this](const Request& r) { return one(r); });
-    router.add(
-        Method::post, "/api/events/*/confirm",
-        [this](const Request& r) {
-            return Place{Lane::confirmations, find(r)->target};
-        },
-        [this](const Request& r) { return confirm(r); });
 }
 
 Response EventsResource::list(const Request& request) {
     const EventSearch search(request.target.query);
-    const auto found = std::make_shared<const EventSearch::Result>(search.run(book, texts));
+    const auto found =
+        std::make_shared<const EventSearch::Result>(search.run(book, targets, texts));
     const auto item = [found](std::size_t index, json::storage_ptr memory) {
         const EventSearch::Hit& hit = found->hits[index];
+        if (hit.gap)
+            return toJson(*hit.gap, memory);
         json::object event = toJson(*hit.event, memory);
         if (hit.texts && hit.texts->result == ErrorValue::success)
             addTexts(event, *hit.texts);
@@ -86,24 +83,11 @@ Response EventsResource::one(const Request& request) {
     return Response::json(std::move(body));
 }
 
-Response EventsResource::confirm(const Request& request) {
-    request.target.query.allowOnly({});
-    const EventRecordPtr event = find(request);
-    if (!event->alarm())
-        return Response::error(400, "only alarms can be confirmed");
-    const auto start = std::chrono::steady_clock::now();
-    const auto answer = extension.confirm(*event->alarm());
-    metrics.observeConfirmation(std::chrono::steady_clock::now() - start);
-    if (!answer)
-        return Response::error(503, "the extension takes no confirmations");
-    metrics.targets.countConfirmation(event->target, answer->result());
-    return Response::json({{"result", static_cast<std::uint32_t>(answer->result())},
-                           {"text", toJson(answer->text().view())}});
-}
-
 EventRecordPtr EventsResource::find(const Request& request) const {
     const auto id = EventId::parse(request.target.path[2]);
     EventRecordPtr event = id ? book.find(*id) : nullptr;
+    if (id && !event)
+        event = book.findLastKnown(*id);
     if (!event)
         throw RequestError(404, "there is no such event");
     return event;

@@ -5,30 +5,29 @@
 #include "server/events/EventBook.h"
 #include "server/extension/ExtensionCalls.h"
 #include "server/http/Router.h"
-#include "server/metrics/Metrics.h"
+#include "server/targets/TargetBook.h"
 #include "server/texts/EventTextService.h"
 
 namespace hmi {
 
-/// /api/events: the list, one event, and its confirmation.
+/// /api/events: the list, and one event.
 class EventsResource {
 public:
-    EventsResource(EventBook& book, ExtensionCalls& extension, EventTextService& texts,
-                   Metrics& metrics)
-        : book(book), extension(extension), texts(texts), metrics(metrics) {}
+    EventsResource(const EventBook& book, const TargetBook& targets, ExtensionCalls& extension,
+                   EventTextService& texts)
+        : book(book), targets(targets), extension(extension), texts(texts) {}
 
     void addRoutes(Router& router);
 
 private:
     Response list(const Request& request);
     Response one(const Request& request);
-    Response confirm(const Request& request);
     EventRecordPtr find(const Request& request) const;
 
-    EventBook& book;
+    const EventBook& book;
+    const TargetBook& targets;
     ExtensionCalls& extension;
     EventTextService& texts;
-    Metrics& metrics;
 };
 
 }  // namespace hmi

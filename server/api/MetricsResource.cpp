@@ -10,8 +10,6 @@
 
 namespace hmi {
 
-using ZrHmiSrv::Command;
-using ZrHmiSrv::CommandGroup;
 using ZrHmiSrv::Value;
 
 namespace {
@@ -55,16 +53,6 @@ void collect(Families& families, const std::string& target, const Value& fields)
 
 double number(std::size_t count) {
     return static_cast<double>(count);
-}
-
-Value diagnose(ExtensionCalls& extension) {
-    CommandGroup commands({Command("Diagnostics", "Diagnostics")});
-    const auto answer = extension.handle(commands);
-    const Command& command = *commands.begin_vector();
-    if (!answer || !answer->succeeded() || command.extension_result() != 0)
-        return {};
-    const Value* const targets = command.read_value().lookup("TARGET_SYSTEMS");
-    return targets ? *targets : Value();
 }
 
 }  // namespace
@@ -112,7 +100,7 @@ void MetricsResource::writeFeed(PrometheusText& text) const {
 }
 
 void MetricsResource::writeTargets(PrometheusText& text) {
-    const Value targets = diagnose(extension);
+    const Value targets = extension.diagnostics();
     Families families;
     text.family("hmi_target_state", "gauge", "1 for the connection state that the target is in.");
     for (auto target = targets.begin(); target != targets.end(); ++target) {

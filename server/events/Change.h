@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -24,8 +25,13 @@ enum class ChangeType : std::uint8_t {
     forgotten,
     reset,
     log,
-    texts,  ///< localized texts are known now that a reader had to go without
+    texts,         ///< localized texts are known now that a reader had to go without
+    confirmation,  ///< an operator's confirmation goes on its way
+    target,        ///< a target system is in another state
+    gap,           ///< events of a target system may be missing
+    alive,         ///< nothing, but the server lives
 };
+inline constexpr std::size_t changeTypes = 12;
 
 /// The events that a target system has handed over as all of its own, in no order.
 struct Replacement {
@@ -33,14 +39,19 @@ struct Replacement {
     std::vector<EventRecordPtr> events;
 };
 
+struct TargetStatus;
+struct Gap;
+
 /// Something that happened to the events or the log. `event` is there for a single event, `entry`
-/// for the log. A reset with a replacement: the target system has these events and no others; one
+/// for the log, `target` and `gap` for theirs. A reset with a replacement: the target system has these events and no others; one
 /// without: all target systems have handed over theirs.
 struct Change {
     ChangeType type;
     EventRecordPtr event = {};
     std::shared_ptr<const LogEntry> entry = {};
     std::shared_ptr<const Replacement> replacement = {};
+    std::shared_ptr<const TargetStatus> target = {};
+    std::shared_ptr<const Gap> gap = {};
 };
 
 /// Where changes are told, in the order in which they happened. Called with the mutex of the book

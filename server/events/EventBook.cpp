@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "server/events/KnownEvents.h"
+#include "server/events/PageWindow.h"
 
 namespace hmi {
 
@@ -21,8 +22,29 @@ EventRecordPtr changed(const EventStore& store, const Alarm& alarm, bool ended) 
     const EventRecordPtr held = store.find({EventKind::alarm, alarm.id()});
     if (!held)
         return nullptr;
-    return std::make_shared<EventRecord>(EventContent{alarm, {}}, held->position.arrival,
-                                         ended || held->ended);
+    const auto record = std::make_shared<EventRecord>(
+        EventContent{alarm, {}}, held->position.arrival, ended || held->ended);
+    record->confirmation = confirmationOf(*record, *held);
+    return record;
+}
+
+std::vector<EventRecordPtr> eventsOf(const EventStore& store, const std::string& target) {
+    EventFilter filter;
+    filter.target = target;
+    return store.select(filter, 0, unlimited).events;
+}
+
+/// The alarms of these as they were when their target system was lost.
+std::vector<EventRecordPtr> lostAlarms(const std::unordered_set<EventRecordPtr>& vanished) {
+    std::vector<EventRecordPtr> lost;
+    for (const EventRecordPtr& event : vanished) {
+        if (event->kind != EventKind::alarm)
+            continue;
+        const auto record = std::make_shared<EventRecord>(*event);
+        record->lastKnownSince = ZrHmiSrv::Timestamp::now();
+        lost.push_back(record);
+    }
+    return lost;
 }
 
 EventRecordPtr takeOut(EventStore& store, const EventRecord& dropped) {
@@ -37,8 +59,11 @@ EventRecordPtr takeOut(EventStore& store, const EventRecord& dropped) {
 
 void EventBook::raise(Alarm alarm) {
     const auto event =
-        std::make_shared<const EventRecord>(EventContent{std::move(alarm), {}}, ++arrivals);
+        std::make_shared<EventRecord>(EventContent{std::move(alarm), {}}, ++arrivals);
     Lock lock(mutex);
+    if (const EventRecordPtr before = known(event->id))
+        event->confirmation = confirmationOf(*event, *before);
+    lastKnown.erase(event->id);
     insert(event, ChangeType::raised);
 }
 
@@ -64,6 +89,8 @@ void EventBook::insert(const EventRecordPtr& event, ChangeType type) {
 }
 
 void EventBook::forgetBeyondCapacity() {
+    while (lastKnown.size() > 0 && current.size() + lastKnown.size() > capacity)
+        lastKnown.erase(lastKnown.oldest()->id);
     while (current.size() > capacity) {
         const EventRecordPtr oldest = current.oldest();
         current.erase(oldest->id);
@@ -93,34 +120,64 @@ void EventBook::beginReset() {
     reset.emplace(Reset{arrivals, {}});
 }
 
-void EventBook::replaceTarget(const std::string& target, std::span<const Event> events) {
+void EventBook::replaceTarget(const std::string& target, std::span<const Event> events,
+                              bool isImported) {
     std::vector<EventRecordPtr> gone;  // outlives the lock, so that old events are freed outside
+    std::vector<EventRecordPtr> before;
     {
         Lock lock(mutex);
         if (reset)
             reset->handedOver.insert(target);
-        gone = eventsOf(target);
+        gone = eventsOf(current, target);
+        before = eventsOf(lastKnown, target);
     }
+    before.insert(before.end(), gone.begin(), gone.end());
     auto replacement = std::make_shared<Replacement>(Replacement{target, {}});
-    KnownEvents known(gone);
-    std::unordered_set<EventRecordPtr> kept(gone.begin(), gone.end());
+    KnownEvents known(before);
+    std::unordered_set<EventRecordPtr> vanished(gone.begin(), gone.end());
+    std::unordered_set<std::int64_t> here;
     EventStore added;
     for (const Event& event : events) {
         std::optional<EventContent> content = contentOf(event);
         if (!content)
             continue;
         EventRecordPtr record = known.meet(std::move(*content), ++arrivals);
+        if (record->kind == EventKind::alarm)
+            here.insert(record->id.number);
         replacement->events.push_back(record);
-        if (kept.erase(record) == 0)
+        if (vanished.erase(record) == 0)
             added.insert(std::move(record));
     }
-    gone.assign(kept.begin(), kept.end());
-    if (gone.empty() && added.size() == 0)
-        return;
+    gone.assign(vanished.begin(), vanished.end());
+    std::erase_if(vanished, [&](const auto& event) { return here.contains(event->id.number); });
+    const auto lost = isImported ? std::vector<EventRecordPtr>() : lostAlarms(vanished);
     Lock lock(mutex);
+    const bool isLessKnown = isImported && forgetLastKnown(target);
+    if (gone.empty() && added.size() == 0 && !isLessKnown)
+        return;
     current.replace(gone, added);
+    for (const EventRecordPtr& event : replacement->events)
+        lastKnown.erase(event->id);
+    for (const EventRecordPtr& event : lost)
+        lastKnown.insert(event);
     sink.post({.type = ChangeType::reset, .replacement = std::move(replacement)});
     forgetBeyondCapacity();
+}
+
+/// True when there was something to forget.
+bool EventBook::forgetLastKnown(const std::string& target) {
+    const std::vector<EventRecordPtr> forgotten = eventsOf(lastKnown, target);
+    for (const EventRecordPtr& event : forgotten)
+        lastKnown.erase(event->id);
+    return !forgotten.empty();
+}
+
+void EventBook::dropLastKnown(const std::string& target) {
+    Lock lock(mutex);
+    if (!forgetLastKnown(target))
+        return;
+    auto rest = std::make_shared<Replacement>(Replacement{target, eventsOf(current, target)});
+    sink.post({.type = ChangeType::reset, .replacement = std::move(rest)});
 }
 
 void EventBook::endReset() {
@@ -129,6 +186,11 @@ void EventBook::endReset() {
     const std::optional<Reset> ended = std::exchange(reset, std::nullopt);
     if (!ended)
         return;
+    const auto lost = lastKnown.countsByTarget();
+    for (const auto& [target, counts] : lost) {
+        if (!ended->handedOver.contains(target))
+            forgetLastKnown(target);
+    }
     const auto targets = current.countsByTarget();
     for (const auto& [target, counts] : targets) {
         if (!ended->handedOver.contains(target))
@@ -141,7 +203,7 @@ void EventBook::dropBefore(std::uint64_t arrival, const std::string& target,
                            std::vector<EventRecordPtr>& dropped) {
     auto rest = std::make_shared<Replacement>(Replacement{target, {}});
     const std::size_t before = dropped.size();
-    for (EventRecordPtr& event : eventsOf(target)) {
+    for (EventRecordPtr& event : eventsOf(current, target)) {
         if (event->position.arrival > arrival) {
             rest->events.push_back(std::move(event));
             continue;
@@ -158,10 +220,20 @@ void EventBook::abandonReset() {
     reset.reset();
 }
 
-std::vector<EventRecordPtr> EventBook::eventsOf(const std::string& target) const {
-    EventFilter filter;
-    filter.target = target;
-    return current.select(filter, 0, unlimited).events;
+EventRecordPtr EventBook::modify(EventId id, ChangeType type, const Modify& modify) {
+    Lock lock(mutex);
+    const EventRecordPtr held = current.find(id);
+    const EventRecordPtr modified = held ? modify(*held) : nullptr;
+    if (!modified)
+        return held;
+    current.insert(modified);
+    sink.post({type, modified});
+    return modified;
+}
+
+EventRecordPtr EventBook::known(EventId id) const {
+    EventRecordPtr held = current.find(id);
+    return held ? held : lastKnown.find(id);
 }
 
 EventRecordPtr EventBook::find(EventId id) const {
@@ -169,10 +241,23 @@ EventRecordPtr EventBook::find(EventId id) const {
     return current.find(id);
 }
 
+EventRecordPtr EventBook::findLastKnown(EventId id) const {
+    Lock lock(mutex);
+    return lastKnown.find(id);
+}
+
 EventPage EventBook::select(const EventFilter& filter, std::size_t offset,
                             std::size_t limit) const {
     Lock lock(mutex);
-    return current.select(filter, offset, limit);
+    if (!filter.lastKnown || lastKnown.size() == 0)
+        return current.select(filter, offset, limit);
+    const EventPage lost = lastKnown.select(filter, 0, unlimited);
+    const PageWindow window(offset, limit, lost.events.size());
+    const EventPage page = current.select(filter, window.first, window.size);
+    return {page.total + lost.total,
+            window.merge(page.events, lost.events, [&](const auto& a, const auto& b) {
+                return filter.isBefore(*a, *b);
+            })};
 }
 
 std::map<std::string, TargetCounts> EventBook::countsByTarget() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -23,6 +24,9 @@ namespace hmi {
 /// system: what was called before is part of the hand-over, what comes later changes its result.
 /// At the end those target systems have no events that handed over none, except for what they sent
 /// since the reset began: they are newer than the reset is, and the next one brings them.
+///
+/// Alarms that a target system does not hand over while it is lost are not gone: they are kept
+/// aside as what was known last, until it has been imported again.
 class EventBook {
 public:
     explicit EventBook(IChangeSink& sink, std::size_t capacity = 1'000'000)
@@ -40,13 +44,25 @@ public:
     /// The steps of a reset, from one thread at a time: begin, one replacement for each target
     /// system, then end; or abandon, which leaves those as they are that handed over nothing.
     void beginReset();
-    /// Events that are known already keep their ids. With an exception the target system's events
-    /// stay as they were, also at the end of the reset.
-    void replaceTarget(const std::string& target, std::span<const ZrHmiSrv::Event> events);
+    /// Events that are known already keep their ids. `isImported`: the target system has been
+    /// imported, and so what it does not hand over is gone. With an exception the target system's
+    /// events stay as they were, also at the end of the reset.
+    void replaceTarget(const std::string& target, std::span<const ZrHmiSrv::Event> events,
+                       bool isImported = true);
     void endReset();
     void abandonReset();
 
+    /// What was known last of the alarms of a target system does not count any more.
+    void dropLastKnown(const std::string& target);
+
+    /// Makes another record of an event; null leaves it. Called under the book's mutex.
+    using Modify = std::function<EventRecordPtr(const EventRecord&)>;
+    /// Puts what `modify` makes of an event into its place and tells it. Null when it is not held.
+    EventRecordPtr modify(EventId id, ChangeType type, const Modify& modify);
+
     EventRecordPtr find(EventId id) const;
+    /// Of an alarm whose target system was lost.
+    EventRecordPtr findLastKnown(EventId id) const;
     EventPage select(const EventFilter& filter, std::size_t offset, std::size_t limit) const;
     std::map<std::string, TargetCounts> countsByTarget() const;
 
@@ -57,8 +73,9 @@ private:
     };
 
     void insert(const EventRecordPtr& event, ChangeType type) REQUIRES(mutex);
+    EventRecordPtr known(EventId id) const REQUIRES(mutex);
+    bool forgetLastKnown(const std::string& target) REQUIRES(mutex);
     void change(const ZrHmiSrv::Alarm& alarm, ChangeType type);
-    std::vector<EventRecordPtr> eventsOf(const std::string& target) const REQUIRES(mutex);
     void dropBefore(std::uint64_t arrival, const std::string& target,
                     std::vector<EventRecordPtr>& dropped) REQUIRES(mutex);
     void forgetBeyondCapacity() REQUIRES(mutex);
@@ -68,6 +85,7 @@ private:
     std::atomic<std::uint64_t> arrivals = 0;
     mutable Mutex mutex;  ///< guards all below; short, nothing but the sink is called under it
     EventStore current GUARDED_BY(mutex);
+    EventStore lastKnown GUARDED_BY(mutex);  ///< none of them is in `current`
     std::optional<Reset> reset GUARDED_BY(mutex);
 };
 

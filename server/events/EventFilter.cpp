@@ -20,7 +20,14 @@ bool isIn(EventState state, const EventRecord& event) {
 
 bool EventFilter::matches(const EventRecord& event) const {
     return (!kind || *kind == event.kind) && severity <= event.severity &&
-           (!state || isIn(*state, event)) && (!target || *target == event.target);
+           (!state || isIn(*state, event)) && (!target || *target == event.target) &&
+           (!from || *from <= event.position.time) && (!to || event.position.time <= *to);
+}
+
+bool EventFilter::isBefore(const EventRecord& a, const EventRecord& b) const {
+    if (order == EventOrder::priority && a.priority != b.priority)
+        return a.priority < b.priority;
+    return a.position < b.position;
 }
 
 int EventFilter::criteria() const {

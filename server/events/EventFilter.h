@@ -9,6 +9,8 @@ namespace hmi {
 
 enum class EventState : std::uint8_t { active, cleared, unconfirmed };
 
+enum class EventOrder : std::uint8_t { time, priority };
+
 /// What a reader asks for; what is left open does not count.
 struct EventFilter {
     std::optional<std::string> target;
@@ -16,8 +18,15 @@ struct EventFilter {
     std::optional<EventState> state;
     std::uint32_t severity = 0;  ///< at least
 
+    std::optional<ZrHmiSrv::Timestamp> from;  ///< time, both ends included
+    std::optional<ZrHmiSrv::Timestamp> to;
+    EventOrder order = EventOrder::time;
+    bool lastKnown = false;  ///< also alarms whose target system was lost
+
     bool matches(const EventRecord& event) const;
-    /// How many of the criteria are set.
+    /// Whether one comes before the other in the list.
+    bool isBefore(const EventRecord& a, const EventRecord& b) const;
+    /// How many of the criteria are set, the times aside.
     int criteria() const;
 };
 

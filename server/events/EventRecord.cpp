@@ -1,5 +1,7 @@
 #include "server/events/EventRecord.h"
 
+#include <limits>
+
 #include <boost/container_hash/hash.hpp>
 
 #include "server/events/ValueHash.h"
@@ -66,6 +68,15 @@ std::uint32_t severityOf(const EventContent& content) {
         content.event);
 }
 
+/// First what is active and unconfirmed, then the other unconfirmed ones, then what is active, then
+/// the rest; within these the most severe. Without a severity it is the least.
+std::uint64_t priorityOf(EventLife life, bool unconfirmed, std::uint32_t severity) {
+    const bool active = life == EventLife::active;
+    const std::uint64_t group = (unconfirmed ? 0U : 2U) + (active ? 0U : 1U);
+    const std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
+    return group << 32 | (severity == none ? none : none - 1 - severity);
+}
+
 std::size_t hashOfMessage(const EventContent& content, std::size_t payloadHash,
                           Timestamp received) {
     if (alarmOf(content))
@@ -92,6 +103,7 @@ EventRecord::EventRecord(EventContent from, std::uint64_t arrival, bool ended)
       life(lifeOf(content, ended)),
       unconfirmed(isUnconfirmed(content)),
       severity(severityOf(content)),
+      priority(priorityOf(life, unconfirmed, severity)),
       target(targetOf(event().payload())),
       payloadHash(hashOf(event().payload())),
       contentHash(hashOfMessage(content, payloadHash, position.time)) {}

@@ -8,6 +8,7 @@
 #include <variant>
 
 #include "host/Event.h"
+#include "server/events/Confirmation.h"
 #include "server/events/EventId.h"
 
 namespace hmi {
@@ -56,16 +57,28 @@ struct EventRecord {
     EventLife life;
     bool unconfirmed;
     std::uint32_t severity;
+    std::uint64_t priority;  ///< what an operator has to look at first has the smallest
     std::string target;       ///< as `targetOf` tells it
     std::size_t payloadHash;  ///< equal for equal parameters
     std::size_t
         contentHash;  ///< of a message: equal for messages that are the same to the extension
+
+    // Set before the record is shared.
+    ConfirmationPtr confirmation = {};  ///< null until somebody asks for it
+    /// Set when its target system was lost, and nobody can say whether it still holds.
+    ZrHmiSrv::Timestamp lastKnownSince = {};
 };
 
 using EventRecordPtr = std::shared_ptr<const EventRecord>;
 
 /// The target system that an alarm or a message names; empty when it names none.
 std::string targetOf(const ZrHmiSrv::Value& parameters);
+
+/// Records with a smaller priority than this are unconfirmed, and no others.
+inline constexpr std::uint64_t priorityOfConfirmed = std::uint64_t{2} << 32;
+
+/// Those with this or a greater one are neither unconfirmed nor active.
+inline constexpr std::uint64_t priorityOfRest = std::uint64_t{3} << 32;
 
 /// Whether two messages are the same to the extension, which does not number them.
 bool isSameMessage(const EventRecord& a, const EventRecord& b);

@@ -1,11 +1,15 @@
 #include "server/events/EventStore.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <limits>
 #include <optional>
 #include <tuple>
 #include <variant>
 
 namespace hmi {
+
+using ZrHmiSrv::Timestamp;
 
 namespace {
 
@@ -42,15 +46,38 @@ struct Stretch {
     }
 };
 
+/// The places between which a filter's time lies.
+struct Between {
+    explicit Between(const EventFilter& filter)
+        : first{filter.to.value_or(Timestamp(maxTime)), std::numeric_limits<std::uint64_t>::max()},
+          last{filter.from.value_or(Timestamp(minTime)), 0} {}
+
+    static constexpr auto maxTime = std::numeric_limits<std::int64_t>::max();
+    static constexpr auto minTime = std::numeric_limits<std::int64_t>::min();
+    EventPosition first;
+    EventPosition last;
+};
+
 template <class Index>
-Stretch<Index> wholeOf(const Index& index) {
-    return {&index, 0, index.size()};
+Stretch<Index> stretchOf(const Index& index, std::size_t first, std::size_t last) {
+    return {&index, first, std::max(first, last)};
+}
+
+template <class Index>
+Stretch<Index> stretchOf(const Index& index, const Between& between) {
+    return stretchOf(index, index.lower_bound_rank(between.first),
+                     index.lower_bound_rank(between.last));
 }
 
 template <class Index, class Key>
-Stretch<Index> stretchOf(const Index& index, const Key& key) {
-    const auto [first, last] = index.equal_range_rank(std::make_tuple(key));
-    return {&index, first, last};
+Stretch<Index> stretchOf(const Index& index, const Key& key, const Between& between) {
+    return stretchOf(index, index.lower_bound_rank(std::make_tuple(key, between.first)),
+                     index.lower_bound_rank(std::make_tuple(key, between.last)));
+}
+
+/// Whether the filter selects all events of the smallest stretch that one criterion gives.
+bool isOneCriterion(const EventFilter& filter) {
+    return filter.criteria() == 0 || (filter.criteria() == 1 && filter.severity == 0);
 }
 
 }  // namespace
@@ -105,36 +132,70 @@ void EventStore::replace(const std::vector<EventRecordPtr>& gone, EventStore& ad
     added.counts.clear();
 }
 
-EventPage EventStore::select(const EventFilter& filter, std::size_t offset,
-                             std::size_t limit) const {
+/// What `serve` makes of the smallest stretch that one of the criteria gives.
+template <class Serve>
+auto EventStore::narrowest(const EventFilter& filter, Serve serve) const {
     using Position = Stretch<Records::index<ByPosition>::type>;
     using Target = Stretch<Records::index<ByTarget>::type>;
     using Kind = Stretch<Records::index<ByKind>::type>;
     using Life = Stretch<Records::index<ByLife>::type>;
     using Confirmation = Stretch<Records::index<ByConfirmation>::type>;
 
+    const Between between(filter);
     std::variant<Position, Target, Kind, Life, Confirmation> smallest =
-        wholeOf(records.get<ByPosition>());
+        stretchOf(records.get<ByPosition>(), between);
     const auto offer = [&](auto stretch) {
         if (stretch.size() <= std::visit([](const auto& s) { return s.size(); }, smallest))
             smallest = stretch;
     };
     if (filter.target)
-        offer(stretchOf(records.get<ByTarget>(), *filter.target));
+        offer(stretchOf(records.get<ByTarget>(), *filter.target, between));
     if (filter.kind)
-        offer(stretchOf(records.get<ByKind>(), *filter.kind));
+        offer(stretchOf(records.get<ByKind>(), *filter.kind, between));
     if (filter.state == EventState::unconfirmed)
-        offer(stretchOf(records.get<ByConfirmation>(), true));
+        offer(stretchOf(records.get<ByConfirmation>(), true, between));
     else if (filter.state)
-        offer(stretchOf(records.get<ByLife>(), filter.state == EventState::active
-                                                   ? EventLife::active
-                                                   : EventLife::cleared));
-    const bool served = filter.criteria() == 0 || (filter.criteria() == 1 && filter.severity == 0);
-    return std::visit(
-        [&](const auto& stretch) {
-            return served ? stretch.page(offset, limit) : stretch.page(filter, offset, limit);
-        },
-        smallest);
+        offer(stretchOf(records.get<ByLife>(),
+                        filter.state == EventState::active ? EventLife::active : EventLife::cleared,
+                        between));
+    return std::visit(serve, smallest);
+}
+
+EventPage EventStore::select(const EventFilter& filter, std::size_t offset,
+                             std::size_t limit) const {
+    if (filter.order == EventOrder::priority)
+        return selectByPriority(filter, offset, limit);
+    return narrowest(filter, [&](const auto& stretch) {
+        return isOneCriterion(filter) ? stretch.page(offset, limit)
+                                      : stretch.page(filter, offset, limit);
+    });
+}
+
+EventPage EventStore::selectByPriority(const EventFilter& filter, std::size_t offset,
+                                       std::size_t limit) const {
+    const auto& byPriority = records.get<ByPriority>();
+    const bool isAnyTime = !filter.from && !filter.to;
+    if (isAnyTime && filter.criteria() == 0)
+        return stretchOf(byPriority, 0, byPriority.size()).page(offset, limit);
+    if (isAnyTime && filter.criteria() == 1 && filter.state == EventState::unconfirmed)
+        return stretchOf(byPriority, 0,
+                         byPriority.lower_bound_rank(std::make_tuple(priorityOfConfirmed)))
+            .page(offset, limit);
+    EventPage page = narrowest(filter, [&](const auto& stretch) {
+        return stretch.page(filter, 0, std::numeric_limits<std::size_t>::max());
+    });
+    auto& events = page.events;
+    offset = std::min(offset, events.size());
+    const auto at = [&](std::size_t index) {
+        return events.begin() + static_cast<std::ptrdiff_t>(std::min(index, events.size()));
+    };
+    const auto last = at(offset + std::min(limit, page.total));
+    std::partial_sort(events.begin(), last, events.end(), [&](const auto& a, const auto& b) {
+        return filter.isBefore(*a, *b);
+    });
+    events.erase(last, events.end());
+    events.erase(events.begin(), at(offset));
+    return page;
 }
 
 void EventStore::count(const EventRecord& event, bool added) {

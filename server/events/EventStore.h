@@ -47,8 +47,9 @@ public:
     /// With an exception nothing has changed.
     void replace(const std::vector<EventRecordPtr>& gone, EventStore& added);
 
-    /// The selected events from `offset` on, at most `limit`, newest first. One criterion or none
-    /// costs O(log n + limit); of several, the rarest is walked.
+    /// The selected events from `offset` on, at most `limit`, in the filter's order. One criterion
+    /// or none, and a stretch of time, costs O(log n + limit); of several, the rarest is walked. So
+    /// it is in the order of priority, except for all events and for the unconfirmed ones.
     EventPage select(const EventFilter& filter, std::size_t offset, std::size_t limit) const;
     /// By name; targets without events have no entry.
     const std::map<std::string, TargetCounts>& countsByTarget() const noexcept { return counts; }
@@ -72,6 +73,7 @@ private:
     struct ByKind {};
     struct ByLife {};
     struct ByConfirmation {};
+    struct ByPriority {};
     struct ByContent {};
     using Records = boost::multi_index_container<
         EventRecordPtr,
@@ -86,8 +88,13 @@ private:
             FacetIndex<ByTarget, &EventRecord::target>, FacetIndex<ByKind, &EventRecord::kind>,
             FacetIndex<ByLife, &EventRecord::life>,
             FacetIndex<ByConfirmation, &EventRecord::unconfirmed>,
+            FacetIndex<ByPriority, &EventRecord::priority>,
             FacetIndex<ByContent, &EventRecord::contentHash>>>;
 
+    EventPage selectByPriority(const EventFilter& filter, std::size_t offset,
+                               std::size_t limit) const;
+    template <class Serve>
+    auto narrowest(const EventFilter& filter, Serve serve) const;
     void count(const EventRecord& event, bool added);
 
     Records records;

@@ -62,7 +62,8 @@ void EventRefresher::refresh() {
 
 void EventRefresher::replace_events(const char* target_name,
                                     std::span<const ZrHmiSrv::Event> events) try {
-    book.replaceTarget(toValidUtf8(target_name ? target_name : ""), events);
+    const std::string target = toValidUtf8(target_name ? target_name : "");
+    book.replaceTarget(target, events, isImported(target));
 } catch (const std::exception& exception) {
     log(LogLevel::error, std::string("events of a target system were lost: ") + exception.what());
 }

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <condition_variable>
+#include <functional>
+#include <string>
 #include <thread>
+#include <utility>
 
 #include "platform/Mutex.h"
 #include "server/events/EventBook.h"
@@ -14,8 +17,12 @@ namespace hmi {
 /// resets the book with them. Requests that come while one waits are served with it.
 class EventRefresher final : private ZrHmiSrv::IEventReceiver {
 public:
-    EventRefresher(EventBook& book, ExtensionCalls& extension, Metrics& metrics)
-        : book(book), extension(extension), metrics(metrics) {}
+    /// Whether what a target system hands over is what its logger holds; waits for nothing.
+    using IsImported = std::function<bool(const std::string& target)>;
+
+    EventRefresher(EventBook& book, ExtensionCalls& extension, Metrics& metrics,
+                   IsImported isImported)
+        : book(book), extension(extension), metrics(metrics), isImported(std::move(isImported)) {}
     ~EventRefresher() { stop(); }
 
     /// Any thread; waits for nothing. Before `start`, the request waits for it.
@@ -36,6 +43,7 @@ private:
     EventBook& book;
     ExtensionCalls& extension;
     Metrics& metrics;
+    const IsImported isImported;
     Mutex mutex;  ///< guards the two flags; nothing is called under it
     std::condition_variable_any changed;
     bool requested GUARDED_BY(mutex) = false;

@@ -67,6 +67,16 @@ std::optional<ResultPair> ExtensionCalls::handle(ZrHmiSrv::CommandGroup& command
     return guarded([&] { return listener->handle(context, commands); });
 }
 
+ZrHmiSrv::Value ExtensionCalls::diagnostics() {
+    ZrHmiSrv::CommandGroup commands({ZrHmiSrv::Command("Diagnostics", "Diagnostics")});
+    const auto answer = handle(commands);
+    const ZrHmiSrv::Command& command = *commands.begin_vector();
+    if (!answer || !answer->succeeded() || command.extension_result() != 0)
+        return {};
+    const ZrHmiSrv::Value* const targets = command.read_value().lookup("TARGET_SYSTEMS");
+    return targets ? *targets : ZrHmiSrv::Value();
+}
+
 std::optional<ResultPair> ExtensionCalls::configurationSet(const std::string& path) {
     const auto listener = listeners.call<ZrHmiSrv::IZrHmiSrvConfigListener>();
     if (!listener)

@@ -20,6 +20,9 @@ public:
     std::optional<ZrHmiSrv::ResultPair> provideEvents(ZrHmiSrv::IEventReceiver& receiver);
     std::optional<EventTexts> localize(const EventRecord& event, const std::string& locale);
     std::optional<ZrHmiSrv::ResultPair> handle(ZrHmiSrv::CommandGroup& commands);
+    /// What the extension tells of each target system; unset when it tells nothing. Waits for no
+    /// logger.
+    ZrHmiSrv::Value diagnostics();
     std::optional<ZrHmiSrv::ResultPair> configurationSet(const std::string& path);
     std::optional<ZrHmiSrv::ResultPair> configurationDeleted(const std::string& path);
     /// The settings with which the configuration listener was registered.

@@ -3,6 +3,7 @@
 #include <boost/json/monotonic_resource.hpp>
 #include <boost/json/serialize.hpp>
 
+#include "server/json/TargetJson.h"
 #include "server/json/ValueJson.h"
 
 namespace hmi {
@@ -14,12 +15,28 @@ using ZrHmiSrv::Message;
 namespace {
 
 constexpr const char* typeNames[] = {"raised",    "updated", "removed", "message",
-                                     "forgotten", "reset",   "log",     "texts"};
+                                     "forgotten", "reset",   "log",     "texts",
+                                     "confirmation", "target",  "gap",     "alive"};
 
 json::value idOf(EventId id, const json::storage_ptr& storage) {
     if (id.kind == EventKind::alarm)
         return id.number;
     return json::string(id.text(), storage);
+}
+
+json::object lifeOf(const Confirmation& confirmation, const json::storage_ptr& storage) {
+    constexpr const char* states[] = {"requested", "accepted", "confirmed", "failed", "unanswered"};
+    json::object object(8, storage);
+    object.emplace("state", states[static_cast<std::size_t>(confirmation.state)]);
+    object.emplace("by", toJson(std::string_view(confirmation.by), storage));
+    object.emplace("at", toJson(confirmation.at, storage));
+    if (!confirmation.comment.empty())
+        object.emplace("comment", toJson(std::string_view(confirmation.comment), storage));
+    if (confirmation.result)
+        object.emplace("result", static_cast<std::uint32_t>(*confirmation.result));
+    if (!confirmation.text.empty())
+        object.emplace("text", toJson(std::string_view(confirmation.text), storage));
+    return object;
 }
 
 }  // namespace
@@ -45,6 +62,10 @@ json::object toJson(const EventRecord& event, json::storage_ptr storage) {
     object.emplace("alarmState", static_cast<std::uint32_t>(alarm.alarm_state()));
     object.emplace("confirmationState", static_cast<std::uint32_t>(alarm.confirmation_state()));
     object.emplace("active", event.life == EventLife::active);
+    if (event.confirmation)
+        object.emplace("confirmation", lifeOf(*event.confirmation, storage));
+    if (event.lastKnownSince.isset())
+        object.emplace("lastKnownSince", toJson(event.lastKnownSince, storage));
     object.emplace("parameters", toJson(base.payload(), storage));
     return object;
 }
@@ -69,14 +90,23 @@ json::object toJson(const LogEntry& entry, json::storage_ptr storage) {
     return object;
 }
 
-std::string toLine(const Change& change) {
+std::string_view nameOf(ChangeType type) {
+    return typeNames[static_cast<std::size_t>(type)];
+}
+
+std::string toLine(const Change& change, std::uint64_t sequence) {
     json::monotonic_resource memory;
     json::object line(&memory);
-    line.emplace("type", typeNames[static_cast<std::size_t>(change.type)]);
+    line.emplace("seq", sequence);
+    line.emplace("type", nameOf(change.type));
     if (change.event)
         line.emplace("event", toJson(*change.event, &memory));
     if (change.entry)
         line.emplace("entry", toJson(*change.entry, &memory));
+    if (change.target)
+        line.emplace("target", toJson(*change.target, &memory));
+    if (change.gap)
+        line.emplace("gap", toJson(*change.gap, &memory));
     if (change.replacement)
         line.emplace("target", toJson(std::string_view(change.replacement->target), &memory));
     return json::serialize(line);

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 #include <boost/json/object.hpp>
 
@@ -16,7 +18,9 @@ void addTexts(boost::json::object& event, const EventTexts& texts);
 
 boost::json::object toJson(const LogEntry& entry, boost::json::storage_ptr storage = {});
 
-/// A change as one line of the stream.
-std::string toLine(const Change& change);
+/// What the stream calls a change of this type.
+std::string_view nameOf(ChangeType type);
+/// A change as one line of the stream; `sequence` counts the lines.
+std::string toLine(const Change& change, std::uint64_t sequence);
 
 }  // namespace hmi

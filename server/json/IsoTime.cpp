@@ -1,5 +1,6 @@
 #include "server/json/IsoTime.h"
 
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <limits>
@@ -81,6 +82,35 @@ std::string isoTime(ZrHmiSrv::Timestamp time) {
         static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
         static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
     return std::string(text, static_cast<std::size_t>(length));
+}
+
+std::optional<ZrHmiSrv::Timestamp> parseIsoTime(std::string_view text) {
+    constexpr std::string_view form = "0000-00-00T00:00:00";
+    std::array<int, 6> fields{};
+    std::size_t field = 0;
+    for (std::size_t i = 0; i < form.size(); ++i) {
+        const bool isExpected =
+            i < text.size() && (form[i] == '0' ? isDigit(text[i]) : text[i] == form[i]);
+        if (!isExpected)
+            return std::nullopt;
+        if (form[i] == '0')
+            fields[field] = fields[field] * 10 + (text[i] - '0');
+        else
+            ++field;
+    }
+    text.remove_prefix(form.size());
+    const bool hasFraction = !text.empty() && text.front() == '.';
+    const auto fraction = hasFraction ? takeFraction(text) : 0;
+    const year_month_day date{year{fields[0]}, month{static_cast<unsigned>(fields[1])},
+                              day{static_cast<unsigned>(fields[2])}};
+    // The whole years that 64 bits of nanoseconds hold.
+    if (!fraction || text != "Z" || !date.ok() || fields[0] < 1678 || fields[0] > 2261 ||
+        fields[3] > 23 || fields[4] > 59 || fields[5] > 59)
+        return std::nullopt;
+    const nanoseconds time = sys_days{date}.time_since_epoch() + hours{fields[3]} +
+                             minutes{fields[4]} + seconds{fields[5]} +
+                             nanoseconds{*fraction / 100 * 100};
+    return ZrHmiSrv::Timestamp(time.count());
 }
 
 std::optional<ZrHmiSrv::Timespan> parseIsoDuration(std::string_view text) {

@@ -209,8 +209,12 @@ void HttpSession::follow() {
 void HttpSession::accept(std::optional<Response> refusal) {
     if (refusal)
         return refuse(std::move(*refusal));
+    const auto types = StreamTypes::parse(std::string(parser->get().target()));
+    if (!types)
+        return refuse(Response::error(400, "types are names of changes"));
     handedOver = true;
-    std::make_shared<StreamSession>(std::move(stream), peer, context)->accept(parser->release());
+    std::make_shared<StreamSession>(std::move(stream), peer, context)
+        ->accept(parser->release(), *types);
 }
 
 /// What follows on the connection might not be read as it was meant.

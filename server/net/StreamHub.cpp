@@ -1,6 +1,7 @@
 #include "server/net/StreamHub.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 #include <utility>
 
@@ -29,16 +30,18 @@ bool StreamHub::post(const Change& change) noexcept {
     return !overflown;
 }
 
-void StreamHub::join(std::shared_ptr<IStreamClient> client) {
-    if (clients.insert(std::move(client)).second)
+void StreamHub::join(std::shared_ptr<IStreamClient> client, StreamTypes types) {
+    if (clients.emplace(std::move(client), types).second)
         metrics.countStreamClients(1);
+    if (!beating)
+        beat();
     Lock lock(mutex);
     followed = true;
 }
 
 void StreamHub::leave(const IStreamClient* client) {
     const auto found = std::find_if(clients.begin(), clients.end(),
-                                    [&](const auto& joined) { return joined.get() == client; });
+                                    [&](const auto& joined) { return joined.first.get() == client; });
     if (found == clients.end())
         return;
     clients.erase(found);
@@ -71,13 +74,15 @@ std::deque<Change> StreamHub::takeChanges() {
 
 void StreamHub::drain() {
     for (const Change& change : takeChanges())
-        send(std::make_shared<const std::string>(toLine(change)));
+        send(change);
 }
 
-void StreamHub::send(const StreamLine& line) {
+void StreamHub::send(const Change& change) {
+    const auto line = std::make_shared<const std::string>(toLine(change, ++sequence));
     const auto receivers = clients;  // a client that is disconnected leaves meanwhile
-    for (const auto& client : receivers) {
-        if (client->send(line))
+    for (const auto& [client, types] : receivers) {
+        const bool isWanted = change.type == ChangeType::alive || types.contains(change.type);
+        if (!isWanted || client->send(line))
             continue;
         log(LogLevel::warning, "a client of the stream was too slow");
         metrics.countSlowClient();
@@ -85,9 +90,24 @@ void StreamHub::send(const StreamLine& line) {
     }
 }
 
+/// As long as there are clients.
+void StreamHub::beat() {
+    constexpr std::chrono::seconds interval{4};
+    beating = !clients.empty();
+    if (!beating)
+        return;
+    heartbeat.expires_after(interval);
+    heartbeat.async_wait([this](const boost::system::error_code& error) {
+        if (error)
+            return;
+        send({.type = ChangeType::alive});
+        beat();
+    });
+}
+
 void StreamHub::disconnectAll() {
     const auto receivers = clients;
-    for (const auto& client : receivers) {
+    for (const auto& [client, types] : receivers) {
         metrics.countSlowClient();
         client->disconnect();
     }

@@ -26,11 +26,12 @@ StreamSession::StreamSession(ClientStream from, const asio::ip::address& client,
     enter(Phase::busy);
 }
 
-void StreamSession::accept(beast::http::request<beast::http::string_body> upgrade) {
+void StreamSession::accept(beast::http::request<beast::http::string_body> upgrade,
+                           StreamTypes types) {
     request = std::move(upgrade);
     // Before the client learns that it is accepted: what it reads of the list from then on and
     // what it is told must leave no gap.
-    context->hub.join(shared_from_this());
+    context->hub.join(shared_from_this(), types);
     stream.async_accept(
         request, [self = shared_from_this()](beast::error_code error) { self->onAccepted(error); });
 }

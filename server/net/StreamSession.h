@@ -22,7 +22,8 @@ public:
     StreamSession(ClientStream stream, const boost::asio::ip::address& peer,
                   std::shared_ptr<SessionContext> context);
 
-    void accept(boost::beast::http::request<boost::beast::http::string_body> request);
+    void accept(boost::beast::http::request<boost::beast::http::string_body> request,
+                StreamTypes types);
     bool send(StreamLine line) override;
     void disconnect() override;
     void close() override;

@@ -1,6 +1,6 @@
 // The panel that tells all about one event.
 import { label } from "./labels.js";
-import { severityText, stateText, time, title } from "./event.js";
+import { confirmationText, severityText, stateText, time, title } from "./event.js";
 
 const panel = document.getElementById("details");
 const content = document.getElementById("detailsContent");
@@ -57,6 +57,7 @@ export function show(event) {
     [label("clearedAt"), time(event.timeCleared)],
     [label("confirmedAt"), time(event.timeConfirmed)],
     [label("received"), time(event.timeReceived)],
+    [label("confirmation"), confirmationText(event)],
     [label("name"), event.name],
     [label("id"), event.id],
   ])];

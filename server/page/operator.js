@@ -2,43 +2,22 @@ import * as api from "./api.js";
 import * as details from "./details.js";
 import { label, locales, useLanguage } from "./labels.js";
 import * as list from "./list.js";
+import { clock } from "./event.js";
+import * as targets from "./targets.js";
+import { throttled } from "./throttled.js";
 
 const pageSize = 100;
 const reloadInterval = 400;      // ms; however fast changes come
-const diagnosticsInterval = 3000;
+const targetsInterval = 10000;
 
 const byId = (id) => document.getElementById(id);
 const filters = byId("filters");
-const state = { locale: "", offset: 0, total: 0, selected: null, events: [], targets: {} };
+const state = { locale: "", offset: 0, total: 0, selected: null, events: [], atOnce: true };
 
 function notify(text) {
   byId("notice").textContent = text;
   clearTimeout(notify.timer);
   notify.timer = setTimeout(() => { byId("notice").textContent = ""; }, 6000);
-}
-
-/** Calls `work` soon, at most once per interval, and never twice at the same time. */
-function throttled(work, interval) {
-  let running = false;
-  let wanted = false;
-  const run = async () => {
-    if (running) {
-      wanted = true;
-      return;
-    }
-    running = true;
-    wanted = false;
-    try {
-      await work();
-    } finally {
-      setTimeout(() => {
-        running = false;
-        if (wanted)
-          run();
-      }, interval);
-    }
-  };
-  return run;
 }
 
 // ---- the list
@@ -52,7 +31,7 @@ async function loadList() {
   const parameters = { ...Object.fromEntries(new FormData(filters)), locale: state.locale };
   try {
     const page = await api.events(
-      { ...parameters, offset: state.offset, limit: pageSize }, signal);
+      { ...parameters, offset: state.offset, limit: pageSize, lastKnown: 1, gaps: 1 }, signal);
     state.events = page.events;
     state.total = page.total;
     if (state.offset > 0 && state.offset >= page.total) {
@@ -68,7 +47,8 @@ async function loadList() {
 }
 
 function showList() {
-  list.show(state.events, state.selected, { open: select, confirm });
+  list.show(state.events, state.selected, { open: select, confirm }, state.atOnce);
+  state.atOnce = false;
   byId("empty").hidden = state.total > 0;
   const last = state.offset + state.events.length;
   const number = (count) => count.toLocaleString(state.locale || undefined);
@@ -94,6 +74,7 @@ const reload = throttled(async () => {
 
 function reloadFromStart() {
   state.offset = 0;
+  state.atOnce = true;
   reload();
 }
 
@@ -124,32 +105,20 @@ async function select(event) {
 
 async function confirm(event) {
   try {
-    const answer = await api.confirm(event.id);
-    notify(answer.result === 0 ? "" : `${label("confirmFailed")}: ${answer.text || answer.result}`);
-    reload();
+    await api.confirm(event);
   } catch (error) {
-    notify(`${label("confirmFailed")}: ${error.message}`);
+    notify(error.status === 409 && !error.current?.lastKnownSince ? label("raisedAgain")
+      : `${label("confirmFailed")}: ${error.message}`);
   }
+  reload();
 }
 
 // ---- target systems
 
-function showTargets() {
-  const items = Object.entries(state.targets).map(([name, target]) => {
-    const item = document.createElement("li");
-    item.textContent = `${name}: ${label(target.connectionState)}`;
-    item.title = target.connectError ?? "";
-    item.classList.toggle("good", target.connectionState === "Good");
-    item.classList.toggle("lost", target.connectionState === "Not Connected");
-    return item;
-  });
-  byId("targets").replaceChildren(...items);
-}
-
 /** A target that is gone stays a choice while it is chosen. */
 function offerTargets() {
   const choice = filters.elements.target;
-  const wanted = new Set([...Object.keys(state.targets), choice.value].filter(Boolean));
+  const wanted = new Set([...targets.names(), choice.value].filter(Boolean));
   for (const option of [...choice.options].slice(1)) {
     if (!wanted.delete(option.value))
       option.remove();
@@ -158,8 +127,7 @@ function offerTargets() {
 }
 
 const loadTargets = throttled(async () => {
-  state.targets = await api.diagnostics().catch(() => ({}));
-  showTargets();
+  await targets.load();
   offerTargets();
 }, 500);
 
@@ -167,36 +135,58 @@ const loadTargets = throttled(async () => {
 
 function useLocale(locale) {
   state.locale = locale;
-  localStorage.setItem("locale", locale);
+  try {
+    localStorage.setItem("locale", locale);
+  } catch {
+    // It is asked for again next time.
+  }
   useLanguage(locale || "en");
   byId("locale").options[0].textContent = label("none");
-  showLink(byId("link").dataset.state ?? "connecting");
-  showTargets();
-  reload();
+  showLink(byId("link").dataset.state ?? "connecting", lastSign);
+  targets.show();
+  reloadFromStart();
+}
+
+function keptLocale() {
+  try {
+    return localStorage.getItem("locale");
+  } catch {
+    return null;
+  }
 }
 
 function offerLocales() {
   const choice = byId("locale");
   choice.append(new Option("", ""), ...locales.map(([name, text]) => new Option(text, name)));
-  const wanted = localStorage.getItem("locale") ?? locales.find(
+  const wanted = keptLocale() ?? locales.find(
     ([name]) => name.slice(0, 2) === navigator.language.slice(0, 2))?.[0] ?? locales[0][0];
   choice.value = wanted;
   choice.addEventListener("change", () => useLocale(choice.value));
   useLocale(choice.value);
 }
 
-function showLink(connection) {
+let lastSign = new Date();
+
+function showLink(connection, heard) {
   const link = byId("link");
+  lastSign = heard;
   link.dataset.state = connection;
   link.textContent = label(connection);
-  link.className = `link ${{ connected: "up", reconnecting: "down" }[connection] ?? ""}`;
-  document.querySelector(".list").classList.toggle("stale", connection === "reconnecting");
+  const isDown = ["reconnecting", "silent"].includes(connection);
+  link.className = `link ${isDown ? "down" : connection === "connected" ? "up" : ""}`;
+  document.body.classList.toggle("stale", isDown);
+  byId("silence").hidden = connection !== "silent";
+  byId("silence").textContent = connection === "silent" ? label("silence", clock(heard)) : "";
 }
 
 function onChange(change) {
-  if (change.type === "reset")
+  if (change.type === "target")
+    targets.update(change.target);
+  if (change.type === "reset" && !change.target)
     loadTargets();
-  if (change.type !== "log")
+  if (change.event)
+    list.update(change.event);
+  if (change.type !== "log" && change.type !== "target")
     reload();
 }
 
@@ -212,10 +202,12 @@ byId("tiles").addEventListener("click", (event) => {
 });
 byId("newer").addEventListener("click", () => {
   state.offset = Math.max(0, state.offset - pageSize);
+  state.atOnce = true;
   reload();
 });
 byId("older").addEventListener("click", () => {
   state.offset += pageSize;
+  state.atOnce = true;
   reload();
 });
 byId("closeDetails").addEventListener("click", () => select(null));
@@ -226,9 +218,11 @@ document.addEventListener("keydown", (press) => {
 
 offerLocales();
 loadTargets();
-setInterval(loadTargets, diagnosticsInterval);
-api.follow(onChange, (connection) => {
-  showLink(connection);
-  if (connection === "connected")
+setInterval(loadTargets, targetsInterval);
+api.follow(onChange, (connection, heard) => {
+  showLink(connection, heard);
+  if (connection === "connected") {
     reload();
+    loadTargets();
+  }
 });

@@ -115,7 +115,8 @@ struct StreamClient::Connection {
     beast::flat_buffer buffer;
 };
 
-StreamClient::StreamClient(std::uint16_t port, const HttpHeaders& headers)
+StreamClient::StreamClient(std::uint16_t port, const HttpHeaders& headers,
+                           const std::string& target)
     : connection(std::make_unique<Connection>()) {
     auto& stream = connection->stream;
     stream.next_layer().connect(loopback(port));
@@ -123,7 +124,7 @@ StreamClient::StreamClient(std::uint16_t port, const HttpHeaders& headers)
         for (const auto& [name, value] : headers)
             request.set(name, value);
     }));
-    stream.handshake("127.0.0.1:" + std::to_string(port), "/api/stream");
+    stream.handshake("127.0.0.1:" + std::to_string(port), target);
 }
 
 StreamClient::~StreamClient() = default;

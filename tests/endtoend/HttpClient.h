@@ -37,7 +37,8 @@ void abandonRequest(std::uint16_t port, const std::string& method, const std::st
 /// Follows the stream of the server.
 class StreamClient {
 public:
-    explicit StreamClient(std::uint16_t port, const HttpHeaders& headers = {});
+    explicit StreamClient(std::uint16_t port, const HttpHeaders& headers = {},
+                          const std::string& target = "/api/stream");
     ~StreamClient();
 
     /// The next line; nothing when none comes within 20 seconds or the server closes.

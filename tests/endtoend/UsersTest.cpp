@@ -132,6 +132,9 @@ TEST_F(UsersTest, WithoutARightNothingHappens) {
     }
     EXPECT_ANY_THROW(StreamClient(server.port()));
     EXPECT_EQ(state(), before);
+    EXPECT_EQ(send("confirm", "POST", "/api/events/" + alarm + "/confirm").status, 200U);
+    EXPECT_EQ(send("view", "GET", "/api/events/" + alarm).json().at("confirmation").at("by"),
+              "confirm");
 
     for (const Operation& operation : all) {
         const HttpAnswer answer = send(roles[operation.role], operation.method, operation.target,

@@ -44,7 +44,7 @@ struct PlainList final : IChangeSink {
         std::copy_if(events.begin(), events.end(), std::back_inserter(selected),
                      [&](const auto& event) { return filter.matches(*event); });
         std::sort(selected.begin(), selected.end(),
-                  [](const auto& a, const auto& b) { return a->position < b->position; });
+                  [&](const auto& a, const auto& b) { return filter.isBefore(*a, *b); });
         return selected;
     }
 
@@ -161,6 +161,54 @@ TEST(EventBook, AResetIsOneStepATargetSystemAndLosesNoLiveCall) {
     EXPECT_THAT(alarmIds(book), ElementsAre(6, 5, 4, 3)) << "B may have more to say";
 }
 
+TEST(EventBook, AlarmsOfALostTargetSystemAreKeptAsideUntilItIsImported) {
+    PlainList list;
+    EventBook book(list);
+    EventFilter all;
+    all.lastKnown = true;
+    const auto ids = [&](std::size_t offset, std::size_t limit) {
+        std::vector<std::int64_t> found;
+        for (const EventRecordPtr& event : book.select(all, offset, limit).events)
+            found.push_back(event->id.number);
+        return found;
+    };
+    for (int id = 1; id <= 6; ++id)
+        book.raise(alarm(id, id % 2 ? "A" : "B", id));
+    const auto request = [](const EventRecord& event) {
+        auto record = std::make_shared<EventRecord>(event);
+        record->confirmation =
+            std::make_shared<const Confirmation>(Confirmation{.number = 7, .by = "somebody"});
+        return record;
+    };
+    book.modify({EventKind::alarm, 3}, ChangeType::confirmation, request);
+    const Event rest[] = {alarm(5, "A", 5)};
+    book.replaceTarget("A", rest, false);
+    EXPECT_THAT(alarmIds(book), ElementsAre(6, 5, 4, 2));
+    EXPECT_THAT(ids(0, 9), ElementsAre(6, 5, 4, 3, 2, 1));
+    EXPECT_THAT(ids(2, 2), ElementsAre(4, 3));
+    EXPECT_THAT(ids(5, 2), ElementsAre(1));
+    EXPECT_EQ(book.select(all, 9, 9).total, 6U);
+    EXPECT_TRUE(book.findLastKnown({EventKind::alarm, 3})->lastKnownSince.isset());
+
+    Alarm confirmed = alarm(3, "A", 3);
+    confirmed.set_confirmation_state(AlarmConfirmationState::confirmed);
+    const Event back[] = {confirmed, alarm(5, "A", 5)};
+    book.replaceTarget("A", back, true);
+    EXPECT_THAT(ids(0, 9), ElementsAre(6, 5, 4, 3, 2)) << "1 is gone for certain";
+    const EventRecordPtr three = book.find({EventKind::alarm, 3});
+    EXPECT_EQ(three->confirmation->state, ConfirmationState::confirmed) << "what was asked is known";
+    EXPECT_FALSE(three->lastKnownSince.isset());
+    book.raise(alarm(3, "A", 30));
+    EXPECT_FALSE(book.find({EventKind::alarm, 3})->confirmation) << "another occurrence";
+
+    book.replaceTarget("B", {}, false);
+    EXPECT_THAT(ids(0, 9), ElementsAre(3, 6, 5, 4, 2));
+    book.beginReset();
+    book.replaceTarget("A", back, true);
+    book.endReset();
+    EXPECT_THAT(ids(0, 9), ElementsAre(5, 3)) << "B is no target system any more";
+}
+
 TEST(EventBook, BeyondItsCapacityTheOldestGo) {
     PlainList list;
     EventBook book(list, 2);
@@ -231,6 +279,11 @@ TEST(EventBook, SelectsWhatAPlainWalkWouldSelect) {
         if (below(2))
             filter.state = static_cast<EventState>(below(3));
         filter.severity = static_cast<std::uint32_t>(below(2) * below(5));
+        filter.order = static_cast<EventOrder>(below(2));
+        if (below(2))
+            filter.from = Timestamp((1 + below(10)) * 1'000'000'000LL);
+        if (below(2))
+            filter.to = Timestamp((8 + below(13)) * 1'000'000'000LL);
         const auto offset = static_cast<std::size_t>(below(8));
         const auto limit = static_cast<std::size_t>(below(20));
         std::vector<EventRecordPtr> expected = list.select(filter);

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <boost/json/object.hpp>
+
+#include "server/targets/Gap.h"
+#include "server/targets/TargetStatus.h"
+
+namespace hmi {
+
+/// A target system as clients see it.
+boost::json::object toJson(const TargetStatus& target, boost::json::storage_ptr storage = {});
+/// A stretch of time of which events may be missing, as a row of the list.
+boost::json::object toJson(const Gap& gap, boost::json::storage_ptr storage = {});
+
+}  // namespace hmi

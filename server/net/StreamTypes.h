@@ -1,0 +1,23 @@
+#pragma once
+
+#include <bitset>
+#include <optional>
+#include <string_view>
+
+#include "server/events/Change.h"
+
+namespace hmi {
+
+/// The types of changes that a client of the stream wants to hear of.
+class StreamTypes {
+public:
+    /// Of the target of a request: "types=a,b", or all. Nothing for what is no such thing.
+    static std::optional<StreamTypes> parse(std::string_view target);
+
+    bool contains(ChangeType type) const { return types[static_cast<std::size_t>(type)]; }
+
+private:
+    std::bitset<changeTypes> types;
+};
+
+}  // namespace hmi

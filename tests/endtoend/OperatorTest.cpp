@@ -1,0 +1,158 @@
+/// What operators may trust: confirmations, target systems, what was known last.
+#include <future>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "endtoend/PlantScenario.h"
+
+namespace json = boost::json;
+
+namespace {
+
+class Operator : public PlantScenario {
+protected:
+    json::object alarmOf(const std::string& target) {
+        return server.events("lastKnown=1&kind=alarm&target=" + target).at(0).as_object();
+    }
+
+    HttpAnswer confirm(const json::object& seen, json::object body) {
+        return server.send("POST", "/api/events/" + serialize(seen.at("id")) + "/confirm", body);
+    }
+
+    bool isConfirmation(const std::string& target, const char* state) {
+        return eventually([&] {
+            const json::object alarm = alarmOf(target);
+            return alarm.contains("confirmation") &&
+                   alarm.at("confirmation").at("state") == state;
+        });
+    }
+
+    json::object targetOf(const char* name) {
+        const json::value answer = server.get("/api/targets").json();
+        for (const json::value& target : answer.as_array()) {
+            if (target.at("name") == name)
+                return target.as_object();
+        }
+        return {{"state", "none"}};
+    }
+
+    bool isTarget(const char* name, const char* state) {
+        return eventually([&] { return targetOf(name).at("state") == state; });
+    }
+};
+
+TEST_F(Operator, ConfirmsWhatWasSeenAndSeesWhatBecomesOfIt) {
+    raise(filler, "low");
+    raise(packer, "jam");
+    ASSERT_TRUE(reaches("kind=alarm", 2));
+    const json::object seen = alarmOf("Filler");
+    StreamClient stream(server.port(), {}, "/api/stream?types=confirmation");
+
+    const HttpAnswer other = confirm(seen, {{"timeRaised", "2024-05-01T06:00:00Z"}});
+    EXPECT_EQ(other.status, 409U);
+    EXPECT_EQ(other.json().at("current").at("timeRaised"), seen.at("timeRaised"));
+    for (const char* refused : {R"({"timeRaised": "at noon"})", R"({"comment": 5})", R"([])",
+                                R"({"timeRaise": "2024-05-01T06:00:00Z"})"})
+        EXPECT_EQ(server.send("POST", "/api/events/1/confirm", json::parse(refused)).status, 400U);
+    EXPECT_FALSE(alarmOf("Filler").contains("confirmation")) << "nothing was sent";
+
+    act(filler, R"([{"do": "fail", "call": "Confirm", "hresult": "0x80004005"}])");
+    EXPECT_NE(confirm(seen, {}).json().at("result"), 0);
+    EXPECT_EQ(next(stream, "confirmation").at("confirmation").at("state"), "requested");
+    const json::value failed = next(stream, "confirmation").at("confirmation");
+    EXPECT_EQ(failed.at("state"), "failed");
+    EXPECT_NE(failed.at("text"), "");
+
+    act(filler, R"({"do": "hold"})");
+    const json::object again{{"timeRaised", seen.at("timeRaised")}, {"comment", "on my way"}};
+    EXPECT_EQ(confirm(seen, again).json().at("result"), 0);
+    EXPECT_TRUE(isConfirmation("Filler", "accepted")) << "it can be asked for again";
+    EXPECT_TRUE(isConfirmation("Filler", "unanswered")) << "the logger keeps silent";
+    act(filler, R"({"do": "release"})");
+    EXPECT_TRUE(isConfirmation("Filler", "confirmed")) << "late, but it says so";
+    const json::value confirmed = alarmOf("Filler").at("confirmation");
+    EXPECT_EQ(confirmed.at("by"), "127.0.0.1");
+    EXPECT_EQ(confirmed.at("comment"), "on my way");
+
+    const json::object jam = alarmOf("Packer");
+    const json::value many{{"events",
+                            {{{"id", jam.at("id")}, {"timeRaised", jam.at("timeRaised")}},
+                             {{"id", seen.at("id")}, {"timeRaised", "2024-05-01T06:00:00Z"}},
+                             {{"id", 999}},
+                             {{"id", "m1"}}}}};
+    const json::value outcomes = server.send("POST", "/api/confirmations", many).json();
+    std::string statuses;
+    for (const json::value& outcome : outcomes.as_array())
+        statuses += serialize(outcome.at("status")) + " ";
+    EXPECT_EQ(statuses, "200 409 404 400 ");
+    EXPECT_TRUE(isConfirmation("Packer", "confirmed"));
+    const json::value tooMany{{"events", json::array(1001, json::object{{"id", 1}})}};
+    EXPECT_EQ(server.send("POST", "/api/confirmations", tooMany).status, 400U);
+}
+
+TEST_F(Operator, SeesALostTargetSystemAndWhatWasKnownOfItLast) {
+    raise(packer, "jam");
+    ASSERT_TRUE(reaches("target=Packer&state=active", 1));
+    ASSERT_TRUE(isTarget("Packer", "good"));
+    ASSERT_TRUE(isTarget("Nowhere", "lost"));
+    const json::object good = targetOf("Packer");
+    EXPECT_EQ(good.at("address"), json::value(packer));
+    EXPECT_EQ(good.at("import").at("logged"), 1);
+    EXPECT_EQ(good.at("counters").at("activeAlarmsCount"), 1);
+    EXPECT_TRUE(good.contains("lastNotification"));
+    const json::object seen = alarmOf("Packer");
+
+    act(packer, R"([{"do": "refuse", "hresult": "0x98110007"}, {"do": "drop"}])");
+    ASSERT_TRUE(isTarget("Packer", "lost"));
+    EXPECT_NE(targetOf("Packer").at("error").at("text"), "");
+    ASSERT_TRUE(reaches("target=Packer&kind=alarm", 0));
+    const json::object lost = alarmOf("Packer");
+    EXPECT_EQ(lost.at("id"), seen.at("id"));
+    EXPECT_TRUE(lost.contains("lastKnownSince"));
+    EXPECT_EQ(confirm(seen, {}).status, 409U);
+    const json::array gaps = server.events("target=Packer&lastKnown=1&gaps=1&order=priority");
+    ASSERT_EQ(gaps.size(), 3U);
+    EXPECT_EQ(gaps[0].at("id"), seen.at("id"));
+    EXPECT_EQ(gaps[1].at("kind"), "gap");
+    EXPECT_EQ(gaps[1].at("reason"), "disconnected");
+    EXPECT_TRUE(gaps[1].at("to").is_null());
+
+    act(packer, R"([{"do": "clear", "alarm": "jam"}, {"do": "accept"}])");
+    ASSERT_TRUE(isTarget("Packer", "good"));
+    EXPECT_TRUE(reaches("target=Packer&state=active&lastKnown=1", 0)) << "the import tells the end";
+    EXPECT_FALSE(server.events("target=Packer&gaps=1&limit=1").at(0).at("to").is_null());
+}
+
+TEST_F(Operator, OrdersAndFollows) {
+    EXPECT_EQ(server.get("/api/stream?types=nonsense").status / 100, 4U);
+    StreamClient all(server.port());
+    StreamClient few(server.port(), {}, "/api/stream?types=message");
+    raise(filler, "low");
+    act(filler, R"({"do": "message", "class": "{00000001-0000-0000-0000-00000000ABCD}",
+                    "event": 2})");
+    std::int64_t sequence = 0;
+    std::string types;
+    while (types.find("message alive") == std::string::npos) {
+        const auto line = all.next();
+        ASSERT_TRUE(line) << types;
+        EXPECT_TRUE(sequence == 0 || line->at("seq") == sequence + 1) << serialize(*line);
+        sequence = line->at("seq").as_int64();
+        if (line->at("type") == "message" || line->at("type") == "alive")
+            types.append(line->at("type").as_string()).append(" ");
+    }
+    std::optional<json::value> line = few.next();
+    ASSERT_TRUE(line);
+    while (line->at("type") == "alive")
+        line = few.next();
+    EXPECT_EQ(line->at("type"), "message");
+
+    EXPECT_EQ(server.events("target=Filler").at(0).at("kind"), "message");
+    EXPECT_EQ(server.events("target=Filler&order=priority").at(0).at("kind"), "alarm");
+    EXPECT_EQ(countOf("target=Filler&from=2024-05-01T07:00:00.5Z&to=2024-05-01T07:00:00.5Z"), 1U);
+    EXPECT_EQ(countOf("target=Filler&to=2024-05-01T06:59:59Z"), 1U);
+    for (const char* refused : {"order=age", "from=yesterday", "to=2024-02-30T00:00:00Z", "gaps=2"})
+        EXPECT_EQ(server.get(std::string("/api/events?") + refused).status, 400U) << refused;
+}
+
+}  // namespace
