@@ -4,6 +4,10 @@
 
 #include <boost/nowide/args.hpp>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 #include "server/Application.h"
 #include "server/Options.h"
 #include "server/StartError.h"
@@ -34,6 +38,11 @@ int main(int argc, char** argv) {
     const boost::nowide::args utf8(argc, argv);
 #ifdef SIGPIPE
     std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone is an error of one write
+#endif
+#ifdef __GLIBC__
+    // Large blocks go back to the system when they are freed, instead of in pieces to later ones.
+    mallopt(M_MMAP_THRESHOLD, 256 << 10);
+    mallopt(M_ARENA_MAX, 4);
 #endif
     try {
         return run(argc, argv);

@@ -33,11 +33,17 @@ Response localizationError(ErrorValue result) {
 }  // namespace
 
 void EventsResource::addRoutes(Router& router) {
-    const auto ifLocalized = [](const Request& request, Place place) {
-        return request.target.query.find("locale") ? std::move(place) : Place{Lane::local};
+    const auto ifLocalized = [](const Request& request, Place place,
+                                Lane otherwise = Lane::local) {
+        return request.target.query.find("locale") ? std::move(place) : Place{otherwise};
     };
     router.add(
-        Method::get, "/api/events", [=](const Request& r) { return ifLocalized(r, {Lane::lists}); },
+        Method::get, "/api/events",
+        [=](const Request& r) {
+            constexpr std::uint64_t usual = 1000;  // events at a time
+            const bool isLong = r.target.query.number("limit", 0) > usual;
+            return ifLocalized(r, {Lane::lists}, isLong ? Lane::longLists : Lane::local);
+        },
         [this](const Request& r) { return list(r); });
     router.add(
         Method::get, "/api/events/*",

@@ -9,6 +9,7 @@ namespace hmi {
 enum class Lane : std::uint8_t {
     local,          ///< never waits for the extension
     lists,          ///< waits for texts, but not for long
+    longLists,      ///< waits for nothing, but takes time and memory
     confirmations,  ///< from here on: calls of the extension, as long as they take
     commands,
     configuration,  ///< one at a time for each entry

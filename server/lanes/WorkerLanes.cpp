@@ -6,8 +6,9 @@ namespace hmi {
 
 namespace {
 
-constexpr std::array<std::string_view, 7> labels{
-    "local", "lists", "confirmations", "commands", "configuration", "details", "texts"};
+constexpr std::array<std::string_view, 8> labels{
+    "local",    "lists",         "long_lists", "confirmations",
+    "commands", "configuration", "details",    "texts"};
 
 bool callsExtension(std::size_t lane) {
     return lane >= static_cast<std::size_t>(Lane::confirmations);
