@@ -69,11 +69,11 @@ ConfirmationOutcome ConfirmationService::begin(const ConfirmationWish& wish,
         seen = record;
         // What the logger has confirmed stays with whom it was confirmed for.
         if (event.unconfirmed)
-            record->confirmation = std::make_shared<Confirmation>(
-                Confirmation{.number = number,
-                             .by = asker.by,
-                             .at = ZrHmiSrv::Timestamp::now(),
-                             .comment = asker.comment});
+            record->confirmation =
+                std::make_shared<Confirmation>(Confirmation{.number = number,
+                                                            .by = asker.by,
+                                                            .at = ZrHmiSrv::Timestamp::now(),
+                                                            .comment = asker.comment});
         return event.unconfirmed ? record : nullptr;
     };
     EventRecordPtr held = book.modify(wish.id, ChangeType::confirmation, request);
