@@ -45,13 +45,12 @@ Application::Application(const Options& given)
           backend.events, metrics,
           [this](const ZrHmiSrv::Alarm& alarm) { return backend.calls.confirm(alarm); },
           [this] { return backend.timeout() + std::chrono::seconds(5); }),
-      targetWatch(targets, backend.events, feed,
-                  {[this] { return backend.calls.diagnostics(); },
-                   [this] { return backend.addresses(); }}),
+      targetWatch(
+          targets, backend.events, feed,
+          {[this] { return backend.calls.diagnostics(); }, [this] { return backend.addresses(); }}),
       access(OriginPolicy(options.allowedHosts), options.users),
       dispatcher(router, lanes, metrics),
-      server(io.context(),
-             {options.address, options.port, options.certificate, options.key},
+      server(io.context(), {options.address, options.port, options.certificate, options.key},
              {access, dispatcher, audit, hub}) {
     expectAllowedAddress(options);
     feed.add("targets", targets);

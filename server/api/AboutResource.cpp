@@ -20,8 +20,9 @@ Response description() {
 }  // namespace
 
 void AboutResource::addRoutes(Router& router) {
-    router.add(Method::get, "/healthz",
-               [](const Request&) { return Response::json({{"status", "alive"}}); });
+    router.add(Method::get, "/healthz", [](const Request&) {
+        return Response::json({{"status", "alive"}});
+    });
     router.add(Method::get, "/readyz", [this](const Request&) {
         return ready ? Response::json({{"status", "ready"}})
                      : Response::error(503, "the extension has not started");

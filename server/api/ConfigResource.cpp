@@ -68,7 +68,8 @@ Response ConfigResource::change(const Request& request, std::optional<json::valu
             store.change(path, std::move(value), [&] { return tell(path, deleted); });
         const ResultPair& answer = change.answer;
         if (answer.succeeded() && !change.notKept.empty())
-            return Response::json({{"result", 0}, {"warning", toJson(std::string_view(change.notKept))}});
+            return Response::json(
+                {{"result", 0}, {"warning", toJson(std::string_view(change.notKept))}});
         if (answer.succeeded())
             return Response::json({{"result", 0}});
         const auto reason = answer.text().view();

@@ -87,8 +87,7 @@ std::string nameOf(const Request& request) {
 ConfirmationBody ConfirmationBody::ofOne(const Request& request, EventId id) {
     const json::value body = parsed(request.body);
     const json::value none = json::object();
-    const json::object& fields =
-        objectOf(body.is_null() ? none : body, {"timeRaised", "comment"});
+    const json::object& fields = objectOf(body.is_null() ? none : body, {"timeRaised", "comment"});
     return {{{id, timeRaisedOf(fields)}}, {nameOf(request), commentOf(fields)}};
 }
 

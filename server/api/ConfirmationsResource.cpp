@@ -86,8 +86,8 @@ Response ConfirmationsResource::many(const Request& request) {
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
         json::object answer = answerOf(outcomes[i]);
         const EventId id = body->wishes[i].id;
-        answer.emplace("id", id.kind == EventKind::alarm ? json::value(id.number)
-                                                         : json::value(id.text()));
+        answer.emplace(
+            "id", id.kind == EventKind::alarm ? json::value(id.number) : json::value(id.text()));
         answer.emplace("status", outcomes[i].status);
         answers.push_back(std::move(answer));
     }

@@ -72,9 +72,8 @@ bool containsText(const EventRecord& event, std::string_view lower) {
 }  // namespace
 
 EventSearch::EventSearch(const Query& query) {
-    query.allowOnly(
-        {"target", "kind", "state", "severity", "text", "locale", "offset", "limit", "wait",
-         "order", "from", "to", "lastKnown", "gaps"});
+    query.allowOnly({"target", "kind", "state", "severity", "text", "locale", "offset", "limit",
+                     "wait", "order", "from", "to", "lastKnown", "gaps"});
     if (const std::string* const target = query.find("target"))
         filter.target = *target;
     filter.kind = choice<EventKind>(query, "kind",
@@ -83,10 +82,10 @@ EventSearch::EventSearch(const Query& query) {
                                       {{"active", EventState::active},
                                        {"cleared", EventState::cleared},
                                        {"unconfirmed", EventState::unconfirmed}});
-    filter.order = choice<EventOrder>(
-                       query, "order",
-                       {{"time", EventOrder::time}, {"priority", EventOrder::priority}})
-                       .value_or(EventOrder::time);
+    filter.order =
+        choice<EventOrder>(query, "order",
+                           {{"time", EventOrder::time}, {"priority", EventOrder::priority}})
+            .value_or(EventOrder::time);
     filter.from = timeOf(query, "from");
     filter.to = timeOf(query, "to");
     filter.lastKnown = isWanted(query, "lastKnown");

@@ -16,7 +16,7 @@ class EventSearch {
 public:
     struct Hit {
         EventRecordPtr event;  ///< null for a gap
-        TextsPtr texts;  ///< null without a locale, and when they are not known
+        TextsPtr texts;        ///< null without a locale, and when they are not known
         GapPtr gap = {};
     };
     struct Result {

@@ -42,7 +42,9 @@ ConfirmationOutcome ConfirmationService::confirm(const ConfirmationWish& wish,
     ConfirmationOutcome begun = begin(wish, asker, number);
     if (begun.status != 200)
         return begun;
+    const auto start = std::chrono::steady_clock::now();
     const auto answer = ask(*begun.current->alarm());
+    metrics.observeConfirmation(std::chrono::steady_clock::now() - start);
     settle(wish.id, number, answer.value_or(noConfirmations));
     if (!answer)
         return {503, {}, std::string(noConfirmations.text().view())};
@@ -69,11 +71,11 @@ ConfirmationOutcome ConfirmationService::begin(const ConfirmationWish& wish,
         seen = record;
         // What the logger has confirmed stays with whom it was confirmed for.
         if (event.unconfirmed)
-            record->confirmation = std::make_shared<Confirmation>(
-                Confirmation{.number = number,
-                             .by = asker.by,
-                             .at = ZrHmiSrv::Timestamp::now(),
-                             .comment = asker.comment});
+            record->confirmation =
+                std::make_shared<Confirmation>(Confirmation{.number = number,
+                                                            .by = asker.by,
+                                                            .at = ZrHmiSrv::Timestamp::now(),
+                                                            .comment = asker.comment});
         return event.unconfirmed ? record : nullptr;
     };
     EventRecordPtr held = book.modify(wish.id, ChangeType::confirmation, request);

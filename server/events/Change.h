@@ -43,8 +43,8 @@ struct TargetStatus;
 struct Gap;
 
 /// Something that happened to the events or the log. `event` is there for a single event, `entry`
-/// for the log, `target` and `gap` for theirs. A reset with a replacement: the target system has these events and no others; one
-/// without: all target systems have handed over theirs.
+/// for the log, `target` and `gap` for theirs. A reset with a replacement: the target system has
+/// these events and no others; one without: all target systems have handed over theirs.
 struct Change {
     ChangeType type;
     EventRecordPtr event = {};

@@ -22,8 +22,8 @@ EventRecordPtr changed(const EventStore& store, const Alarm& alarm, bool ended) 
     const EventRecordPtr held = store.find({EventKind::alarm, alarm.id()});
     if (!held)
         return nullptr;
-    const auto record = std::make_shared<EventRecord>(
-        EventContent{alarm, {}}, held->position.arrival, ended || held->ended);
+    const auto record = std::make_shared<EventRecord>(EventContent{alarm, {}},
+                                                      held->position.arrival, ended || held->ended);
     record->confirmation = confirmationOf(*record, *held);
     return record;
 }
@@ -255,9 +255,8 @@ EventPage EventBook::select(const EventFilter& filter, std::size_t offset,
     const PageWindow window(offset, limit, lost.events.size());
     const EventPage page = current.select(filter, window.first, window.size);
     return {page.total + lost.total,
-            window.merge(page.events, lost.events, [&](const auto& a, const auto& b) {
-                return filter.isBefore(*a, *b);
-            })};
+            window.merge(page.events, lost.events,
+                         [&](const auto& a, const auto& b) { return filter.isBefore(*a, *b); })};
 }
 
 std::map<std::string, TargetCounts> EventBook::countsByTarget() const {

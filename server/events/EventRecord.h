@@ -57,7 +57,7 @@ struct EventRecord {
     EventLife life;
     bool unconfirmed;
     std::uint32_t severity;
-    std::uint64_t priority;  ///< what an operator has to look at first has the smallest
+    std::uint64_t priority;   ///< what an operator has to look at first has the smallest
     std::string target;       ///< as `targetOf` tells it
     std::size_t payloadHash;  ///< equal for equal parameters
     std::size_t

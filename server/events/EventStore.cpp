@@ -190,9 +190,8 @@ EventPage EventStore::selectByPriority(const EventFilter& filter, std::size_t of
         return events.begin() + static_cast<std::ptrdiff_t>(std::min(index, events.size()));
     };
     const auto last = at(offset + std::min(limit, page.total));
-    std::partial_sort(events.begin(), last, events.end(), [&](const auto& a, const auto& b) {
-        return filter.isBefore(*a, *b);
-    });
+    std::partial_sort(events.begin(), last, events.end(),
+                      [&](const auto& a, const auto& b) { return filter.isBefore(*a, *b); });
     events.erase(last, events.end());
     events.erase(events.begin(), at(offset));
     return page;

@@ -9,7 +9,8 @@ using ZrHmiSrv::Value;
 namespace {
 
 bool isUnchanged(const EventRecord& known, const EventRecord& handedOver) {
-    return !known.lastKnownSince.isset() && known.life == handedOver.life && known.position.time == handedOver.position.time &&
+    return !known.lastKnownSince.isset() && known.life == handedOver.life &&
+           known.position.time == handedOver.position.time &&
            Value(known.event()) == Value(handedOver.event());
 }
 
@@ -31,8 +32,7 @@ EventRecordPtr KnownEvents::meet(EventContent content, std::uint64_t arrival) {
         return handedOver;
     if (isUnchanged(*known, *handedOver))
         return known;
-    const auto record =
-        std::make_shared<EventRecord>(handedOver->content, known->position.arrival);
+    const auto record = std::make_shared<EventRecord>(handedOver->content, known->position.arrival);
     record->confirmation = confirmationOf(*record, *known);
     return record;
 }

@@ -14,8 +14,8 @@ using ZrHmiSrv::Message;
 
 namespace {
 
-constexpr const char* typeNames[] = {"raised",    "updated", "removed", "message",
-                                     "forgotten", "reset",   "log",     "texts",
+constexpr const char* typeNames[] = {"raised",       "updated", "removed", "message",
+                                     "forgotten",    "reset",   "log",     "texts",
                                      "confirmation", "target",  "gap",     "alive"};
 
 json::value idOf(EventId id, const json::storage_ptr& storage) {

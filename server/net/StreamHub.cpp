@@ -40,8 +40,9 @@ void StreamHub::join(std::shared_ptr<IStreamClient> client, StreamTypes types) {
 }
 
 void StreamHub::leave(const IStreamClient* client) {
-    const auto found = std::find_if(clients.begin(), clients.end(),
-                                    [&](const auto& joined) { return joined.first.get() == client; });
+    const auto found = std::find_if(clients.begin(), clients.end(), [&](const auto& joined) {
+        return joined.first.get() == client;
+    });
     if (found == clients.end())
         return;
     clients.erase(found);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <deque>
-#include <memory>
 #include <map>
+#include <memory>
 #include <string>
 
 #include <boost/asio/io_context.hpp>

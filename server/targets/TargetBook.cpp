@@ -119,10 +119,10 @@ void TargetBook::onConnected(Entry& entry) {
 void TargetBook::onImported(Entry& entry, const Value& parameters) {
     const Timestamp now = Timestamp::now();
     TargetStatus& status = entry.status;
-    status.import = TargetImport{
-        countOf(parameters, "1"), now, numberOf(parameters, "6"), countOf(parameters, "2"),
-        countOf(parameters, "3"), countOf(parameters, "4"), countOf(parameters, "5"),
-        countOf(parameters, "7")};
+    status.import = TargetImport{countOf(parameters, "1"),  now,
+                                 numberOf(parameters, "6"), countOf(parameters, "2"),
+                                 countOf(parameters, "3"),  countOf(parameters, "4"),
+                                 countOf(parameters, "5"),  countOf(parameters, "7")};
     status.rejected += status.import->rejected;
     status.error.reset();
     entry.doubts = 0;
@@ -187,7 +187,7 @@ TargetBook::Versions TargetBook::versions() const {
 }
 
 std::vector<std::string> TargetBook::observe(const Value& diagnostics, const Versions& before,
-                         const std::map<std::string, std::string>& addresses) {
+                                             const std::map<std::string, std::string>& addresses) {
     std::vector<std::string> well;
     Lock lock(mutex);
     for (const auto& [name, version] : before) {

@@ -28,7 +28,7 @@ public:
     /// system since then is newer than they are. Those of its names that have vanished go. Answers
     /// those that may have been lost and turn out to be well.
     std::vector<std::string> observe(const ZrHmiSrv::Value& diagnostics, const Versions& before,
-                 const std::map<std::string, std::string>& addresses);
+                                     const std::map<std::string, std::string>& addresses);
 
     /// Whether what it hands over is what its logger holds. True for one that nothing is known of.
     bool isImported(const std::string& target) const;
@@ -45,7 +45,7 @@ private:
     struct Entry {
         TargetStatus status;
         std::uint64_t version = 0;
-        Time wellAt = {};       ///< when it was seen to be good for the last time
+        Time wellAt = {};     ///< when it was seen to be good for the last time
         int doubts = 0;       ///< it has failed: so many looks it takes to know whether it is lost
         bool changed = true;  ///< readers have not been told
     };

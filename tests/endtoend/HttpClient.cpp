@@ -3,6 +3,7 @@
 #include <chrono>
 #include <sstream>
 #include <stdexcept>
+#include <zlib.h>
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -12,7 +13,6 @@
 #include <boost/beast/http.hpp>
 #include <boost/beast/websocket.hpp>
 #include <boost/json/parse.hpp>
-#include <zlib.h>
 
 namespace asio = boost::asio;
 namespace beast = boost::beast;

@@ -54,12 +54,14 @@ protected:
                        alarm + "\"}");
     }
 
-    boost::json::value simulated(const std::string& netId) { return server.get("/sim/" + netId).json(); }
+    boost::json::value simulated(const std::string& netId) {
+        return server.get("/sim/" + netId).json();
+    }
 
     /// The event of the stream's next line of this type; what passes by is of no event's content.
     boost::json::value next(StreamClient& stream, const char* type) {
-        static const std::set<std::string_view> passing{"log",    "confirmation", "target",
-                                                        "gap",    "alive"};
+        static const std::set<std::string_view> passing{"log", "confirmation", "target", "gap",
+                                                        "alive"};
         while (const auto line = stream.next()) {
             if (line->at("type") == type)
                 return line->at("event");

@@ -108,8 +108,9 @@ TEST_F(Scenario, ALongListComesWhole) {
         << "as many as the limit lets stay";
     act(packer, R"({"do": "drop"})");
     EXPECT_EQ(server.send("PUT", "/api/config/LIMIT_EVENT_COUNT", 5000).status, 200U);
-    EXPECT_EQ(server.send("PUT", "/api/config/TARGET_SYSTEMS::Second",
-                          {{"ADDRESS", filler}, {"ENABLED", true}})
+    EXPECT_EQ(server
+                  .send("PUT", "/api/config/TARGET_SYSTEMS::Second",
+                        {{"ADDRESS", filler}, {"ENABLED", true}})
                   .status,
               200U);
     ASSERT_TRUE(reaches("limit=100000&target=Second", 3001));

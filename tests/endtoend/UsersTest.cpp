@@ -148,10 +148,9 @@ TEST_F(UsersTest, WithoutARightNothingHappens) {
     EXPECT_NO_THROW(StreamClient(server.port(), as("view")));
     EXPECT_EQ(server.stop(), 0);
     const std::string log = server.errors();
-    EXPECT_THAT(log, testing::HasSubstr("audit: user=view peer=127.0.0.1 POST /api/events/" + alarm +
-                                        "/confirm -> 403"));
-    EXPECT_THAT(log, testing::HasSubstr("audit: user=confirm peer=127.0.0.1 POST /api/events/" +
-                                        alarm + "/confirm -> 200"));
+    const std::string path = "POST /api/events/" + alarm + "/confirm {\"comment\":\"on my way\"}";
+    EXPECT_THAT(log, testing::HasSubstr("audit: user=view peer=127.0.0.1 " + path + " -> 403"));
+    EXPECT_THAT(log, testing::HasSubstr("audit: user=confirm peer=127.0.0.1 " + path + " -> 200"));
     EXPECT_THAT(log, testing::HasSubstr("audit: sign-in refused user=nobody peer=127.0.0.1"));
     for (const char* secret : {"secret", "wrong\"", "argon2", "Basic", "hmi-session"})
         EXPECT_THAT(log, testing::Not(testing::HasSubstr(secret)));

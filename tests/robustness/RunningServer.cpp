@@ -90,7 +90,8 @@ RunningServer::RunningServer()
 
 RunningServer::RunningServer(const std::vector<ConfiguredTarget>& targets, const char* timeout)
     : configurationFile(writeConfiguration(targets, timeout)),
-      backend(configurationFile, context, changes, metrics) {
+      backend(configurationFile, context, changes, metrics,
+              [](const std::string&) { return true; }) {
     hmi::configureLog(hmi::LogLevel::off, hmi::LogFormat::text);
     backend.start(extensionFile());
 }

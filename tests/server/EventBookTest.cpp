@@ -196,7 +196,8 @@ TEST(EventBook, AlarmsOfALostTargetSystemAreKeptAsideUntilItIsImported) {
     book.replaceTarget("A", back, true);
     EXPECT_THAT(ids(0, 9), ElementsAre(6, 5, 4, 3, 2)) << "1 is gone for certain";
     const EventRecordPtr three = book.find({EventKind::alarm, 3});
-    EXPECT_EQ(three->confirmation->state, ConfirmationState::confirmed) << "what was asked is known";
+    EXPECT_EQ(three->confirmation->state, ConfirmationState::confirmed)
+        << "what was asked is known";
     EXPECT_FALSE(three->lastKnownSince.isset());
     book.raise(alarm(3, "A", 30));
     EXPECT_FALSE(book.find({EventKind::alarm, 3})->confirmation) << "another occurrence";
