@@ -25,12 +25,19 @@ std::uint64_t ticksOf(FILETIME time) {
     return (std::uint64_t{time.dwHighDateTime} << 32) | std::uint64_t{time.dwLowDateTime};
 }
 
-const Text alarmName("ZREVENTLOGGER_ALARM");
-const Text messageName("ZREVENTLOGGER_MESSAGE");
+const Text& alarmName() {
+    static const Text name("ZREVENTLOGGER_ALARM");
+    return name;
+}
+
+const Text& messageName() {
+    static const Text name("ZREVENTLOGGER_MESSAGE");
+    return name;
+}
 
 template <class Source>
 void setCommon(Alarm& alarm, Source& source, FILETIME raised, const EventContext& context) {
-    alarm.set_name(alarmName);
+    alarm.set_name(alarmName());
     alarm.set_domain(context.domain);
     alarm.set_severity(mapSeverity(context.read(source, &IZrEvent::get_Severity)));
     alarm.set_time_raised(toTimestamp(raised));
@@ -40,7 +47,7 @@ void setCommon(Alarm& alarm, Source& source, FILETIME raised, const EventContext
 
 template <class Source>
 void setCommon(Message& message, Source& source, const EventContext& context) {
-    message.set_name(messageName);
+    message.set_name(messageName());
     message.set_domain(context.domain);
     message.set_severity(mapSeverity(context.read(source, &IZrEvent::get_Severity)));
     message.set_time_raised(toTimestamp(context.read(source, &IZrEvent::get_TimeRaised)));

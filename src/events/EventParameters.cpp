@@ -26,18 +26,10 @@ using ZrHmiSrv::ValueType;
 
 namespace ZrHmiEventLogger {
 
-namespace keys {
-const Text targetName("targetName");
-const Text eventClass("eventClass");
-const Text eventId("eventId");
-const Text sourceId("sourceId");
-const Text sourceName("sourceName");
-const Text sourceGuid("sourceGuid");
-const Text jsonAttribute("jsonAttribute");
-const Text numArguments("numArguments");
-const Text types("types");
-const Text data("data");
-}  // namespace keys
+const ParameterKeys& keys() {
+    static const ParameterKeys all;
+    return all;
+}
 
 namespace {
 
@@ -100,8 +92,8 @@ bool isWellFormed(const ArgumentBlockLayout& layout) {
 
 [[noreturn]] void refuse(const Value& parameters) {
     throw MalformedEvent(
-        parameters.lookup(keys::eventClass.view())->get_string(),
-        static_cast<std::uint32_t>(static_cast<double>(*parameters.lookup(keys::eventId.view()))));
+        parameters.lookup(keys().eventClass.view())->get_string(),
+        static_cast<std::uint32_t>(static_cast<double>(*parameters.lookup(keys().eventId.view()))));
 }
 
 /// `parameters`: what is known so far of the event whose arguments they are.
@@ -125,9 +117,9 @@ void addBlock(const EventContext& context, Value& parameters, IZrEventArguments&
     check(arguments.GetBlock(reinterpret_cast<BYTE*>(block.data()),
                              static_cast<ULONG>(block.size())));
     const std::span<const std::byte> bytes(block);
-    parameters.insert(keys::types,
+    parameters.insert(keys().types,
                       Binary(bytes.subspan(part(layout.typesOffset), part(layout.typesSize))));
-    parameters.insert(keys::data,
+    parameters.insert(keys().data,
                       Binary(bytes.subspan(part(layout.dataOffset), part(layout.dataSize))));
 }
 
@@ -135,7 +127,7 @@ void addBlock(const EventContext& context, Value& parameters, IZrEventArguments&
 template <class LiveEvent>
 void addArguments(const EventContext& context, Value& parameters, LiveEvent& source) {
     const ULONG count = context.read(source, &LiveEvent::get_ArgumentCount);
-    parameters.insert(keys::numArguments, static_cast<double>(count));
+    parameters.insert(keys().numArguments, static_cast<double>(count));
     const auto arguments = context.query<IZrEventArguments>(source);
     if (!arguments)
         return;
@@ -149,11 +141,11 @@ void addArguments(const EventContext& context, Value& parameters, LiveEvent& sou
 void addArguments(const EventContext& context, Value& parameters, IZrLoggedEvent& source) {
     const auto arguments = attribute<IZrEventArguments>(context, source);
     if (!arguments) {
-        parameters.insert(keys::numArguments, 0);
+        parameters.insert(keys().numArguments, 0);
         return;
     }
     const ArgumentBlockLayout layout = readLayout(context, parameters, *arguments);
-    parameters.insert(keys::numArguments, static_cast<double>(layout.count));
+    parameters.insert(keys().numArguments, static_cast<double>(layout.count));
     addBlock(context, parameters, *arguments, layout);
 }
 
@@ -161,20 +153,20 @@ template <class Source>
 Value parametersOf(const EventContext& context, Source& source) {
     Value parameters(ValueType::structure);
     parameters.reserve(parameterCount);
-    parameters.insert(keys::targetName, context.targetName);
-    parameters.insert(keys::eventClass, classText(context.read(source, &IZrEvent::get_EventClass)));
-    parameters.insert(keys::eventId,
+    parameters.insert(keys().targetName, context.targetName);
+    parameters.insert(keys().eventClass, classText(context.read(source, &IZrEvent::get_EventClass)));
+    parameters.insert(keys().eventId,
                       static_cast<double>(context.read(source, &IZrEvent::get_EventId)));
     const EventSource origin(context, source);
     if (origin.id)
-        parameters.insert(keys::sourceId, static_cast<double>(*origin.id));
+        parameters.insert(keys().sourceId, static_cast<double>(*origin.id));
     if (origin.name)
-        parameters.insert(keys::sourceName, Text(*origin.name));
+        parameters.insert(keys().sourceName, Text(*origin.name));
     if (origin.guid)
-        parameters.insert(keys::sourceGuid, Text(*origin.guid));
+        parameters.insert(keys().sourceGuid, Text(*origin.guid));
     if (const auto json = attribute<IZrJsonAttribute>(context, source)) {
         context.proceed();
-        parameters.insert(keys::jsonAttribute,
+        parameters.insert(keys().jsonAttribute,
                           Text(receiveText(&IZrJsonAttribute::get_JsonAttribute, *json)));
     }
     addArguments(context, parameters, source);

@@ -14,17 +14,19 @@ ZrHmiSrv::Value eventParameters(const EventContext& context,
 ZrHmiSrv::Value eventParameters(const EventContext& context,
                                 ZrEventLoggerFnxProxyLib::IZrLoggedEvent& source);
 
-namespace keys {
-extern const ZrHmiSrv::Text targetName;
-extern const ZrHmiSrv::Text eventClass;
-extern const ZrHmiSrv::Text eventId;
-extern const ZrHmiSrv::Text sourceId;
-extern const ZrHmiSrv::Text sourceName;
-extern const ZrHmiSrv::Text sourceGuid;
-extern const ZrHmiSrv::Text jsonAttribute;
-extern const ZrHmiSrv::Text numArguments;
-extern const ZrHmiSrv::Text types;
-extern const ZrHmiSrv::Text data;
-}  // namespace keys
+/// Made at first use: nothing of the host's library may be called while ours is being loaded.
+struct ParameterKeys {
+    ZrHmiSrv::Text targetName{"targetName"};
+    ZrHmiSrv::Text eventClass{"eventClass"};
+    ZrHmiSrv::Text eventId{"eventId"};
+    ZrHmiSrv::Text sourceId{"sourceId"};
+    ZrHmiSrv::Text sourceName{"sourceName"};
+    ZrHmiSrv::Text sourceGuid{"sourceGuid"};
+    ZrHmiSrv::Text jsonAttribute{"jsonAttribute"};
+    ZrHmiSrv::Text numArguments{"numArguments"};
+    ZrHmiSrv::Text types{"types"};
+    ZrHmiSrv::Text data{"data"};
+};
+const ParameterKeys& keys();
 
 }  // namespace ZrHmiEventLogger

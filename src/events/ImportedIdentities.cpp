@@ -36,8 +36,8 @@ void combine(std::size_t& seed, const Value* value) {
 
 ImportedIdentities::MessageIdentity ImportedIdentities::identityOf(const Message& message) {
     std::size_t digest = 0;
-    for (const auto* key : {&keys::eventClass, &keys::eventId, &keys::sourceId, &keys::sourceName,
-                            &keys::sourceGuid, &keys::numArguments, &keys::types, &keys::data})
+    for (const auto* key : {&keys().eventClass, &keys().eventId, &keys().sourceId, &keys().sourceName,
+                            &keys().sourceGuid, &keys().numArguments, &keys().types, &keys().data})
         combine(digest, message.parameters().lookup(key->view()));
     return {message.time_raised().nanoseconds(), digest};
 }

@@ -13,7 +13,7 @@ namespace ZrHmiEventLogger {
 
 ResultPair ZrHmiEventLogger::confirm_alarm(const Context&, const Alarm& alarm) {
     try {
-        const Value* name = alarm.payload().lookup(keys::targetName.view());
+        const Value* name = alarm.payload().lookup(keys().targetName.view());
         const auto target = name ? targetSystems.find(name->get_text().view()) : nullptr;
         if (!target)
             return {ErrorValue::unknown_target_system, "TARGET_NOT_FOUND"};

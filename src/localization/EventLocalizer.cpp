@@ -42,13 +42,13 @@ const Value& parameter(const Value& parameters, const Text& key) {
 
 /// A class that is no GUID is the all-zero one.
 EventReference readEvent(const Value& parameters) {
-    const auto eventId = static_cast<unsigned long long>(parameter(parameters, keys::eventId));
+    const auto eventId = static_cast<unsigned long long>(parameter(parameters, keys().eventId));
     constexpr unsigned long long maxEventId = std::numeric_limits<ULONG>::max();
-    return {ZrAtlCom::parseGuid(parameter(parameters, keys::eventClass).get_text().view()),
+    return {ZrAtlCom::parseGuid(parameter(parameters, keys().eventClass).get_text().view()),
             static_cast<ULONG>(std::min(eventId, maxEventId)),
-            parameter(parameters, keys::sourceName).get_text(),
-            parameter(parameters, keys::types).get_binary(),
-            parameter(parameters, keys::data).get_binary()};
+            parameter(parameters, keys().sourceName).get_text(),
+            parameter(parameters, keys().types).get_binary(),
+            parameter(parameters, keys().data).get_binary()};
 }
 
 /// The first look-up that fails is the answer.
@@ -98,7 +98,7 @@ ResultPair EventLocalizer::localize(const char* locale, ILocalizable& item,
 
     Value& parameters = item.parameters();
     LocalizedTexts texts;
-    if (const Value* targetName = std::as_const(parameters).lookup(keys::targetName.view())) {
+    if (const Value* targetName = std::as_const(parameters).lookup(keys().targetName.view())) {
         const auto lookup = findTexts(targetName->get_text().view());
         if (!lookup)
             return {ErrorValue::unknown_target_system, "TARGET_NOT_FOUND"};
