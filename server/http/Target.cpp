@@ -18,8 +18,17 @@ namespace urls = boost::urls;
 namespace {
 
 /// Clients send texts of other languages, brackets and the like as they are, though they should not.
+/// What is encoded already stays as it is.
 std::string encodeRest(std::string_view text) {
-    return urls::encode(text, urls::pchars + '/' + '?' + '%');
+    std::string encoded;
+    for (;;) {
+        const std::size_t percent = std::min(text.find('%'), text.size());
+        encoded += urls::encode(text.substr(0, percent), urls::pchars + '/' + '?');
+        if (percent == text.size())
+            return encoded;
+        encoded += '%';
+        text.remove_prefix(percent + 1);
+    }
 }
 
 std::string decode(urls::pct_string_view text, bool plusIsSpace) {
