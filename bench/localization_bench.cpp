@@ -59,7 +59,7 @@ public:
         ZrSimulatorFree(answer);
         if (!loaded || FAILED(connection.create()))
             std::abort();
-        connection.connect(netId, false);
+        connection.connect(netId, false, context);
         connection.setState({true, S_OK});
     }
     ~Target() { ZrSimulatorShutdown(); }

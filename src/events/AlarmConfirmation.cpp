@@ -24,7 +24,9 @@ HRESULT AlarmConfirmation::confirm(int hostId) noexcept {
 HRESULT AlarmConfirmation::call(const EventStore::AlarmPointer& alarm) {
     Lock lock(confirmMutex);
     context.proceed();
-    return ZrAtlCom::check(alarm->get()->Confirm());
+    const HRESULT hr = alarm->get()->Confirm();
+    lock.unlock();
+    return ZrAtlCom::check(hr);
 }
 
 /// Of the exception that is being handled.

@@ -86,8 +86,10 @@ ChangedAlarms::Container::Entry* ChangedAlarms::find(const Container& events,
                                                      const Change& change) const {
     if (auto* entry = events.findByPointer(change.source))
         return entry;
-    if (auto* entry = events.find(change.key))
-        return entry;
+    // Without a number, another live alarm of the same time and place would have the same key.
+    if (change.key.number)
+        if (auto* entry = events.find(change.key))
+            return entry;
     return findUnsettled(events, identities.unsettled(change.key));
 }
 

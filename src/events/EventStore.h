@@ -37,8 +37,8 @@ public:
     /// Held while the events change and the host is told of it, which is one step, and while they
     /// are handed over. Taken after sinkMutex; never held across a call of the proxy. A target
     /// that is retired under it, or was stopped, changes nothing in the host any more: who takes
-    /// it looks at the context first. Recursive for hosts that ask for the events from inside one
-    /// of their slots.
+    /// it looks at the context first. Recursive, so that a host may ask for the events from
+    /// inside a slot that tells of this target.
     RecursiveMutex publishMutex;
 
     /// Runs `apply` on the events; publishes the counters. Answers what left, oldest

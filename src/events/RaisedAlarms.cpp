@@ -40,7 +40,9 @@ std::optional<UnsettledAlarm> RaisedAlarms::findUnsettledAlarm(IZrAlarm& source,
         return std::nullopt;
     if (auto known = identities.unsettled(key))
         return known;
-    return identities.unsettled(alarmInstanceOf(context, source, key));
+    auto former = identities.unsettled(alarmInstanceOf(context, source, key));
+    const bool raisedLater = former && key.timeRaised > former->key.timeRaised;
+    return key.number || raisedLater ? former : std::nullopt;
 }
 
 std::optional<Alarm> RaisedAlarms::findStored(const Raised& raised) const {
@@ -114,7 +116,8 @@ EventStore::Evicted RaisedAlarms::replace(const Raised& raised, const Alarm& ala
 
 void RaisedAlarms::refresh(IZrAlarm& source, bool isRaise) {
     const AlarmKey key = alarmKeyOf(context, source);
-    const Raised raised{source, key, findUnsettledAlarm(source, key)};
+    // Only a raise tells that an alarm was raised again.
+    const Raised raised{source, key, isRaise ? findUnsettledAlarm(source, key) : std::nullopt};
     const auto stored = findStored(raised);
     if (!stored)
         return;
@@ -128,8 +131,12 @@ void RaisedAlarms::refresh(IZrAlarm& source, bool isRaise) {
     auto pointer = store.pin(alarm.id());
     Lock lock(store.publishMutex);
     context.proceed();
-    if (alarm.time_raised() != stored->time_raised())
+    if (alarm.time_raised() != stored->time_raised()) {
+        AlarmKey refreshed = key;
+        refreshed.timeRaised = alarm.time_raised();
+        identities.addAlarm(refreshed);
         return store.forget(replace(raised, alarm, std::move(pointer), former));
+    }
     store.change([&](Container& events) {
         if (auto* entry = find(events, raised))
             former.event = events.replaceEvent(*entry, eventOf(alarm));

@@ -9,7 +9,7 @@
 namespace ZrHmiEventLogger {
 
 /// What becomes of an alarm that is raised. Called with sinkMutex held; throws what the proxy
-/// threw, or Abandoned, having changed nothing.
+/// threw, having changed nothing, or Abandoned.
 class RaisedAlarms {
 public:
     using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;

@@ -15,6 +15,8 @@ ResultPair ZrHmiEventLogger::confirm_alarm(const Context&, const Alarm& alarm) {
     try {
         const Value* name = alarm.payload().lookup(keys().targetName.view());
         const auto target = name ? targetSystems.find(name->get_text().view()) : nullptr;
+        if (!target && stopping)
+            return {ErrorValue::not_connected, "Not connected."};
         if (!target)
             return {ErrorValue::unknown_target_system, "TARGET_NOT_FOUND"};
         return target->confirm(alarm);
@@ -44,7 +46,8 @@ ResultPair ZrHmiEventLogger::provide_events(const Context&, IEventReceiver& rece
             provide(kept.target, false);
         for (const auto& target : std::vector(std::move(busy)))
             provide(target, true);
-        return result;
+        // A target that is leaving has handed over nothing: that is not to be taken for all quiet.
+        return stopping ? ErrorValue::operation_failed : result;
     } catch (...) {
         reportCurrentException(*this, productName());
         return ErrorValue::operation_failed;

@@ -34,6 +34,8 @@ void ZrHmiEventLogger::value_set(ResultPair& result, const Context&, const char*
 
 ResultPair ZrHmiEventLogger::setTargetSystem(const char* path, std::string_view name) {
     const ConfigurationTurns::Turn turn(configurationTurns, std::string(name));
+    if (stopping)
+        return ErrorValue::operation_failed;
     const auto configured = readTargetSystem(Text(name), configuration.read(path));
     if (configured.fault.empty())
         return applyTargetSystem(configured);
@@ -52,20 +54,25 @@ ResultPair ZrHmiEventLogger::applyTargetSystem(const TargetSystemConfiguration& 
     if (running && fullAddress(running->configuredAddress()) == fullAddress(configured.address) &&
         running->isEnabled() == configured.enabled)
         return ErrorValue::success;
-    replaceTargetSystem(createTargetSystem(configured, *timeout, eventLimit));
+    const Deadline deadline = deadlineAfter(*timeout);
+    replaceTargetSystem(createTargetSystem(configured, *timeout, eventLimit), deadline);
     return ErrorValue::success;
 }
 
 /// The two are never connected at a time, unless the former one hangs longer than its time-out.
-void ZrHmiEventLogger::replaceTargetSystem(const Kept& replacement) {
+void ZrHmiEventLogger::replaceTargetSystem(const Kept& replacement, Deadline deadline) {
     const TargetSystem& target = *replacement.target;
-    const Deadline deadline = deadlineAfter(target.timeout());
     const Kept former = targetSystems.exchange(replacement);
     if (former)
         former.keeper->retire(deadline);
     reset.request();
-    if (former)
-        targetSystems.retire({former}, deadline);
+    try {
+        if (former)
+            targetSystems.retire({former}, deadline);
+    } catch (...) {
+        // The replacement begins all the same.
+        reportCurrentException(*this, productName());
+    }
     replacement.keeper->begin(target.isEnabled());
     if (target.isEnabled())
         replacement.target->firstAttempt().waitUntil(deadline);

@@ -62,15 +62,14 @@ void ZrHmiEventLogger::forgetEvent(Event event) {
 
 bool ZrHmiEventLogger::preloadTranslations() { return configuration.preloadTranslations(); }
 
-/// True when the host was told, or is there no more. A log entry that fails changes nothing.
-bool ZrHmiEventLogger::sendResetTemporaryEvents() {
+/// Throws when the host could not be told. A log entry that fails changes nothing.
+void ZrHmiEventLogger::sendResetTemporaryEvents() {
     try {
         logMessage(diagnosticMessage("RESET_TEMPORARY_EVENTS", {}));
     } catch (...) {
         reportCurrentException(*this, productName());
     }
     callHost([&] { host->reset_events(context); });
-    return true;
 }
 
 }  // namespace ZrHmiEventLogger

@@ -18,7 +18,8 @@ void OwedReset::settle() noexcept {
 
 bool OwedReset::trySend() noexcept {
     try {
-        return send();
+        send();
+        return true;
     } catch (...) {
         return false;
     }

@@ -9,8 +9,8 @@ namespace ZrHmiEventLogger {
 /// is under way become one more. A reset that fails stays owed. Any thread; throws nothing.
 class OwedReset {
 public:
-    /// `send` answers whether the host was told; it may throw.
-    explicit OwedReset(std::function<bool()> send) : send(std::move(send)) {}
+    /// `send` tells the host, or throws.
+    explicit OwedReset(std::function<void()> send) : send(std::move(send)) {}
 
     /// Sends one, or leaves that to the thread that is sending.
     void request() noexcept {
@@ -23,7 +23,7 @@ public:
 private:
     bool trySend() noexcept;
 
-    const std::function<bool()> send;
+    const std::function<void()> send;
     std::atomic<bool> owed = false;
     std::atomic<bool> sending = false;
 };

@@ -46,13 +46,16 @@ TargetSystems::Kept TargetSystems::remove(std::string_view name) {
 }
 
 std::vector<TargetSystems::Kept> TargetSystems::close() {
+    decltype(targetSystems) leaving;
+    {
+        Lock lock(targetSystemsMutex);
+        closed = true;
+        leaving.swap(targetSystems);
+    }
     std::vector<Kept> all;
-    Lock lock(targetSystemsMutex);
-    closed = true;
-    all.reserve(targetSystems.size());
-    for (auto& [name, kept] : targetSystems)
+    all.reserve(leaving.size());
+    for (auto& [name, kept] : leaving)
         all.push_back(std::move(kept));
-    targetSystems.clear();
     return all;
 }
 

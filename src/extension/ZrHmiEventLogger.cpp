@@ -61,7 +61,6 @@ ResultPair ZrHmiEventLogger::init(const Context& initContext) {
         if (registerListeners()) {
             createTargetSystems(*timeout);
             connectEnabledTargetSystems(deadline);
-            startTimer();
             if (registerConfigurationListener())
                 return ErrorValue::success;
         }
@@ -75,8 +74,13 @@ ResultPair ZrHmiEventLogger::init(const Context& initContext) {
 
 ResultPair ZrHmiEventLogger::abandonInit(Deadline deadline) {
     stopping = true;
-    stopThreading();
-    targetSystems.retire(targetSystems.close(), deadline);
+    try {
+        stopThreading();
+        targetSystems.retire(targetSystems.close(), deadline);
+    } catch (...) {
+        reportCurrentException(*this, productName());
+    }
+    hostGate.close(deadline);
     return ErrorValue::initialization_failed;
 }
 
@@ -121,6 +125,8 @@ void ZrHmiEventLogger::createTargetSystems(Timespan timeout) {
             reportRefusal(configured.name, configured.fault);
         if (!configured.isUsable())
             continue;
+        if (stopping)
+            throw Refused();
         const Kept created = createTargetSystem(configured, timeout, eventLimit);
         if (targetSystems.exchange(created))
             throw Refused();  // closed meanwhile
@@ -131,6 +137,8 @@ void ZrHmiEventLogger::connectEnabledTargetSystems(Deadline deadline) {
     const auto all = targetSystems.copy();
     for (const Kept& kept : all)
         kept.keeper->begin(kept.target->isEnabled());
+    // Nor does a target that hangs now keep the others from being checked.
+    startTimer();
     for (const Kept& kept : all)
         if (kept.target->isEnabled())
             kept.target->firstAttempt().waitUntil(deadline);
@@ -146,8 +154,13 @@ void ZrHmiEventLogger::onTimer(TimerError error) {
     if (error == TimerError::aborted)
         return;
     reset.settle();
-    for (const Kept& kept : targetSystems.copy())
-        kept.keeper->wake();
+    try {
+        for (const Kept& kept : targetSystems.copy())
+            kept.keeper->wake();
+    } catch (...) {
+        // The next tick wakes them.
+        reportCurrentException(*this, productName());
+    }
 }
 
 ResultPair ZrHmiEventLogger::shutdown(const Context&) {
@@ -156,20 +169,29 @@ ResultPair ZrHmiEventLogger::shutdown(const Context&) {
         Lock lock(registrationMutex);
         stopping = true;
     }
-    auto leaving = targetSystems.close();
-    Deadline deadline = std::chrono::steady_clock::now();
-    for (const Kept& kept : leaving)
-        deadline = std::max(deadline, deadlineAfter(kept.target->timeout()));
-    // At once: what hangs has as long to end as the calls of the listeners have.
-    for (const Kept& kept : leaving)
-        kept.keeper->retire(deadline);
+    std::vector<Kept> leaving;
+    Deadline deadline = deadlineAfter(Timespan());
+    try {
+        leaving = targetSystems.close();
+        for (const Kept& kept : leaving)
+            deadline = std::max(deadline, deadlineAfter(kept.target->timeout()));
+        // At once: what hangs has as long to end as the calls of the listeners have.
+        for (const Kept& kept : leaving)
+            kept.keeper->retire(deadline);
+    } catch (...) {
+        reportCurrentException(*this, productName());
+    }
     unregister(static_cast<IZrHmiSrvAlarmProviderListener*>(this));
     unregister(static_cast<IZrHmiSrvEventLocalizationListener*>(this));
     unregister(static_cast<IZrHmiSrvShutdownListener*>(this));
     unregister(static_cast<IZrHmiSrvRequestListener*>(this));
     unregister(static_cast<ZrHmiSrv::ZrHmiSrvConfigListener*>(this));
-    stopThreading();
-    targetSystems.retire(std::move(leaving), deadline);
+    try {
+        stopThreading();
+        targetSystems.retire(std::move(leaving), deadline);
+    } catch (...) {
+        reportCurrentException(*this, productName());
+    }
     hostGate.close(deadlineAfter(Timespan::from_milliseconds(stopTimeoutMilliseconds)));
     return ErrorValue::success;
 }

@@ -87,7 +87,7 @@ private:
     void connectEnabledTargetSystems(Deadline deadline);
     void startTimer();
     void onTimer(ZrHmiSrv::TimerError error);
-    bool sendResetTemporaryEvents();
+    void sendResetTemporaryEvents();
     ZrHmiSrv::ResultPair abandonInit(Deadline deadline);
     void unregister(ZrHmiSrv::IZrHmiSrvListener* listener);
     void stopThreading();
@@ -106,7 +106,7 @@ private:
     std::string fullAddress(const std::string& address);
     ZrHmiSrv::ResultPair setTargetSystem(const char* path, std::string_view name);
     ZrHmiSrv::ResultPair applyTargetSystem(const TargetSystemConfiguration& configured);
-    void replaceTargetSystem(const Kept& replacement);
+    void replaceTargetSystem(const Kept& replacement, Deadline deadline);
 
     // Commands.
     void execute(ZrHmiSrv::Command& command);
@@ -123,7 +123,7 @@ private:
     HostGate hostGate;
     ZrHmiSrv::Context context;  ///< constant once `init` has set it
     const Configuration configuration{*host, hostGate, context};
-    OwedReset reset{[this] { return sendResetTemporaryEvents(); }};
+    OwedReset reset{[this] { sendResetTemporaryEvents(); }};
     Mutex registrationMutex;  ///< held while listeners are registered, unless the extension stops
 };
 

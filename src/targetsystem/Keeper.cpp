@@ -77,7 +77,7 @@ void Keeper::keep(TargetSystem& target, Work work) {
         } else {
             changedForHost = target.CheckConnection(released);
         }
-        if (changedForHost)
+        if (changedForHost && !target.isRetired())
             stale();
     } catch (...) {
         target.firstAttempt().reach();

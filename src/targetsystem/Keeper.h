@@ -14,7 +14,7 @@ namespace ZrHmiEventLogger {
 
 /// Keeps one target system connected, on a thread of its own: connects, imports, checks and
 /// finally retires it, one at a time. So a target that hangs keeps only its own keeper waiting.
-/// Any thread may call; nothing but the destructor waits for the target.
+/// Any thread may call; nothing but the destructor waits for a call of the target.
 class Keeper {
 public:
     using TimePoint = TargetSystem::TimePoint;

@@ -34,16 +34,22 @@ void LoggerConnection::setTimeout(ULONG milliseconds) {
     check(settings->put_Timeout(milliseconds));
 }
 
-bool LoggerConnection::askLogger() const {
-    VARIANT_BOOL connected = VARIANT_FALSE;
-    if (logger)
-        check(logger->get_IsConnected(&connected));
-    return connected == VARIANT_TRUE;
+// A failure is looked at when the lock is gone: its text may have to be asked for.
+
+HRESULT LoggerConnection::askLogger(bool& connected) const {
+    VARIANT_BOOL answer = VARIANT_FALSE;
+    const HRESULT hr = logger ? logger->get_IsConnected(&answer) : S_OK;
+    connected = answer == VARIANT_TRUE;
+    return hr;
 }
 
 bool LoggerConnection::isConnected() {
+    bool connected = false;
     Lock lock(connectionMutex);
-    return askLogger();
+    const HRESULT hr = askLogger(connected);
+    lock.unlock();
+    check(hr);
+    return connected;
 }
 
 bool LoggerConnection::isConnectedNow() {
@@ -52,27 +58,37 @@ bool LoggerConnection::isConnectedNow() {
         return false;
     if (!connectionMutex.try_lock())
         return true;
-    const Lock lock(connectionMutex, std::adopt_lock);
-    return askLogger();
+    bool connected = false;
+    Lock lock(connectionMutex, std::adopt_lock);
+    const HRESULT hr = askLogger(connected);
+    lock.unlock();
+    check(hr);
+    return connected;
 }
 
-void LoggerConnection::connect(const std::string& netId, bool preloadTranslations) {
+void LoggerConnection::connect(const std::string& netId, bool preloadTranslations,
+                               const EventContext& context) {
     ComPtr<IZrConnectionSettings> settings;
     check(ZrAtlCom::createInstance(CLSID_ConnectionSettings, settings));
     check(settings->put_PreloadTranslations(toVariantBool(preloadTranslations)));
     const ScopedBstr address(netId);
     Lock lock(connectionMutex);
     HRESULT hr = logger->ConnectWithSettings(settings.get(), address.get());
-    if (hr == serviceNotSupported)
+    const bool isOlder = hr == serviceNotSupported;
+    if (isOlder && !context.isOver())
         hr = logger->Connect(address.get());
+    lock.unlock();
     check(hr);
-    preloading = preloadTranslations;
+    preloading = preloadTranslations && !isOlder;
 }
 
 void LoggerConnection::disconnect() {
+    if (!logger)
+        return;
     Lock lock(connectionMutex);
-    if (logger)
-        check(logger->Disconnect());
+    const HRESULT hr = logger->Disconnect();
+    lock.unlock();
+    check(hr);
 }
 
 std::optional<ConnectionState> LoggerConnection::state() const {

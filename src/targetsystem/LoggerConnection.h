@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "events/EventContext.h"
 #include "platform/Mutex.h"
 #include "targetsystem/ConnectionState.h"
 #include "targetsystem/proxy/ComPtr.h"
@@ -32,7 +33,9 @@ public:
     /// published state counts, as it does when it says no.
     bool isConnectedNow() EXCLUDES(connectionMutex);
 
-    void connect(const std::string& netId, bool preloadTranslations) EXCLUDES(connectionMutex);
+    /// Does not fall back to the older way for a target that is over.
+    void connect(const std::string& netId, bool preloadTranslations, const EventContext& context)
+        EXCLUDES(connectionMutex);
     void disconnect() EXCLUDES(connectionMutex);
     /// Whether the logger was asked at its last connect to load its texts ahead.
     bool preloadsTranslations() const { return preloading; }
@@ -42,7 +45,7 @@ public:
     void setState(ConnectionState state) EXCLUDES(stateMutex);
 
 private:
-    bool askLogger() const REQUIRES(connectionMutex);
+    HRESULT askLogger(bool& connected) const REQUIRES(connectionMutex);
 
     /// Held across connect, IsConnected and disconnect of the logger, and across nothing else.
     Mutex connectionMutex;

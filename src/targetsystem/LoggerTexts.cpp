@@ -29,50 +29,66 @@ ULONG sizeOf(const Binary& binary) {
     return static_cast<ULONG>(binary.size());
 }
 
-Value readCauseRemedy(IZrEventLogger4& logger, const EventReference& event, LCID language) {
+/// The texts of one entry of a list.
+template <class Item>
+auto textsOf(const EventContext& context, Item& item) {
+    return [&context, &item](HRESULT (STDMETHODCALLTYPE Item::*getter)(BSTR*)) {
+        context.proceed();
+        return receiveText(getter, item);
+    };
+}
+
+Value readCauseRemedy(const EventContext& context, IZrEventLogger4& logger,
+                      const EventReference& event, LCID language) {
     const GuidanceKeys& keys = guidanceKeys();
-    const auto entries = receiveObject<IZrCauseRemedyCollection>([&](auto** collection) {
+    const auto entries = context.receive<IZrCauseRemedyCollection>([&](auto** collection) {
         return logger.GetCauseRemedy(event.eventClass, event.eventId, language, collection);
     });
     Value list(ValueType::vector);
-    forEachItem<IZrCauseRemedy>(*entries, [&](const auto& item) {
+    context.forEach<IZrCauseRemedy>(*entries, [&](const auto& item) {
+        const auto text = textsOf(context, *item);
         Value entry(ValueType::structure);
-        entry.insert(keys.id, receiveText(&IZrCauseRemedy::get_Id, *item));
-        entry.insert(keys.cause, receiveText(&IZrCauseRemedy::get_Cause, *item));
-        entry.insert(keys.remedy, receiveText(&IZrCauseRemedy::get_Remedy, *item));
+        entry.insert(keys.id, text(&IZrCauseRemedy::get_Id));
+        entry.insert(keys.cause, text(&IZrCauseRemedy::get_Cause));
+        entry.insert(keys.remedy, text(&IZrCauseRemedy::get_Remedy));
         list << std::move(entry);
     });
     return list;
 }
 
-Value readDetails(IZrEventLogger4& logger, const EventReference& event, LCID language) {
+Value readDetails(const EventContext& context, IZrEventLogger4& logger, const EventReference& event,
+                  LCID language) {
     const GuidanceKeys& keys = guidanceKeys();
-    const auto details = receiveObject<IZrDetailCollection>([&](auto** collection) {
+    const auto details = context.receive<IZrDetailCollection>([&](auto** collection) {
         return logger.GetDetails(event.eventClass, event.eventId, language, collection);
     });
     Value map(ValueType::structure);
-    forEachItem<IZrDetail>(*details, [&](const auto& item) {
+    context.forEach<IZrDetail>(*details, [&](const auto& item) {
+        const auto text = textsOf(context, *item);
         Value entry(ValueType::structure);
-        entry.insert(keys.text, receiveText(&IZrDetail::get_Text, *item));
-        entry.insert(keys.comment, receiveText(&IZrDetail::get_Comment, *item));
-        map.insert_or_update(Text(receiveText(&IZrDetail::get_Key, *item)), std::move(entry));
+        entry.insert(keys.text, text(&IZrDetail::get_Text));
+        entry.insert(keys.comment, text(&IZrDetail::get_Comment));
+        map.insert_or_update(Text(text(&IZrDetail::get_Key)), std::move(entry));
     });
     return map;
 }
 
 }  // namespace
 
-Value readEventText(IZrEventLogger4& logger, const EventReference& event, LCID language) {
+Value readEventText(const EventContext&, IZrEventLogger4& logger, const EventReference& event,
+                    LCID language) {
     return receiveText(&IZrEventLogger4::GetEventText, logger, event.eventClass, event.eventId,
                        dataOf(event.types), sizeOf(event.types), dataOf(event.data),
                        sizeOf(event.data), language);
 }
 
-Value readEventClassName(IZrEventLogger4& logger, const EventReference& event, LCID language) {
+Value readEventClassName(const EventContext&, IZrEventLogger4& logger, const EventReference& event,
+                         LCID language) {
     return receiveText(&IZrEventLogger4::GetEventClassName, logger, event.eventClass, language);
 }
 
-Value readSourceName(IZrEventLogger4& logger, const EventReference& event, LCID language) {
+Value readSourceName(const EventContext&, IZrEventLogger4& logger, const EventReference& event,
+                     LCID language) {
     const ScopedBstr source(event.sourceName.view());
     ScopedBstr name;
     if (check(logger.GetSourceName(source.get(), language, name.put())) == S_FALSE)
@@ -82,11 +98,12 @@ Value readSourceName(IZrEventLogger4& logger, const EventReference& event, LCID 
     return text.empty() ? Value() : Value(text);
 }
 
-Value readGuidance(IZrEventLogger4& logger, const EventReference& event, LCID language) {
+Value readGuidance(const EventContext& context, IZrEventLogger4& logger,
+                   const EventReference& event, LCID language) {
     Value guidance(ValueType::structure);
-    if (Value list = readCauseRemedy(logger, event, language); !list.empty())
+    if (Value list = readCauseRemedy(context, logger, event, language); !list.empty())
         guidance.insert(guidanceKeys().causeRemedy, std::move(list));
-    if (Value map = readDetails(logger, event, language); !map.empty())
+    if (Value map = readDetails(context, logger, event, language); !map.empty())
         guidance.insert(guidanceKeys().details, std::move(map));
     return guidance;
 }

@@ -1,6 +1,8 @@
-/// What a logger says of an event in a language. Failures are ZrAtlCom::CAtlException.
+/// What a logger says of an event in a language. Failures are ZrAtlCom::CAtlException; Abandoned when
+/// the target system is over between two calls.
 #pragma once
 
+#include "events/EventContext.h"
 #include "targetsystem/EventReference.h"
 #include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
@@ -8,14 +10,17 @@ namespace ZrHmiEventLogger {
 
 using ZrEventLoggerFnxProxyLib::IZrEventLogger4;
 
-ZrHmiSrv::Value readEventText(IZrEventLogger4& logger, const EventReference& event, LCID language);
-ZrHmiSrv::Value readEventClassName(IZrEventLogger4& logger, const EventReference& event,
-                                   LCID language);
+ZrHmiSrv::Value readEventText(const EventContext& context, IZrEventLogger4& logger,
+                               const EventReference& event, LCID language);
+ZrHmiSrv::Value readEventClassName(const EventContext& context, IZrEventLogger4& logger,
+                                   const EventReference& event, LCID language);
 /// No value when the name has no translation.
-ZrHmiSrv::Value readSourceName(IZrEventLogger4& logger, const EventReference& event, LCID language);
+ZrHmiSrv::Value readSourceName(const EventContext& context, IZrEventLogger4& logger,
+                               const EventReference& event, LCID language);
 /// A structure of "causeRemedy" and "details", each where there are any: a vector of maps "id",
 /// "cause", "remedy"; and by the detail's key a map "text", "comment".
-ZrHmiSrv::Value readGuidance(IZrEventLogger4& logger, const EventReference& event, LCID language);
+ZrHmiSrv::Value readGuidance(const EventContext& context, IZrEventLogger4& logger,
+                               const EventReference& event, LCID language);
 
 /// Made at first use: nothing of the host's library may be called while ours is being loaded.
 struct GuidanceKeys {

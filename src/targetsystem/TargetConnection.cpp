@@ -28,6 +28,9 @@ HRESULT TargetConnection::subscribe(IUnknown* target) {
 bool TargetConnection::check(ImportResultPtr& importResult) {
     const auto before = with.logger.state();
     const bool wasDown = before && !before->connected;
+    // Before the logger is asked: a reconnect that is requested meanwhile waits for the next check,
+    // or the old connection might be taken for the new one.
+    const bool wasImported = imported;
     const Answer answer = probe();
     bool up = answer == Answer::connected;
     failedToImport = false;
@@ -37,10 +40,10 @@ bool TargetConnection::check(ImportResultPtr& importResult) {
             hostIsStale = true;
         }
         up = false;
-    } else if (!up || !imported || !eventCookie.advised()) {
+    } else if (!up || !wasImported || !eventCookie.advised()) {
         if (!up && before && before->connected)
             with.logger.setState({false, S_OK});
-        up = answer != Answer::failed && connect(up, importResult);
+        up = answer != Answer::failed && connect(up, wasImported, importResult);
         if (!up)
             removeAlarms();
     }
@@ -61,7 +64,9 @@ TargetConnection::Answer TargetConnection::probe() {
             with.logger.setState({true, std::nullopt});
         return Answer::connected;
     } catch (...) {
+        const HRESULT hr = ZrAtlCom::hresultOfCurrentException();
         reportFailure();
+        connectFailed(hr);
         return Answer::failed;
     }
 }
@@ -78,17 +83,18 @@ void TargetConnection::settle(bool up, bool keepsError) {
 }
 
 bool TargetConnection::connect(ImportResultPtr& importResult) {
+    const bool wasImported = imported;
     const Answer answer = probe();
-    const bool connected =
-        answer != Answer::failed && connect(answer == Answer::connected, importResult);
+    const bool connected = answer != Answer::failed &&
+                           connect(answer == Answer::connected, wasImported, importResult);
     attempted.reach();
     return connected;
 }
 
-bool TargetConnection::connect(bool up, ImportResultPtr& importResult) {
+bool TargetConnection::connect(bool up, bool wasImported, ImportResultPtr& importResult) {
     if (!with.logger.get() || with.context.isOver())
         return false;
-    if (up && imported && eventCookie.advised())
+    if (up && wasImported && eventCookie.advised())
         return true;
     const bool established = establish(up);
     attempted.reach();
@@ -113,7 +119,10 @@ bool TargetConnection::establish(bool up) {
 void TargetConnection::connectLogger() {
     const bool preloadTranslations = with.context.logging.preloadTranslations();
     with.disabled.exchange(false);
-    with.logger.connect(netId(), preloadTranslations);
+    const std::string address = netId();
+    if (with.context.isOver())
+        return;
+    with.logger.connect(address, preloadTranslations, with.context);
     if (with.context.isOver())
         return;
     with.logger.setState({true, S_OK});
@@ -121,8 +130,10 @@ void TargetConnection::connectLogger() {
 }
 
 std::string TargetConnection::netId() {
+    if (!FnxHelper::needsLocalAddress(settings.address))
+        return settings.address;
     const std::string local = with.localAddress.get();
-    if (local.empty() && FnxHelper::needsLocalAddress(settings.address))
+    if (local.empty())
         throw std::runtime_error("The address of this device, which completes \"" +
                                  settings.address + "\", is not known yet: there is no router.");
     return FnxHelper::resolveAddress(settings.address, local);
@@ -216,18 +227,17 @@ void TargetConnection::removeAlarms() {
 }
 
 HRESULT TargetConnection::requestReconnect() {
-    HRESULT hr = E_FAIL;
-    try {
-        if (with.logger.get())
-            hr = ZrAtlCom::check(with.logger.get()->Disconnect());
-    } catch (...) {
-        hr = E_FAIL;
-        with.context.logging.reportCommunicationError(settings.name);
-    }
+    if (!with.logger.get())
+        return E_FAIL;
+    const HRESULT hr =
+        ZrAtlCom::catchToHresult([this] { return with.logger.get()->Disconnect(); });
     // Only now, or a check might take the old connection for the new one. Also where the logger
     // refuses to disconnect, the next check imports again.
     imported = false;
-    return hr;
+    if (SUCCEEDED(hr))
+        return hr;
+    with.context.logging.reportCommunicationError(settings.name);
+    return E_FAIL;
 }
 
 void TargetConnection::databaseChanged(DatabaseChangeReason reason) {

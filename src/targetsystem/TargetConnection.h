@@ -62,7 +62,7 @@ private:
     enum class Answer { connected, notConnected, failed };
 
     Answer probe();
-    bool connect(bool up, ImportResultPtr& importResult);
+    bool connect(bool up, bool wasImported, ImportResultPtr& importResult);
     bool establish(bool up);
     void connectLogger();
     std::string netId();

@@ -47,8 +47,8 @@ public:
     /// lock; also from inside a notification.
     HRESULT RequestReconnect() { return connection.requestReconnect(); }
     HRESULT ClearLoggedEvents();
-    /// Tells the host nothing from now on and begins no further call of the logger. Waits for
-    /// nothing.
+    /// Tells the host nothing from now on, and its keeper begins nothing more. Waits for a change
+    /// that is just being told.
     void beginRetiring();
     /// The same, and unsubscribes and disconnects, the latter only before the deadline. Keeper
     /// only, or the last owner.

@@ -19,6 +19,8 @@ public:
     ZrHmiSrv::Timespan timeout() const { return settings.timeout; }
     /// Meant to stay disconnected. Any thread.
     bool IsDisabled() const { return disabled; }
+    /// Replaced, removed or about to end with the extension. Any thread.
+    bool isRetired() const { return retired; }
 
 protected:
     TargetSystemBase(TargetSystemSettings given, ZrHmiSrv::Text domain, ILoggingFunctions& host,

@@ -1,5 +1,6 @@
 #include "targetsystem/TextLookup.h"
 
+#include "events/Abandoned.h"
 #include "targetsystem/LoggerTexts.h"
 
 using ZrHmiSrv::ErrorValue;
@@ -16,6 +17,10 @@ constexpr std::size_t maxKeptArguments = 4096;
 
 constexpr std::chrono::seconds newsPeriod{10};
 
+ResultPair notConnected() {
+    return {ErrorValue::not_connected, "Not connected."};
+}
+
 bool isKeepable(const EventReference& event) {
     return event.types.size() + event.data.size() <= maxKeptArguments;
 }
@@ -26,8 +31,8 @@ ResultPair TextLookup::requireConnection() {
     try {
         if (disabled)
             return {ErrorValue::not_connected, "Connection disabled."};
-        if (!connection.isConnectedNow())
-            return {ErrorValue::not_connected, "Not connected."};
+        if (context.isOver() || !connection.isConnectedNow() || context.isOver())
+            return notConnected();
         return {};
     } catch (...) {
         return reportException();
@@ -80,13 +85,15 @@ TranslationCache::Answer TextLookup::ask(const TranslationKey& key, Read read) {
     if (ResultPair ready = requireConnection(); !ready.succeeded())
         return {{std::move(ready), Value()}, false};
     try {
-        Value value = read(*connection.get(), key.event(), key.language());
+        Value value = read(context, *connection.get(), key.event(), key.language());
         // What the logger loads ahead it answers by itself; an option that was switched on since
         // it connected has loaded nothing yet.
         const bool preloaded =
             connection.preloadsTranslations() && context.logging.preloadTranslations();
         const bool keep = !preloaded && isKeepable(key.event());
         return {{ResultPair(), std::move(value)}, keep};
+    } catch (const Abandoned&) {
+        return {{notConnected(), Value()}, false};
     } catch (...) {
         return {{reportException(), Value()}, false};
     }

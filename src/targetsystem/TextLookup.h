@@ -41,8 +41,8 @@ public:
     std::optional<CacheStatistics> takeNews() EXCLUDES(newsMutex);
 
 private:
-    using Read = ZrHmiSrv::Value (*)(LoggerConnection::Logger& logger, const EventReference& event,
-                                     LCID language);
+    using Read = ZrHmiSrv::Value (*)(const EventContext& context, LoggerConnection::Logger& logger,
+                                     const EventReference& event, LCID language);
 
     Translation lookUp(const TranslationKey& key, Read read);
     TranslationCache::Answer ask(const TranslationKey& key, Read read);

@@ -23,7 +23,7 @@ public:
     }
     void connect(bool preloadTranslations) {
         connection.get()->Disconnect();
-        connection.connect(fillerNetId, preloadTranslations);
+        connection.connect(fillerNetId, preloadTranslations, context);
         connection.setState({true, S_OK});
     }
 
