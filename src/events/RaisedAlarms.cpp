@@ -40,9 +40,7 @@ std::optional<UnsettledAlarm> RaisedAlarms::findUnsettledAlarm(IZrAlarm& source,
         return std::nullopt;
     if (auto known = identities.unsettled(key))
         return known;
-    auto former = identities.unsettled(alarmInstanceOf(context, source, key));
-    const bool raisedLater = former && key.timeRaised > former->key.timeRaised;
-    return key.number || raisedLater ? former : std::nullopt;
+    return identities.unsettled(alarmInstanceOf(context, source, key));
 }
 
 std::optional<Alarm> RaisedAlarms::findStored(const Raised& raised) const {
