@@ -19,7 +19,7 @@ std::string runtime(const std::string& netId, const std::string& log, bool numbe
               "details": [{"key": "k", "text": {"1033": "Detail"}, "comment": {"1033": "More"}}]},
         "2": {"kind": "alarm", "severity": 2, "confirm": false, "text": {"1033": "Door open"}},
         "3": {"kind": "message", "severity": 1, "text": {"1033": "Batch done"}}}}},
-        "sources": {"Tank": {"1031": "Behälter"}}, "logged": )" +
+        "sources": {"Tank": {"1031": "Behälter"}, "Mute": {"1031": ""}}, "logged": )" +
            log + (numbered ? "}" : R"(, "instanceIds": false})");
 }
 

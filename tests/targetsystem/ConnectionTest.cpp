@@ -131,6 +131,12 @@ TEST_F(Connection, AFailedImportKeepsTheMessagesAndTriesAgain) {
     EXPECT_EQ(simulation.calls("Disconnect"), 2);
 
     EXPECT_TRUE(check()) << "connects and imports again";
+    EXPECT_EQ(state(), "connected");
+    simulation.act(R"({"do": "fail", "call": "GetLoggedEvents", "hresult": "0x8007000e"})");
+    target->RequestReconnect();
+    EXPECT_TRUE(check()) << "its alarms left";
+    EXPECT_EQ(state(), "failed 0x8007000e") << "at once: it is not the connection that was lost";
+    EXPECT_TRUE(check());
     EXPECT_EQ(target->statistics().activeAlarmsCount, 1U);
     EXPECT_EQ(state(), "connected");
 }
@@ -165,6 +171,9 @@ TEST_F(Connection, WaitsForTheRouterThatCompletesItsAddress) {
         EXPECT_THAT(logging.take(), ElementsAre(StartsWith("error Filler The address of this")));
     }
     EXPECT_EQ(simulation.calls("ConnectWithSettings"), 0);
+    target = make(fillerNetId);
+    EXPECT_TRUE(connect()) << "a full address needs none";
+    target = make("30.1.1");
     ZrFnxSimulatorSetLocalNetId(&local);
     EXPECT_TRUE(check());
     ZrFnxSimulatorSetLocalNetId(nullptr);

@@ -41,6 +41,9 @@ TEST(TextLookup, AsksTheLoggerOnceForEachText) {
     EXPECT_EQ(target.simulation.calls("IsConnected"), 4) << "asked on a miss only";
     EXPECT_EQ(target.lookup.cacheStatistics().hits, 4u);
     EXPECT_EQ(target.lookup.cacheStatistics().misses, 4u);
+    EventReference mute = hotTank();
+    mute.sourceName = "Mute";
+    EXPECT_FALSE(target.lookup.sourceName(mute, german).value.isset()) << "it would hide the name";
 }
 
 TEST(TextLookup, WithoutAConnectionOnlyTheCacheAnswers) {
