@@ -9,7 +9,7 @@
 namespace hmi {
 
 std::size_t raiseFileLimit() noexcept {
-    constexpr std::size_t least = 256;
+    [[maybe_unused]] constexpr std::size_t least = 256;
     constexpr std::size_t most = 65536;
 #ifdef _WIN32
     return most;  // handles are not limited
