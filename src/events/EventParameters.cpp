@@ -67,7 +67,7 @@ Text classText(const GUID& eventClass) {
 template <class Interface, class Source>
 ComPtr<Interface> attribute(const EventContext& context, Source& source) {
     context.proceed();
-    return attributeInterface<Interface>(source);
+    return optionalInterface<Interface>(source);
 }
 
 std::int64_t sizeOf(const ArgumentBlockLayout& layout) {

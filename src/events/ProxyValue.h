@@ -50,12 +50,6 @@ ZrAtlCom::ComPtr<Interface> optionalInterface(Object& object) {
     return result;
 }
 
-/// The interface to a part of an object that may as well be missing.
-template <class Interface, class Object>
-ZrAtlCom::ComPtr<Interface> attributeInterface(Object& object) {
-    return optionalInterface<Interface>(object);
-}
-
 ZrHmiSrv::Timestamp toTimestamp(FILETIME time);
 
 }  // namespace ZrHmiEventLogger
