@@ -239,7 +239,7 @@ TEST_F(BadRequest, EndsWhereEverybodySeesItsEnd) {
 }
 
 TEST_F(HostTest, AnswersFitWhatTheClientHasAndTakes) {
-    const std::string get = "GET /page/operator.js HTTP/1.1\r\nHost: localhost\r\n";
+    const std::string get = "GET /page/main.js HTTP/1.1\r\nHost: localhost\r\n";
     const std::string end = "Connection: close\r\n\r\n";
     const std::string plain = exchange(server.port(), get + end);
     const std::string packed = exchange(server.port(), get + "Accept-Encoding: br, gzip\r\n" + end);

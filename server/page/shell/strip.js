@@ -1,0 +1,57 @@
+// Unconfirmed and active alarms by priority, and how long the oldest has been waiting.
+import { byId, element, icon, setText } from "./dom.js";
+import { duration, number } from "./format.js";
+import { priorityOf, severities } from "./event.js";
+import { counts, onCounts } from "./situation.js";
+import { label } from "./words.js";
+
+/** @type {import("../types.js").Context} */
+let context;
+
+const tiles = severities.map((severity) => {
+  const unconfirmed = element("strong", {}, "–");
+  const active = element("span", {}, "–");
+  const word = element("span", { className: "word" });
+  const tile = element("button", { type: "button", className: `tile severity${severity}` },
+    icon(`priority${priorityOf({ severity })}`), word, unconfirmed, active);
+  tile.addEventListener("click",
+    () => context.goTo("operate", { state: "unconfirmed", severity: String(severity) }));
+  return { severity, tile, word, unconfirmed, active };
+});
+
+/** What is below the lowest priority counts with it. @param {number[]} bySeverity @param {number} severity */
+const countOf = (bySeverity, severity) =>
+  bySeverity[severity] + (severity === 1 ? bySeverity[0] : 0);
+
+/** @param {import("../types.js").Counts} known */
+function showCounts({ unconfirmed, active, oldestUnconfirmed }) {
+  for (const tile of tiles) {
+    const [waiting, standing] = [unconfirmed, active].map((all) => countOf(all, tile.severity));
+    setText(tile.unconfirmed, number(waiting));
+    setText(tile.active, number(standing));
+    tile.tile.classList.toggle("some", waiting > 0);
+    tile.tile.setAttribute("aria-label", [label(`severity${tile.severity}`),
+      label("countUnconfirmed", number(waiting)), label("countActive", number(standing))].join(", "));
+  }
+  const all = unconfirmed.reduce((sum, count) => sum + count, 0);
+  document.title = all > 0 ? `(${number(all)}) ${label("title")}` : label("title");
+  setText(byId("oldest"), oldestUnconfirmed
+    ? label("oldest", duration(Date.now() - Date.parse(oldestUnconfirmed))) : label("noneWaits"));
+}
+
+export function show() {
+  for (const { severity, word } of tiles)
+    setText(word, label(`severity${severity}`));
+  const known = counts();
+  if (known)
+    showCounts(known);
+}
+
+/** @param {import("../types.js").Context} given */
+export function start(given) {
+  context = given;
+  byId("strip").prepend(...tiles.map(({ tile }) => tile));
+  show();
+  onCounts(show);
+  setInterval(show, 5000);  // the oldest grows older
+}
