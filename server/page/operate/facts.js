@@ -1,14 +1,25 @@
 // What there is to say about one event.
 import { dateTime, duration } from "../shell/format.js";
-import { confirmationText, severityText, sourceOf, stateText, targetOf } from "../shell/event.js";
+import {
+  confirmationText, severityText, sourceOf, stateText, targetOf, title,
+} from "../shell/event.js";
 import { label, language } from "../shell/words.js";
 import { parse, pretty } from "./jsontext.js";
 
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
 /** @typedef {import("./terms.js").Term} Term */
 
+const longestHeading = 300;  // characters
+
+/** @param {HmiEvent} event */
+export function heading(event) {
+  const text = title(event);
+  return text.length > longestHeading ? `${text.slice(0, longestHeading)} …` : text;
+}
+
 /** @param {HmiEvent} event @returns {Term[]} */
 export const mainFacts = (event) => [
+  { name: label("event"), value: title(event).length > longestHeading ? title(event) : "" },
   { name: label("state"), value: stateText(event) },
   { name: label("priority"), value: severityText(event) },
   { name: label("lastKnownName"), value: event.lastKnownSince && dateTime(event.lastKnownSince) },

@@ -33,6 +33,10 @@ export class Filters {
       reset.preventDefault();
       use(Object.fromEntries(filterNames.map((name) => [name, ""])));
     });
+    form.querySelector(".unfold")?.addEventListener("click", ({ currentTarget }) => {
+      const isOpen = form.classList.toggle("unfolded");
+      /** @type {Element} */ (currentTarget).setAttribute("aria-expanded", String(isOpen));
+    });
     heads.addEventListener("click", ({ target }) => {
       const column = /** @type {HTMLElement} */ (target).closest("button")?.dataset.order;
       if (column)

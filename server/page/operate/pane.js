@@ -2,7 +2,7 @@
 import { element, icon, setText } from "../shell/dom.js";
 import { dateTime } from "../shell/format.js";
 import {
-  confirmationText, hasFailed, isConfirming, keyOf, needsConfirmation, pictureOf, targetOf, title,
+  confirmationText, hasFailed, isConfirming, keyOf, needsConfirmation, pictureOf, targetOf,
 } from "../shell/event.js";
 import { label, language } from "../shell/words.js";
 import * as facts from "./facts.js";
@@ -171,7 +171,7 @@ export class Pane {
     this.#picture.firstElementChild?.setAttribute("href", `#${pictureOf(event)}`);
     this.#root.className = `details severity${Math.min(event.severity, 4)}` +
       (event.active ? " active" : "") + (event.lastKnownSince ? " lastKnown" : "");
-    setText(this.#title, title(event));
+    setText(this.#title, facts.heading(event));
     this.#title.lang = event.text ? language() : "";
     const life = confirmationText(event);
     setText(this.#life, life);

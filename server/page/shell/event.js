@@ -1,6 +1,6 @@
 // What an event looks like in words.
 import { clock, dateTime, number } from "./format.js";
-import { label } from "./words.js";
+import { isolated, label } from "./words.js";
 
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
 
@@ -67,7 +67,8 @@ export function confirmationText(event) {
     return timeConfirmed ? label("confirmedAtTime", clock(timeConfirmed)) : "";
   const { state, by, at, text, comment } = confirmation;
   return [label(`confirmation_${state}`, by, clock(at)), state === "failed" ? text : "",
-    comment ? `“${comment}”` : ""].filter(Boolean).join(": ");
+    comment ? `“${comment}”` : ""].filter((part) => !!part)
+    .map((part) => isolated(String(part))).join(": ");
 }
 
 /** @param {HmiEvent} gap */
@@ -94,4 +95,5 @@ export const sourceOf = (/** @type {HmiEvent} */ event) =>
 /** @param {HmiEvent} event */
 export const subtitle = (event) => isGap(event) ? "" :
   [event.lastKnownSince ? label("lastKnown", clock(event.lastKnownSince)) : "",
-    event.eventClassName, sourceOf(event)].filter(Boolean).join(" · ");
+    event.eventClassName, sourceOf(event)].filter((part) => !!part)
+    .map((part) => isolated(String(part))).join(" · ");

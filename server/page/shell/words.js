@@ -17,13 +17,21 @@ export const language = () => tongue;
 export const locale = () =>
   locales.find(([name]) => name.startsWith(tongue))?.[0] ?? locales[0][0];
 
+const otherDirection = /[\u0590-\u08ff\u200f\u202a-\u202e\u2066-\u2069\ufb1d-\ufdff\ufe70-\ufefc]/;
+
+/**
+ * A text from outside keeps its direction to itself when it stands among other words.
+ * @param {string} text
+ */
+export const isolated = (text) => otherDirection.test(text) ? `\u2068${text}\u2069` : text;
+
 /**
  * The words of that name, with the values in the places of {0}, {1} ...
  * @param {string} key
  * @param {...(string | number)} values
  */
-export const label = (key, ...values) =>
-  (current[key] ?? key).replace(/\{(\d)\}/g, (_, index) => String(values[index] ?? ""));
+export const label = (key, ...values) => (current[key] ?? key).replace(/\{(\d)\}/g,
+  (_, index) => isolated(String(values[index] ?? "")));
 
 /**
  * @param {string} part
