@@ -27,6 +27,10 @@ add_library(bridge_log INTERFACE)
 target_link_libraries(bridge_log INTERFACE bridge_boost)
 target_compile_definitions(bridge_log INTERFACE SPDLOG_HEADER_ONLY SPDLOG_FMT_EXTERNAL FMT_HEADER_ONLY)
 
+# The same for every system.
+find_file(UNICODE_CASE_FOLDING unicode/CaseFolding.txt PATHS /usr/share NO_CMAKE_FIND_ROOT_PATH
+    REQUIRED)
+
 set(ZLIB_USE_STATIC_LIBS ${WIN32})  # no further library to ship
 find_package(ZLIB REQUIRED)
 

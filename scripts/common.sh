@@ -19,7 +19,7 @@ install() {
 
 native_packages=(g++ cmake ninja-build libboost1.81-dev libboost-thread1.81-dev
     libcli11-dev libspdlog-dev libssl-dev libsodium-dev zlib1g-dev libffi-dev libgmock-dev
-    libbenchmark-dev python3)
+    libbenchmark-dev python3 unicode-data)
 lint_packages=(clang-14)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64 xz-utils)

@@ -1,13 +1,14 @@
 #include "server/api/EventSearch.h"
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 #include <string>
+#include <utility>
 
+#include "server/events/EventOrigin.h"
 #include "server/events/PageWindow.h"
-#include "server/http/Response.h"
-#include "server/json/IsoTime.h"
-#include "server/json/Utf8.h"
+#include "server/unicode/CaseFolding.h"
 
 namespace hmi {
 
@@ -16,148 +17,166 @@ using ZrHmiSrv::ValueType;
 
 namespace {
 
-constexpr std::uint64_t defaultLimit = 100;
-constexpr std::uint64_t maxLimit = 100'000;
-constexpr std::uint64_t defaultWait = 300;  // milliseconds
-constexpr std::uint64_t maxWait = 5000;
-constexpr std::size_t maxLocaleLength = 84;  // no platform knows longer names
+using Clock = std::chrono::steady_clock;
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
-/// The choice of that name; throws RequestError 400 when there is none.
-template <class T>
-std::optional<T> choice(const Query& query, std::string_view parameter,
-                        std::initializer_list<std::pair<std::string_view, T>> choices) {
-    const std::string* const chosen = query.find(parameter);
-    if (!chosen)
-        return std::nullopt;
-    for (const auto& [name, value] : choices) {
-        if (name == *chosen)
-            return value;
-    }
-    throw RequestError(400, std::string(parameter) + " cannot be " + *chosen);
+bool contains(std::string_view text, const std::string& folded) {
+    return foldCase(text).find(folded) != std::string::npos;
 }
 
-std::optional<ZrHmiSrv::Timestamp> timeOf(const Query& query, std::string_view name) {
-    const std::string* const text = query.find(name);
-    const auto time = text ? parseIsoTime(*text) : std::nullopt;
-    if (text && !time)
-        throw RequestError(400, std::string(name) + " is a time like 2024-05-01T06:07:08.1234567Z");
-    return time;
-}
-
-bool isWanted(const Query& query, std::string_view name) {
-    return choice<bool>(query, name, {{"0", false}, {"1", true}}).value_or(false);
-}
-
-std::string textOf(const Query& query, std::string_view name) {
-    const std::string* const value = query.find(name);
-    return value ? *value : std::string();
-}
-
-bool contains(std::string_view text, std::string_view lower) {
-    return toLowerAscii(text).find(lower) != std::string::npos;
-}
-
-bool containsText(const EventRecord& event, std::string_view lower) {
-    if (contains(event.event().name().view(), lower))
-        return true;
-    const Value& parameters = event.event().payload();
+bool containsText(const Value& parameters, const std::string& folded) {
     for (auto entry = parameters.begin(); entry != parameters.end(); ++entry) {
-        if (entry->type() == ValueType::string && contains(entry->get_text().view(), lower))
+        if (entry->type() == ValueType::string && contains(entry->get_text().view(), folded))
             return true;
     }
     return false;
 }
 
-}  // namespace
-
-EventSearch::EventSearch(const Query& query) {
-    query.allowOnly({"target", "kind", "state", "severity", "text", "locale", "offset", "limit",
-                     "wait", "order", "from", "to", "lastKnown", "gaps"});
-    if (const std::string* const target = query.find("target"))
-        filter.target = *target;
-    filter.kind = choice<EventKind>(query, "kind",
-                                    {{"alarm", EventKind::alarm}, {"message", EventKind::message}});
-    filter.state = choice<EventState>(query, "state",
-                                      {{"active", EventState::active},
-                                       {"cleared", EventState::cleared},
-                                       {"unconfirmed", EventState::unconfirmed}});
-    filter.order =
-        choice<EventOrder>(query, "order",
-                           {{"time", EventOrder::time}, {"priority", EventOrder::priority}})
-            .value_or(EventOrder::time);
-    filter.from = timeOf(query, "from");
-    filter.to = timeOf(query, "to");
-    filter.lastKnown = isWanted(query, "lastKnown");
-    withGaps = isWanted(query, "gaps");
-    constexpr std::uint64_t highest = std::numeric_limits<std::uint32_t>::max();
-    filter.severity = static_cast<std::uint32_t>(std::min(query.number("severity", 0), highest));
-    text = toLowerAscii(textOf(query, "text"));
-    locale = textOf(query, "locale");
-    if (locale.size() > maxLocaleLength)
-        throw RequestError(400, "locale is too long");
-    wait = std::chrono::milliseconds(std::min(query.number("wait", defaultWait), maxWait));
-    offset = static_cast<std::size_t>(query.number("offset", 0));
-    limit = static_cast<std::size_t>(std::min(query.number("limit", defaultLimit), maxLimit));
+/// What the row of an event shows, as it is compared. Those without texts stand by their class.
+std::string nameOf(const EventSearch::Hit& hit) {
+    if (hit.texts && !hit.texts->text.empty())
+        return foldCase(hit.texts->text.view());
+    const EventOrigin origin = originOf(*hit.event);
+    const std::string id = std::to_string(origin.eventId.value_or(0));
+    constexpr std::size_t digits = 10;
+    return foldCase(origin.name + '\0' + origin.eventClass) + '\0' +
+           std::string(digits - std::min(digits, id.size()), '0') + id;
 }
 
-EventSearch::Result EventSearch::run(const EventBook& book, const TargetBook& targets,
-                                     EventTextService& service) const {
-    if (!withGaps)
-        return select(book, service, offset, limit);
-    std::vector<Hit> gaps;
-    for (GapPtr& gap : targets.gaps(filter.target, filter.from, filter.to))
-        gaps.push_back({{}, {}, std::move(gap)});
-    const PageWindow window(offset, limit, gaps.size());
-    Result result = select(book, service, window.first, window.size);
-    result.total += gaps.size();
-    result.hits = window.merge(result.hits, gaps,
-                               [this](const Hit& a, const Hit& b) { return isBefore(a, b); });
-    return result;
-}
-
-/// Gaps stand among the events by time, and before all that needs no attention by priority.
-bool EventSearch::isBefore(const Hit& a, const Hit& b) const {
-    if (a.event && b.event)
-        return filter.isBefore(*a.event, *b.event);
-    const auto priority = [this](const Hit& hit) {
-        return filter.order == EventOrder::time ? 0
-               : hit.event                      ? hit.event->priority
-                                                : priorityOfRest;
+bool isInOrder(const EventSearch::Hit& a, const EventSearch::Hit& b, EventOrder order) {
+    using Hit = EventSearch::Hit;
+    const auto priority = [](const Hit& hit) {
+        return hit.event ? hit.event->priority : priorityOfRest;
+    };
+    const auto target = [](const Hit& hit) -> const std::string& {
+        return hit.event ? hit.event->target : hit.gap->target;
     };
     const auto time = [](const Hit& hit) {
         return hit.event ? hit.event->position.time : hit.gap->from;
     };
-    return priority(a) != priority(b) ? priority(a) < priority(b) : time(b) < time(a);
+    if (order == EventOrder::priority && priority(a) != priority(b))
+        return priority(a) < priority(b);
+    if (order == EventOrder::target && target(a) != target(b))
+        return target(a) < target(b);
+    return time(b) < time(a);
 }
 
-EventSearch::Result EventSearch::select(const EventBook& book, EventTextService& service,
-                                        std::size_t first, std::size_t size) const {
-    const bool isPage = text.empty();
-    EventPage selected = book.select(filter, isPage ? first : 0, isPage ? size : unlimited);
-    std::vector<TextsPtr> texts = textsOf(selected.events, service);
-    Result result;
-    for (std::size_t i = 0; i < selected.events.size(); ++i) {
-        const EventRecord& event = *selected.events[i];
-        const bool isPending = isLocalized() && !texts[i];
-        if (!isPage && !containsText(event, text) &&
-            !(texts[i] && contains(texts[i]->text.view(), text))) {
-            result.textsPending += isPending ? 1 : 0;  // it might contain the text
-            continue;
-        }
-        if (++result.total <= (isPage ? 0 : first) || result.hits.size() == size)
-            continue;
-        result.textsPending += isPending ? 1 : 0;
-        result.hits.push_back({std::move(selected.events[i]), std::move(texts[i])});
-    }
-    if (isPage)
-        result.total = selected.total;
+}  // namespace
+
+EventSearch::Result EventSearch::page() const {
+    if (!query.withGaps)
+        return events(query.offset, query.limit);
+    std::vector<Hit> gaps;
+    for (GapPtr& gap : targets.gaps(query.filter.target, query.filter.from, query.filter.to))
+        gaps.push_back({{}, {}, std::move(gap)});
+    const auto before = [this](const Hit& a, const Hit& b) { return isBefore(a, b); };
+    std::stable_sort(gaps.begin(), gaps.end(), before);
+    const PageWindow window(query.offset, query.limit, gaps.size());
+    Result result = events(window.first, window.size);
+    result.total += gaps.size();
+    result.hits = window.merge(result.hits, gaps, before);
     return result;
 }
 
-std::vector<TextsPtr> EventSearch::textsOf(const std::vector<EventRecordPtr>& events,
-                                           EventTextService& service) const {
-    return isLocalized() ? service.get(events, locale, wait) : std::vector<TextsPtr>(events.size());
+/// Of events and gaps. By priority gaps stand before all that needs no attention, by name and by
+/// severity before all.
+bool EventSearch::isBefore(const Hit& a, const Hit& b) const {
+    const EventFilter& filter = query.filter;
+    if (query.byName || filter.order == EventOrder::severity)
+        return a.gap && !b.gap;
+    return filter.reversed ? isInOrder(b, a, filter.order) : isInOrder(a, b, filter.order);
+}
+
+EventSearch::Result EventSearch::events(std::size_t first, std::size_t size) const {
+    Result result;
+    if (query.text.empty() && !query.byName) {
+        EventPage selected = book.select(query.filter, first, size);
+        result.total = selected.total;
+        for (EventRecordPtr& event : selected.events)
+            result.hits.push_back({std::move(event), {}});
+        addTexts(result);
+    } else {
+        result = found();
+        auto& hits = result.hits;
+        const auto begin = hits.begin() + static_cast<std::ptrdiff_t>(std::min(first, hits.size()));
+        hits.erase(hits.begin(), begin);
+        hits.resize(std::min(size, hits.size()));
+    }
+    if (query.isLocalized())
+        result.textsPending += static_cast<std::size_t>(std::count_if(
+            result.hits.begin(), result.hits.end(), [](const Hit& hit) { return !hit.texts; }));
+    return result;
+}
+
+EventSearch::Result EventSearch::all() const {
+    if (!query.text.empty())
+        return found();
+    EventPage selected = book.select(query.filter, 0, unlimited);
+    Result result{selected.total, 0, {}};
+    for (EventRecordPtr& event : selected.events)
+        result.hits.push_back({std::move(event), {}});
+    return result;
+}
+
+/// All that have the text, in their order. Pending are those that might have it.
+EventSearch::Result EventSearch::found() const {
+    Result result;
+    for (EventRecordPtr& event : book.select(query.filter, 0, unlimited).events)
+        result.hits.push_back({std::move(event), {}});
+    addTexts(result);
+    if (!query.text.empty()) {
+        std::erase_if(result.hits, [&](const Hit& hit) {
+            const bool isHit = contains(hit);
+            result.textsPending += !isHit && query.isLocalized() && !hit.texts ? 1U : 0U;
+            return !isHit;
+        });
+    }
+    result.total = result.hits.size();
+    if (query.byName)
+        sortByName(result.hits);
+    return result;
+}
+
+bool EventSearch::contains(const Hit& hit) const {
+    const ZrHmiSrv::Event& event = hit.event->event();
+    if (hmi::contains(event.name().view(), query.text) || containsText(event.payload(), query.text))
+        return true;
+    return hit.texts && (hmi::contains(hit.texts->text.view(), query.text) ||
+                         containsText(hit.texts->parameters, query.text));
+}
+
+void EventSearch::sortByName(std::vector<Hit>& hits) const {
+    std::vector<std::pair<std::string, Hit>> named;
+    named.reserve(hits.size());
+    for (Hit& hit : hits) {
+        std::string name = nameOf(hit);
+        named.emplace_back(std::move(name), std::move(hit));
+    }
+    std::stable_sort(named.begin(), named.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    if (query.nameReversed)
+        std::reverse(named.begin(), named.end());
+    std::transform(named.begin(), named.end(), hits.begin(),
+                   [](auto& entry) { return std::move(entry.second); });
+}
+
+void EventSearch::addTexts(Result& result) const {
+    if (!query.isLocalized())
+        return;
+    const auto end = Clock::now() + query.wait;
+    auto& hits = result.hits;
+    const std::size_t portion = query.everyText ? EventTextService::maxAsked : hits.size();
+    for (std::size_t first = 0; first < hits.size(); first += portion) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        if (first > 0 && left.count() <= 0)
+            return;
+        std::vector<EventRecordPtr> events;
+        for (std::size_t i = first; i < std::min(first + portion, hits.size()); ++i)
+            events.push_back(hits[i].event);
+        std::vector<TextsPtr> texts = service.get(events, query.locale, left);
+        for (std::size_t i = 0; i < texts.size(); ++i)
+            hits[first + i].texts = std::move(texts[i]);
+    }
 }
 
 }  // namespace hmi

@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
+#include "server/api/EventQuery.h"
 #include "server/events/EventBook.h"
-#include "server/http/Target.h"
 #include "server/targets/TargetBook.h"
 #include "server/texts/EventTextService.h"
 
 namespace hmi {
 
-/// A request for events: a filter, a text that they contain, the locale of their texts, a page.
+/// Finds the events that a query selects.
 class EventSearch {
 public:
     struct Hit {
@@ -25,29 +25,30 @@ public:
         std::vector<Hit> hits;
     };
 
-    /// Throws RequestError 400.
-    explicit EventSearch(const Query& query);
+    EventSearch(EventQuery query, const EventBook& book, const TargetBook& targets,
+                EventTextService& service)
+        : query(std::move(query)), book(book), targets(targets), service(service) {}
 
-    /// A text is looked for without regard to the case of A to Z, in the event's name and text
-    /// parameters, and with a locale in its localized text as well, as far as that is known. Waits
-    /// only with a locale, and for the texts only.
-    Result run(const EventBook& book, const TargetBook& targets, EventTextService& service) const;
-    bool isLocalized() const noexcept { return !locale.empty(); }
+    /// The page that was asked for. A text is looked for in what a row shows and in the event's
+    /// other text parameters, without regard to case; in localized texts as far as they are known.
+    /// Waits only with a locale, and for the texts only.
+    Result page() const;
+    /// All events that the query selects, without gaps, and with texts only where they decide.
+    Result all() const;
+    /// Fetches the texts of these, in the locale asked for.
+    void addTexts(Result& result) const;
 
 private:
-    Result select(const EventBook& book, EventTextService& service, std::size_t first,
-                  std::size_t size) const;
+    Result events(std::size_t first, std::size_t size) const;
+    Result found() const;
+    bool contains(const Hit& hit) const;
+    void sortByName(std::vector<Hit>& hits) const;
     bool isBefore(const Hit& a, const Hit& b) const;
-    std::vector<TextsPtr> textsOf(const std::vector<EventRecordPtr>& events,
-                                  EventTextService& service) const;
 
-    EventFilter filter;
-    std::string text;    ///< in small letters; empty: any
-    std::string locale;  ///< empty: none
-    bool withGaps;
-    std::size_t offset;
-    std::size_t limit;
-    std::chrono::milliseconds wait{0};  ///< for texts
+    const EventQuery query;
+    const EventBook& book;
+    const TargetBook& targets;
+    EventTextService& service;
 };
 
 }  // namespace hmi

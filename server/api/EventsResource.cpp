@@ -1,11 +1,18 @@
 #include "server/api/EventsResource.h"
 
-#include <chrono>
+#include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include "server/api/EventSearch.h"
+#include <boost/json/serialize.hpp>
+
+#include "server/api/EventGroups.h"
+#include "server/api/EventsCsv.h"
 #include "server/api/LongList.h"
+#include "server/api/LongText.h"
+#include "server/csv/CsvRow.h"
 #include "server/json/EventJson.h"
 #include "server/json/TargetJson.h"
 #include "server/json/ValueJson.h"
@@ -16,6 +23,8 @@ namespace json = boost::json;
 using ZrHmiSrv::ErrorValue;
 
 namespace {
+
+constexpr std::uint64_t usualLimit = 100;
 
 Response localizationError(ErrorValue result) {
     switch (result) {
@@ -30,21 +39,40 @@ Response localizationError(ErrorValue result) {
     }
 }
 
+json::object toJson(const EventSearch::Hit& hit, Extent extent, const json::storage_ptr& memory) {
+    json::object event = toJson(*hit.event, memory, extent);
+    if (hit.texts && hit.texts->result == ErrorValue::success)
+        addTexts(event, *hit.texts, extent);
+    return event;
+}
+
+/// The answer's first members.
+std::string headOf(const EventSearch::Result& found, const EventQuery& asked) {
+    std::string head = "{\"total\":" + std::to_string(found.total);
+    if (asked.isLocalized())
+        head += ",\"textsPending\":" + std::to_string(found.textsPending);
+    return head;
+}
+
 }  // namespace
 
 void EventsResource::addRoutes(Router& router) {
-    const auto ifLocalized = [](const Request& request, Place place,
-                                Lane otherwise = Lane::local) {
+    const auto ifLocalized = [](const Request& request, Place place, Lane otherwise = Lane::local) {
         return request.target.query.find("locale") ? std::move(place) : Place{otherwise};
     };
     router.add(
         Method::get, "/api/events",
         [=](const Request& r) {
             constexpr std::uint64_t usual = 1000;  // events at a time
-            const bool isLong = r.target.query.number("limit", 0) > usual;
+            const Query& query = r.target.query;
+            const bool isLong = query.number("limit", 0) > usual || isWanted(query, "group");
             return ifLocalized(r, {Lane::lists}, isLong ? Lane::longLists : Lane::local);
         },
         [this](const Request& r) { return list(r); });
+    router.add(
+        Method::get, "/api/events.csv",
+        [=](const Request& r) { return ifLocalized(r, {Lane::lists}, Lane::longLists); },
+        [this](const Request& r) { return table(r); });
     router.add(
         Method::get, "/api/events/*",
         [=, this](const Request& r) {
@@ -54,24 +82,75 @@ void EventsResource::addRoutes(Router& router) {
 }
 
 Response EventsResource::list(const Request& request) {
-    const EventSearch search(request.target.query);
-    const auto found =
-        std::make_shared<const EventSearch::Result>(search.run(book, targets, texts));
-    const auto item = [found](std::size_t index, json::storage_ptr memory) {
+    const Query& query = request.target.query;
+    const EventQuery asked(query, {"counts", "group", "brief"}, usualLimit);
+    const EventSearch search(asked, book, targets, texts);
+    const Extent extent = isWanted(query, "brief") ? Extent::brief : Extent::whole;
+    std::string counts;
+    if (isWanted(query, "counts"))
+        counts = ",\"counts\":" +
+                 serialize(toJson(book.attention(asked.filter.target, asked.filter.lastKnown)));
+    if (isWanted(query, "group"))
+        return grouped(search, asked, extent, counts);
+    const auto found = std::make_shared<const EventSearch::Result>(search.page());
+    const auto item = [found, extent](std::size_t index, json::storage_ptr memory) {
         const EventSearch::Hit& hit = found->hits[index];
-        if (hit.gap)
-            return toJson(*hit.gap, memory);
-        json::object event = toJson(*hit.event, memory);
-        if (hit.texts && hit.texts->result == ErrorValue::success)
-            addTexts(event, *hit.texts);
-        return event;
+        return hit.gap ? toJson(*hit.gap, memory) : toJson(hit, extent, memory);
     };
-    std::string head = "{\"total\":" + std::to_string(found->total);
-    if (search.isLocalized())
-        head += ",\"textsPending\":" + std::to_string(found->textsPending);
-    const std::size_t count = found->hits.size();
-    return LongList{head + ",\"events\":[", count, count * sizeof(EventSearch::Hit), item}
+    return LongList{headOf(*found, asked) + counts + ",\"events\":[", found->hits.size(),
+                    found->hits.size() * sizeof(EventSearch::Hit), item}
         .response();
+}
+
+Response EventsResource::grouped(const EventSearch& search, const EventQuery& asked, Extent extent,
+                                 const std::string& counts) {
+    EventSearch::Result all = search.all();
+    const std::size_t events = all.hits.size();
+    std::vector<EventGroup> groups = groupsOf(std::exchange(all.hits, {}));
+    all.total = groups.size();
+    groups.erase(groups.begin(), groups.begin() + static_cast<std::ptrdiff_t>(
+                                                      std::min(asked.offset, groups.size())));
+    groups.resize(std::min(asked.limit, groups.size()));
+    for (const EventGroup& group : groups)
+        all.hits.push_back({group.newest, {}});
+    search.addTexts(all);
+    const auto found = std::make_shared<const EventSearch::Result>(std::move(all));
+    const auto shown = std::make_shared<const std::vector<EventGroup>>(std::move(groups));
+    const auto item = [found, shown, extent](std::size_t index, json::storage_ptr memory) {
+        json::object group = toJson((*shown)[index], memory);
+        group.emplace("newest", toJson(found->hits[index], extent, memory));
+        return group;
+    };
+    return LongList{
+        headOf(*found, asked) + ",\"events\":" + std::to_string(events) + counts + ",\"groups\":[",
+        shown->size(), shown->size() * sizeof(EventGroup), item}
+        .response();
+}
+
+Response EventsResource::table(const Request& request) {
+    const Query& query = request.target.query;
+    EventQuery asked(query, {"bom"}, EventQuery::maxLimit);
+    asked.everyText = true;
+    if (!query.find("wait"))
+        asked.wait = EventQuery::maxWait;
+    const auto found = std::make_shared<const EventSearch::Result>(
+        EventSearch(asked, book, targets, texts).page());
+    std::string head(isWanted(query, "bom") ? byteOrderMark : std::string_view());
+    const std::size_t count = found->hits.size();
+    Response response = LongText{
+        head + csvHead(),
+        count,
+        count * sizeof(EventSearch::Hit),
+        "",
+        "",
+        [found](std::size_t index) {
+            return csvRow(found->hits[index]);
+        }}.response();
+    response.contentType = "text/csv; charset=utf-8; header=present";
+    response.headers.emplace_back("Content-Disposition", "attachment; filename=\"events.csv\"");
+    if (asked.isLocalized())
+        response.headers.emplace_back("X-Texts-Pending", std::to_string(found->textsPending));
+    return response;
 }
 
 Response EventsResource::one(const Request& request) {

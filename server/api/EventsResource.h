@@ -2,15 +2,17 @@
 
 #include <string>
 
+#include "server/api/EventSearch.h"
 #include "server/events/EventBook.h"
 #include "server/extension/ExtensionCalls.h"
 #include "server/http/Router.h"
+#include "server/json/EventJson.h"
 #include "server/targets/TargetBook.h"
 #include "server/texts/EventTextService.h"
 
 namespace hmi {
 
-/// /api/events: the list, and one event.
+/// /api/events: the list, the same as a table, and one event.
 class EventsResource {
 public:
     EventsResource(const EventBook& book, const TargetBook& targets, ExtensionCalls& extension,
@@ -21,6 +23,9 @@ public:
 
 private:
     Response list(const Request& request);
+    Response grouped(const EventSearch& search, const EventQuery& asked, Extent extent,
+                     const std::string& counts);
+    Response table(const Request& request);
     Response one(const Request& request);
     EventRecordPtr find(const Request& request) const;
 

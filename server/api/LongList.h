@@ -10,8 +10,7 @@
 
 namespace hmi {
 
-/// A JSON object whose last member is an array of many objects. A long one is made part by part
-/// while it is sent, so that it never stands in memory as a whole.
+/// A JSON object whose last member is an array of many objects, as a long text.
 struct LongList {
     std::string head;   ///< the text up to the array's first item
     std::size_t count;  ///< of items

@@ -264,4 +264,13 @@ std::map<std::string, TargetCounts> EventBook::countsByTarget() const {
     return current.countsByTarget();
 }
 
+Attention EventBook::attention(const std::optional<std::string>& target,
+                               bool withLastKnown) const {
+    Lock lock(mutex);
+    Attention attention = current.attention(target);
+    if (withLastKnown)
+        attention.add(lastKnown.attention(target));
+    return attention;
+}
+
 }  // namespace hmi

@@ -65,6 +65,8 @@ public:
     EventRecordPtr findLastKnown(EventId id) const;
     EventPage select(const EventFilter& filter, std::size_t offset, std::size_t limit) const;
     std::map<std::string, TargetCounts> countsByTarget() const;
+    /// Of one target system or all; `withLastKnown`: those included whose target system was lost.
+    Attention attention(const std::optional<std::string>& target, bool withLastKnown) const;
 
 private:
     struct Reset {

@@ -25,8 +25,16 @@ bool EventFilter::matches(const EventRecord& event) const {
 }
 
 bool EventFilter::isBefore(const EventRecord& a, const EventRecord& b) const {
+    return reversed ? isInOrder(b, a) : isInOrder(a, b);
+}
+
+bool EventFilter::isInOrder(const EventRecord& a, const EventRecord& b) const {
     if (order == EventOrder::priority && a.priority != b.priority)
         return a.priority < b.priority;
+    if (order == EventOrder::target && a.target != b.target)
+        return a.target < b.target;
+    if (order == EventOrder::severity && a.severity != b.severity)
+        return a.severity != noSeverity && (b.severity == noSeverity || b.severity < a.severity);
     return a.position < b.position;
 }
 

@@ -9,7 +9,9 @@ namespace hmi {
 
 enum class EventState : std::uint8_t { active, cleared, unconfirmed };
 
-enum class EventOrder : std::uint8_t { time, priority };
+/// Newest first; what needs attention first; by name of the target system; most severe first. Within
+/// these newest first.
+enum class EventOrder : std::uint8_t { time, priority, target, severity };
 
 /// What a reader asks for; what is left open does not count.
 struct EventFilter {
@@ -21,6 +23,7 @@ struct EventFilter {
     std::optional<ZrHmiSrv::Timestamp> from;  ///< time, both ends included
     std::optional<ZrHmiSrv::Timestamp> to;
     EventOrder order = EventOrder::time;
+    bool reversed = false;   ///< the last of that order first
     bool lastKnown = false;  ///< also alarms whose target system was lost
 
     bool matches(const EventRecord& event) const;
@@ -28,6 +31,9 @@ struct EventFilter {
     bool isBefore(const EventRecord& a, const EventRecord& b) const;
     /// How many of the criteria are set, the times aside.
     int criteria() const;
+
+private:
+    bool isInOrder(const EventRecord& a, const EventRecord& b) const;
 };
 
 }  // namespace hmi

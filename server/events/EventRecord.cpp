@@ -1,7 +1,5 @@
 #include "server/events/EventRecord.h"
 
-#include <limits>
-
 #include <boost/container_hash/hash.hpp>
 
 #include "server/events/ValueHash.h"
@@ -73,8 +71,7 @@ std::uint32_t severityOf(const EventContent& content) {
 std::uint64_t priorityOf(EventLife life, bool unconfirmed, std::uint32_t severity) {
     const bool active = life == EventLife::active;
     const std::uint64_t group = (unconfirmed ? 0U : 2U) + (active ? 0U : 1U);
-    const std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
-    return group << 32 | (severity == none ? none : none - 1 - severity);
+    return group << 32 | (severity == noSeverity ? noSeverity : noSeverity - 1 - severity);
 }
 
 std::size_t hashOfMessage(const EventContent& content, std::size_t payloadHash,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -73,6 +74,9 @@ using EventRecordPtr = std::shared_ptr<const EventRecord>;
 
 /// The target system that an alarm or a message names; empty when it names none.
 std::string targetOf(const ZrHmiSrv::Value& parameters);
+
+/// The severity of an event that has none.
+inline constexpr std::uint32_t noSeverity = std::numeric_limits<std::uint32_t>::max();
 
 /// Records with a smaller priority than this are unconfirmed, and no others.
 inline constexpr std::uint64_t priorityOfConfirmed = std::uint64_t{2} << 32;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <tuple>
@@ -22,27 +23,33 @@ struct Stretch {
 
     std::size_t size() const { return last - first; }
 
-    EventPage page(std::size_t offset, std::size_t limit) const {
+    EventPage page(bool reversed, std::size_t offset, std::size_t limit) const {
         EventPage page{size(), {}};
-        if (offset >= size())
-            return page;
-        auto position = index->nth(first + offset);
-        page.events.reserve(std::min(limit, size() - offset));
-        for (std::size_t left = std::min(limit, size() - offset); left > 0; --left)
-            page.events.push_back(*position++);
+        offset = std::min(offset, size());
+        const std::size_t count = std::min(limit, size() - offset);
+        page.events.reserve(count);
+        walk(reversed, offset, count, [&](const auto& event) { page.events.push_back(event); });
         return page;
     }
 
     EventPage page(const EventFilter& filter, std::size_t offset, std::size_t limit) const {
         EventPage page;
-        auto position = index->nth(first);
-        for (std::size_t left = size(); left > 0; --left, ++position) {
-            if (!filter.matches(**position))
-                continue;
+        walk(filter.reversed, 0, size(), [&](const auto& event) {
+            if (!filter.matches(*event))
+                return;
             if (page.total++ >= offset && page.events.size() < limit)
-                page.events.push_back(*position);
-        }
+                page.events.push_back(event);
+        });
         return page;
+    }
+
+private:
+    template <class Take>
+    void walk(bool reversed, std::size_t offset, std::size_t count, Take take) const {
+        if (reversed)
+            std::for_each_n(std::make_reverse_iterator(index->nth(last - offset)), count, take);
+        else
+            std::for_each_n(index->nth(first + offset), count, take);
     }
 };
 
@@ -80,7 +87,34 @@ bool isOneCriterion(const EventFilter& filter) {
     return filter.criteria() == 0 || (filter.criteria() == 1 && filter.severity == 0);
 }
 
+/// Adding the largest number takes one away: unsigned numbers wrap around.
+constexpr std::size_t step(bool added) {
+    return added ? 1 : static_cast<std::size_t>(-1);
+}
+
+std::size_t levelOf(const EventRecord& event) {
+    constexpr std::uint32_t highest = std::tuple_size_v<Attention::BySeverity> - 1;
+    return event.severity == noSeverity ? 0 : std::min(event.severity, highest);
+}
+
+void count(Attention& attention, const EventRecord& event, bool added) {
+    if (event.life == EventLife::active)
+        attention.active[levelOf(event)] += step(added);
+    if (event.unconfirmed)
+        attention.unconfirmed[levelOf(event)] += step(added);
+}
+
 }  // namespace
+
+void Attention::add(const Attention& other) {
+    for (std::size_t level = 0; level < active.size(); ++level) {
+        active[level] += other.active[level];
+        unconfirmed[level] += other.unconfirmed[level];
+    }
+    const Timestamp oldest = other.oldestUnconfirmed;
+    if (oldest.isset() && (!oldestUnconfirmed.isset() || oldest < oldestUnconfirmed))
+        oldestUnconfirmed = oldest;
+}
 
 EventRecordPtr EventStore::find(EventId id) const {
     const auto found = records.get<ById>().find(id);
@@ -118,18 +152,19 @@ void EventStore::erase(EventId id) {
 }
 
 void EventStore::replace(const std::vector<EventRecordPtr>& gone, EventStore& added) {
-    for (const auto& [target, ofTarget] : added.counts)
-        counts.try_emplace(target);
     records.get<ById>().reserve(records.size() + added.size());
     // Nothing below needs memory: the other store's nodes move over.
     for (const EventRecordPtr& event : gone)
         erase(event->id);
-    for (const EventRecordPtr& event : added.records.get<ByPosition>()) {
+    for (const EventRecordPtr& event : added.records.get<ByPosition>())
         erase(event->id);
-        count(*event, true);
-    }
+    targets.merge(added.targets);
+    for (auto& [target, ofTarget] : added.targets)  // those that have events here, too
+        targets.find(target)->second.add(ofTarget);
+    all.add(added.all);
     records.get<ByPosition>().merge(added.records.get<ByPosition>());
-    added.counts.clear();
+    added.targets.clear();
+    added.all = {};
 }
 
 /// What `serve` makes of the smallest stretch that one of the criteria gives.
@@ -163,24 +198,30 @@ auto EventStore::narrowest(const EventFilter& filter, Serve serve) const {
 
 EventPage EventStore::select(const EventFilter& filter, std::size_t offset,
                              std::size_t limit) const {
-    if (filter.order == EventOrder::priority)
-        return selectByPriority(filter, offset, limit);
+    if (filter.order != EventOrder::time)
+        return selectSorted(filter, offset, limit);
     return narrowest(filter, [&](const auto& stretch) {
-        return isOneCriterion(filter) ? stretch.page(offset, limit)
+        return isOneCriterion(filter) ? stretch.page(filter.reversed, offset, limit)
                                       : stretch.page(filter, offset, limit);
     });
 }
 
-EventPage EventStore::selectByPriority(const EventFilter& filter, std::size_t offset,
-                                       std::size_t limit) const {
+EventPage EventStore::selectSorted(const EventFilter& filter, std::size_t offset,
+                                   std::size_t limit) const {
     const auto& byPriority = records.get<ByPriority>();
+    const auto& byTarget = records.get<ByTarget>();
     const bool isAnyTime = !filter.from && !filter.to;
-    if (isAnyTime && filter.criteria() == 0)
-        return stretchOf(byPriority, 0, byPriority.size()).page(offset, limit);
-    if (isAnyTime && filter.criteria() == 1 && filter.state == EventState::unconfirmed)
+    const bool isAll = isAnyTime && filter.criteria() == 0;
+    const bool isPriority = filter.order == EventOrder::priority;
+    if (isAll && filter.order == EventOrder::target)
+        return stretchOf(byTarget, 0, byTarget.size()).page(filter.reversed, offset, limit);
+    if (isAll && isPriority)
+        return stretchOf(byPriority, 0, byPriority.size()).page(filter.reversed, offset, limit);
+    if (isPriority && isAnyTime && filter.criteria() == 1 &&
+        filter.state == EventState::unconfirmed)
         return stretchOf(byPriority, 0,
                          byPriority.lower_bound_rank(std::make_tuple(priorityOfConfirmed)))
-            .page(offset, limit);
+            .page(filter.reversed, offset, limit);
     EventPage page = narrowest(filter, [&](const auto& stretch) {
         return stretch.page(filter, 0, std::numeric_limits<std::size_t>::max());
     });
@@ -197,18 +238,53 @@ EventPage EventStore::selectByPriority(const EventFilter& filter, std::size_t of
     return page;
 }
 
+std::map<std::string, TargetCounts> EventStore::countsByTarget() const {
+    std::map<std::string, TargetCounts> counts;
+    for (const auto& [target, ofTarget] : targets)
+        counts.emplace_hint(counts.end(), target, ofTarget.counts);
+    return counts;
+}
+
+Attention EventStore::attention(const std::optional<std::string>& target) const {
+    Attention attention = all;
+    if (!target) {
+        const auto& byConfirmation = records.get<ByConfirmation>();
+        if (!byConfirmation.empty() && (*byConfirmation.rbegin())->unconfirmed)
+            attention.oldestUnconfirmed = (*byConfirmation.rbegin())->position.time;
+        return attention;
+    }
+    const auto found = targets.find(*target);
+    if (found == targets.end())
+        return {};
+    attention = found->second.attention;
+    if (!found->second.unconfirmed.empty())
+        attention.oldestUnconfirmed = found->second.unconfirmed.rbegin()->time;
+    return attention;
+}
+
+void EventStore::OfTarget::add(OfTarget& other) {
+    counts.alarms += other.counts.alarms;
+    counts.messages += other.counts.messages;
+    counts.active += other.counts.active;
+    counts.unconfirmed += other.counts.unconfirmed;
+    attention.add(other.attention);
+    unconfirmed.merge(other.unconfirmed);
+}
+
 void EventStore::count(const EventRecord& event, bool added) {
-    // Adding the largest number takes one away: unsigned numbers wrap around.
-    const std::size_t step = added ? 1 : static_cast<std::size_t>(-1);
-    const auto entry = counts.try_emplace(event.target).first;
-    TargetCounts& of = entry->second;
-    (event.kind == EventKind::alarm ? of.alarms : of.messages) += step;
+    const auto entry = targets.try_emplace(event.target).first;
+    auto& [of, attention, unconfirmed] = entry->second;
+    (event.kind == EventKind::alarm ? of.alarms : of.messages) += step(added);
     if (event.life == EventLife::active)
-        of.active += step;
-    if (event.unconfirmed)
-        of.unconfirmed += step;
+        of.active += step(added);
+    if (event.unconfirmed) {
+        of.unconfirmed += step(added);
+        added ? void(unconfirmed.insert(event.position)) : void(unconfirmed.erase(event.position));
+    }
+    hmi::count(attention, event, added);
+    hmi::count(all, event, added);
     if (of.alarms + of.messages == 0)
-        counts.erase(entry);
+        targets.erase(entry);
 }
 
 }  // namespace hmi

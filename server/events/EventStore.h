@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -29,6 +31,16 @@ struct TargetCounts {
     std::size_t unconfirmed = 0;
 };
 
+/// What waits for an operator: alarms by severity, those without one as the least.
+struct Attention {
+    using BySeverity = std::array<std::size_t, 5>;
+    BySeverity active{};
+    BySeverity unconfirmed{};
+    ZrHmiSrv::Timestamp oldestUnconfirmed = {};  ///< not set when there is none
+
+    void add(const Attention& other);
+};
+
 /// A set of events with an index for each way to look at it. Not synchronised.
 class EventStore {
 public:
@@ -49,10 +61,13 @@ public:
 
     /// The selected events from `offset` on, at most `limit`, in the filter's order. One criterion
     /// or none, and a stretch of time, costs O(log n + limit); of several, the rarest is walked. So
-    /// it is in the order of priority, except for all events and for the unconfirmed ones.
+    /// it is in other orders than that of time, except for all events in the order of priority or
+    /// of target systems, and for the unconfirmed ones in that of priority.
     EventPage select(const EventFilter& filter, std::size_t offset, std::size_t limit) const;
     /// By name; targets without events have no entry.
-    const std::map<std::string, TargetCounts>& countsByTarget() const noexcept { return counts; }
+    std::map<std::string, TargetCounts> countsByTarget() const;
+    /// Of one target system or all. No event is looked at.
+    Attention attention(const std::optional<std::string>& target) const;
 
 private:
     template <auto Facet>
@@ -91,14 +106,23 @@ private:
             FacetIndex<ByPriority, &EventRecord::priority>,
             FacetIndex<ByContent, &EventRecord::contentHash>>>;
 
-    EventPage selectByPriority(const EventFilter& filter, std::size_t offset,
-                               std::size_t limit) const;
+    struct OfTarget {
+        TargetCounts counts;
+        Attention attention;
+        std::set<EventPosition> unconfirmed;
+
+        /// Takes over what another one counts; needs no memory.
+        void add(OfTarget& other);
+    };
+
+    EventPage selectSorted(const EventFilter& filter, std::size_t offset, std::size_t limit) const;
     template <class Serve>
     auto narrowest(const EventFilter& filter, Serve serve) const;
     void count(const EventRecord& event, bool added);
 
     Records records;
-    std::map<std::string, TargetCounts> counts;
+    std::map<std::string, OfTarget> targets;
+    Attention all;
 };
 
 }  // namespace hmi

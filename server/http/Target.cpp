@@ -74,9 +74,12 @@ const std::string* Query::find(std::string_view name) const {
     return nullptr;
 }
 
-void Query::allowOnly(std::initializer_list<std::string_view> names) const {
+void Query::allowOnly(Names names, Names further) const {
+    const auto isIn = [](Names all, const std::string& name) {
+        return std::find(all.begin(), all.end(), name) != all.end();
+    };
     for (const auto& parameter : parameters) {
-        if (std::find(names.begin(), names.end(), parameter.first) == names.end())
+        if (!isIn(names, parameter.first) && !isIn(further, parameter.first))
             throw RequestError(400, "unknown parameter " + parameter.first);
     }
 }

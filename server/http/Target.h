@@ -15,8 +15,9 @@ public:
     void add(std::string name, std::string value);
     /// Null when the name is missing or its value is empty, which means the same.
     const std::string* find(std::string_view name) const;
+    using Names = std::initializer_list<std::string_view>;
     /// Throws RequestError 400 unless every name is one of these.
-    void allowOnly(std::initializer_list<std::string_view> names) const;
+    void allowOnly(Names names, Names further = {}) const;
     /// A whole number from 0 on; throws RequestError 400 for anything else.
     std::uint64_t number(std::string_view name, std::uint64_t otherwise) const;
 

@@ -2,6 +2,7 @@
 
 #include <boost/json/monotonic_resource.hpp>
 #include <boost/json/serialize.hpp>
+#include <boost/json/value_from.hpp>
 
 #include "server/json/TargetJson.h"
 #include "server/json/ValueJson.h"
@@ -9,6 +10,7 @@
 namespace hmi {
 
 namespace json = boost::json;
+using namespace std::string_view_literals;
 using ZrHmiSrv::Alarm;
 using ZrHmiSrv::Message;
 
@@ -39,9 +41,19 @@ json::object lifeOf(const Confirmation& confirmation, const json::storage_ptr& s
     return object;
 }
 
+json::object briefly(const ZrHmiSrv::Value& parameters, const json::storage_ptr& storage) {
+    json::object object(parameters.size(), storage);
+    for (auto entry = parameters.begin(); entry != parameters.end(); ++entry) {
+        const std::string_view name = entry.name();
+        if (entry->type() != ZrHmiSrv::ValueType::binary && name != "jsonAttribute")
+            object.emplace(toJson(name, storage), toJson(*entry, storage));
+    }
+    return object;
+}
+
 }  // namespace
 
-json::object toJson(const EventRecord& event, json::storage_ptr storage) {
+json::object toJson(const EventRecord& event, json::storage_ptr storage, Extent extent) {
     const ZrHmiSrv::Event& base = event.event();
     const Alarm unset;
     const Alarm& alarm = event.alarm() ? *event.alarm() : unset;
@@ -66,16 +78,28 @@ json::object toJson(const EventRecord& event, json::storage_ptr storage) {
         object.emplace("confirmation", lifeOf(*event.confirmation, storage));
     if (event.lastKnownSince.isset())
         object.emplace("lastKnownSince", toJson(event.lastKnownSince, storage));
-    object.emplace("parameters", toJson(base.payload(), storage));
+    if (extent == Extent::brief && base.payload().is_map())
+        object.emplace("parameters", briefly(base.payload(), storage));
+    else
+        object.emplace("parameters", toJson(base.payload(), storage));
     return object;
 }
 
-void addTexts(json::object& event, const EventTexts& texts) {
+void addTexts(json::object& event, const EventTexts& texts, Extent extent) {
     event.emplace("text", toJson(texts.text.view(), event.storage()));
     for (const char* name : localizedParameters) {
+        const bool isListed = name == "eventClassName"sv || name == "localizedSourceName"sv;
+        if (extent == Extent::brief && !isListed)
+            continue;
         if (const ZrHmiSrv::Value* const value = texts.parameters.lookup(name))
             event.emplace(name, toJson(*value, event.storage()));
     }
+}
+
+json::object toJson(const Attention& attention) {
+    return {{"unconfirmed", json::value_from(attention.unconfirmed)},
+            {"active", json::value_from(attention.active)},
+            {"oldestUnconfirmed", toJson(attention.oldestUnconfirmed)}};
 }
 
 json::object toJson(const LogEntry& entry, json::storage_ptr storage) {

@@ -7,15 +7,22 @@
 #include <boost/json/object.hpp>
 
 #include "server/events/Change.h"
+#include "server/events/EventStore.h"
 #include "server/events/LocalizedEvent.h"
 
 namespace hmi {
 
-/// An event as clients see it.
-boost::json::object toJson(const EventRecord& event, boost::json::storage_ptr storage = {});
-/// Adds the texts of a localization that succeeded.
-void addTexts(boost::json::object& event, const EventTexts& texts);
+/// How much of an event: all, or without what no list shows (JSON attributes, arguments and other
+/// binary parameters, causes and details).
+enum class Extent : std::uint8_t { whole, brief };
 
+/// An event as clients see it.
+boost::json::object toJson(const EventRecord& event, boost::json::storage_ptr storage = {},
+                           Extent extent = Extent::whole);
+/// Adds the texts of a localization that succeeded.
+void addTexts(boost::json::object& event, const EventTexts& texts, Extent extent = Extent::whole);
+
+boost::json::object toJson(const Attention& attention);
 boost::json::object toJson(const LogEntry& entry, boost::json::storage_ptr storage = {});
 
 /// What the stream calls a change of this type.

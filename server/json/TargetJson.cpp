@@ -48,13 +48,17 @@ json::object toJson(const TargetStatus& target, json::storage_ptr storage) {
     return object;
 }
 
+std::string_view nameOf(GapReason reason) {
+    return reasonNames[static_cast<std::size_t>(reason)];
+}
+
 json::object toJson(const Gap& gap, json::storage_ptr storage) {
     json::object object(6, storage);
     object.emplace("kind", "gap");
     object.emplace("target", toJson(std::string_view(gap.target), storage));
     object.emplace("from", toJson(gap.from, storage));
     object.emplace("to", toJson(gap.to, storage));
-    object.emplace("reason", reasonNames[static_cast<std::size_t>(gap.reason)]);
+    object.emplace("reason", nameOf(gap.reason));
     object.emplace("lost", gap.lost ? json::value(*gap.lost) : json::value());
     return object;
 }

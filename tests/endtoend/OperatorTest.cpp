@@ -124,6 +124,85 @@ TEST_F(Operator, SeesALostTargetSystemAndWhatWasKnownOfItLast) {
     EXPECT_FALSE(server.events("target=Packer&gaps=1&limit=1").at(0).at("to").is_null());
 }
 
+TEST_F(Operator, FindsCountsAndGroupsWhatTheRowsShow) {
+    raise(filler, "low");
+    raise(filler, "lower");
+    raise(packer, "jam");
+    act(filler, R"([{"do": "raise", "class": "{00000001-0000-0000-0000-00000000ABCD}", "event": 1,
+                     "alarm": "elsewhere", "source": {"name": "Straße"}, "arguments": [7],
+                     "json": "{\"a\": 1}", "timeRaised": "2024-05-01T06:30:00Z"},
+                    {"do": "clear", "alarm": "elsewhere"}])");
+    ASSERT_TRUE(reaches("state=active", 3));
+    ASSERT_TRUE(reaches("state=cleared", 1));
+    const auto ask = [&](const std::string& query) {
+        return server.get("/api/events?" + query).json();
+    };
+    const json::value counts = ask("counts=1&limit=0&state=cleared").at("counts");
+    EXPECT_EQ(counts, json::parse(R"({"unconfirmed": [0,0,0,4,0], "active": [0,0,0,3,0],
+                                      "oldestUnconfirmed": "2024-05-01T06:30:00.0000000Z"})"));
+    EXPECT_EQ(ask("counts=1&target=Packer").at("counts").at("active").at(3), 1);
+
+    const json::value groups = ask("group=1&kind=alarm&locale=de-DE&wait=5000&brief=1");
+    EXPECT_EQ(groups.at("total"), 3);
+    EXPECT_EQ(groups.at("events"), 4);
+    std::string shown;
+    for (const json::value& group : groups.at("groups").as_array())
+        shown += serialize(group.at("target")) + serialize(group.at("sourceName")) +
+                 serialize(group.at("count")) + serialize(group.at("active")) +
+                 serialize(group.at("newest").at("text")) + "\n";
+    EXPECT_THAT(shown, testing::EndsWith("\"Filler\"\"Straße\"10\"Stand 7 niedrig\"\n"));
+    EXPECT_THAT(shown, testing::HasSubstr("\"Filler\"\"Tank\"22\"Stand 15 niedrig\"\n"));
+    EXPECT_EQ(ask("group=1&limit=1&offset=2&text=STRASSE").at("groups").as_array().size(), 0U);
+
+    for (const char* found : {"text=stRASSe", "text=ABcd&target=Filler&state=cleared",
+                              "text=stand+7&locale=de-DE&wait=5000",
+                              "text=m%C3%A4CHINE&locale=en-US&wait=5000&state=cleared",
+                              "text=BEH%C3%84LTER&locale=de-DE&wait=5000&target=Packer"})
+        EXPECT_EQ(ask(found).at("total"), found[5] == 'm' ? 0 : 1) << found;
+    const auto first = [&](const std::string& order) {
+        const json::value row =
+            ask("locale=en-US&wait=5000&kind=alarm&limit=1&order=" + order).at("events").at(0);
+        return std::string(row.at("parameters").at("targetName").as_string()) + "/" +
+               std::string(row.at("text").as_string());
+    };
+    EXPECT_EQ(first("-time"), "Filler/Level 7 low");
+    EXPECT_EQ(first("-priority"), "Filler/Level 7 low");
+    EXPECT_EQ(first("-target"), "Packer/Level 15 low");
+    EXPECT_EQ(first("-name"), "Filler/Level 7 low");
+    EXPECT_NE(first("name"), "Filler/Level 7 low");
+    EXPECT_EQ(server.events("order=-target").at(0).at("kind"), "message");
+
+    const json::object whole = server.events("state=cleared").at(0).at("parameters").as_object();
+    const json::object brief =
+        server.events("state=cleared&brief=1").at(0).at("parameters").as_object();
+    for (const char* hidden : {"jsonAttribute", "types", "data"})
+        EXPECT_TRUE(whole.contains(hidden) && !brief.contains(hidden)) << hidden;
+    EXPECT_EQ(brief.at("sourceName"), "Straße");
+}
+
+TEST_F(Operator, TakesTheListAwayAsATable) {
+    act(filler, R"({"do": "raise", "class": "{00000001-0000-0000-0000-00000000ABCD}", "event": 1,
+                    "alarm": "odd", "source": {"name": "=1+1;\"x\""}, "arguments": ["a,b"],
+                    "timeRaised": "2024-05-01T07:00:00.5Z"})");
+    ASSERT_TRUE(reaches("kind=alarm", 1));
+    const std::string all = "/api/events.csv?bom=1&target=Filler&locale=de-DE";
+    const std::string table = server.get(all).body;
+    EXPECT_THAT(table, testing::StartsWith("\xEF\xBB\xBFkind,id,target,severity,state,"));
+    EXPECT_THAT(
+        table,
+        testing::HasSubstr(
+            ",Filler,3,active,pending,2024-05-01T07:00:00.5000000Z,,,2024-05-01T07:00:00.5000000Z,"
+            "\"Stand a,b niedrig\",Machine,\"'=1+1;\"\"x\"\"\",,"));
+    EXPECT_THAT(table, testing::HasSubstr("\r\nmessage,m"));
+    EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 3);
+    act(filler, R"({"do": "message", "class": "{00000001-0000-0000-0000-00000000ABCD}",
+                    "event": 2, "count": 90})");
+    ASSERT_TRUE(reaches("kind=message&target=Filler", 91));
+    const std::string many = server.get("/api/events.csv?kind=message&target=Filler").body;
+    EXPECT_EQ(std::count(many.begin(), many.end(), '\n'), 92) << "no smaller limit than the list's";
+    EXPECT_EQ(server.get("/api/events.csv?group=1").status, 400U);
+}
+
 TEST_F(Operator, OrdersAndFollows) {
     EXPECT_EQ(server.get("/api/stream?types=nonsense").status / 100, 4U);
     StreamClient all(server.port());
@@ -151,7 +230,8 @@ TEST_F(Operator, OrdersAndFollows) {
     EXPECT_EQ(server.events("target=Filler&order=priority").at(0).at("kind"), "alarm");
     EXPECT_EQ(countOf("target=Filler&from=2024-05-01T07:00:00.5Z&to=2024-05-01T07:00:00.5Z"), 1U);
     EXPECT_EQ(countOf("target=Filler&to=2024-05-01T06:59:59Z"), 1U);
-    for (const char* refused : {"order=age", "from=yesterday", "to=2024-02-30T00:00:00Z", "gaps=2"})
+    for (const char* refused :
+         {"order=age", "order=-", "group=2", "from=yesterday", "to=2024-02-30T00:00:00Z", "gaps=2"})
         EXPECT_EQ(server.get(std::string("/api/events?") + refused).status, 400U) << refused;
 }
 

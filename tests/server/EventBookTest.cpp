@@ -237,6 +237,24 @@ void handOver(EventBook& book, std::mt19937& random, const PlainList& list, cons
               batch.size());
 }
 
+/// What waits for an operator, counted one by one.
+void expectAttention(const EventBook& book, const PlainList& list,
+                     const std::optional<std::string>& target) {
+    Attention expected;
+    EventFilter filter;
+    filter.target = target;
+    for (const EventRecordPtr& event : list.select(filter)) {
+        expected.active[event->severity] += event->life == EventLife::active ? 1U : 0U;
+        expected.unconfirmed[event->severity] += event->unconfirmed ? 1U : 0U;
+        if (event->unconfirmed)
+            expected.oldestUnconfirmed = event->position.time;
+    }
+    const Attention attention = book.attention(target, false);
+    ASSERT_EQ(attention.active, expected.active);
+    ASSERT_EQ(attention.unconfirmed, expected.unconfirmed);
+    ASSERT_EQ(attention.oldestUnconfirmed, expected.oldestUnconfirmed);
+}
+
 TEST(EventBook, SelectsWhatAPlainWalkWouldSelect) {
     constexpr const char* targets[] = {"A", "B", ""};
     std::mt19937 random(1);
@@ -271,6 +289,7 @@ TEST(EventBook, SelectsWhatAPlainWalkWouldSelect) {
         ASSERT_EQ(counts.active, list.select(filter).size()) << step;
         filter.state = EventState::unconfirmed;
         ASSERT_EQ(counts.unconfirmed, list.select(filter).size()) << step;
+        expectAttention(book, list, below(2) ? filter.target : std::nullopt);
 
         if (below(2))
             filter.target.reset();
@@ -280,7 +299,8 @@ TEST(EventBook, SelectsWhatAPlainWalkWouldSelect) {
         if (below(2))
             filter.state = static_cast<EventState>(below(3));
         filter.severity = static_cast<std::uint32_t>(below(2) * below(5));
-        filter.order = static_cast<EventOrder>(below(2));
+        filter.order = static_cast<EventOrder>(below(4));
+        filter.reversed = below(2) != 0;
         if (below(2))
             filter.from = Timestamp((1 + below(10)) * 1'000'000'000LL);
         if (below(2))

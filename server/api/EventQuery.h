@@ -1,0 +1,44 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "server/events/EventFilter.h"
+#include "server/http/Target.h"
+
+namespace hmi {
+
+/// What a request for events asks for: a filter, a text that they contain, the locale of their
+/// texts, an order, a page.
+struct EventQuery {
+    /// Reads what selects events; throws RequestError 400. `further`: names that the request may
+    /// have besides. The limit is `usualLimit` unless told.
+    EventQuery(const Query& query, Query::Names further, std::uint64_t usualLimit);
+
+    bool isLocalized() const noexcept { return !locale.empty(); }
+
+    static constexpr std::uint64_t maxLimit = 100'000;
+    static constexpr std::chrono::milliseconds maxWait{5000};
+
+    EventFilter filter;
+    bool byName = false;  ///< ordered by what the row shows, in the place of the filter's order
+    bool nameReversed = false;
+    std::string text;    ///< folded; empty: any
+    std::string locale;  ///< empty: none
+    bool withGaps;
+    std::size_t offset;
+    std::size_t limit;
+    std::chrono::milliseconds wait{0};  ///< for texts
+    bool everyText = false;  ///< as many texts as come in that time, not only those of a list
+
+private:
+    void readOrder(const Query& query);
+};
+
+/// Whether a parameter that is 0 or 1 is 1; throws RequestError 400 when it is another.
+bool isWanted(const Query& query, std::string_view name);
+
+}  // namespace hmi
