@@ -12,12 +12,14 @@ import * as horn from "./shell/horn.js";
 import * as situation from "./shell/situation.js";
 import * as strip from "./shell/strip.js";
 import * as targetsFold from "./shell/targets.js";
-import { follow, link, onChange } from "./shell/stream.js";
+import { askForSignIn, showUser } from "./shell/session.js";
+import { follow, followAnew, link, onChange } from "./shell/stream.js";
 
 /** @type {Record<string, () => Promise<import("./types.js").View>>} */
 const views = {
   operate: () => import("./operate/operate.js"),
   understand: () => import("./understand/understand.js"),
+  past: () => import("./past/past.js"),
   engineer: () => import("./engineer/engineer.js"),
 };
 const ranks = ["view", "confirm", "engineer"];
@@ -26,6 +28,8 @@ const root = byId("view");
 /** @type {import("./types.js").View | null} */
 let view = null;
 let openName = "";
+let hasHistory = false;
+let isSigningIn = false;
 
 /** @type {import("./types.js").Context} */
 const context = {
@@ -51,7 +55,8 @@ function showNav() {
   for (const entry of /** @type {NodeListOf<HTMLAnchorElement>} */ (
     document.querySelectorAll("#nav a"))) {
     const name = entry.dataset.view ?? "";
-    entry.hidden = name === "engineer" && !context.may("engineer");
+    entry.hidden = (name === "engineer" && !context.may("engineer")) ||
+      (name === "past" && !hasHistory);
     entry.toggleAttribute("aria-current", false);
     if (name === openName)
       entry.setAttribute("aria-current", "page");
@@ -91,17 +96,40 @@ function languageChanged() {
   strip.show();
   targetsFold.show();
   horn.show();
+  showUser(context.user, signInAgain);
   view?.languageChanged?.();
 }
 
+/** Who has signed in; where nobody has, somebody is asked to. */
 async function whoIsThere() {
   try {
-    const { user, role } = await api.session();
+    const { user, role } = await api.session().catch((error) => {
+      if (error.status !== 401)
+        throw error;
+      return askForSignIn();
+    });
     context.user = user === null ? null : { name: user, role };
+    showUser(context.user, signInAgain);
   } catch (error) {
-    const { status, message } = /** @type {import("./shell/api.js").RequestError} */ (error);
-    notify(status === 401 ? label("signInNeeded") : message, true);
+    notify(/** @type {Error} */ (error).message, true);
   }
+}
+
+async function lookForHistory() {
+  hasHistory = await api.request("/api/history?limit=1").then(() => true, () => false);
+  showNav();
+}
+
+/** Nobody is signed in any more: what is shown then is what the next one may see. */
+async function signInAgain() {
+  if (isSigningIn)
+    return;
+  isSigningIn = true;
+  await whoIsThere();
+  isSigningIn = false;
+  followAnew();
+  lookForHistory();
+  await showView(true);
 }
 
 byId("nav").addEventListener("click", (click) => {
@@ -118,6 +146,8 @@ offerLanguages(async (wanted) => {
   languageChanged();
 });
 await whoIsThere();
+api.onSignedOut(signInAgain);
+lookForHistory();
 languageChanged();
 link.onChange(showLink);
 situation.start();

@@ -1,8 +1,10 @@
 // Follows the server's changes for as long as the page lives.
+import { request } from "./api.js";
 
 /** The server says something at least every 10 s. */
 const patience = 12000;     // ms
-const longestDelay = 8000;  // ms, between two attempts
+const shortestDelay = 500;  // ms, between two attempts
+const longestDelay = 8000;
 
 /** @type {Set<(change: import("../types.js").Change) => void>} */
 const listeners = new Set();
@@ -13,7 +15,7 @@ let socket = null;
 let isOpen = false;
 let lastSign = Date.now();
 let lastSequence = 0;
-let delay = 500;
+let delay = shortestDelay;
 /** @type {import("../types.js").LinkState} */
 let state = "connecting";
 
@@ -60,7 +62,15 @@ function hand(change) {
     listeners.forEach((listener) => listener(change));
 }
 
+/** Who is not signed in any more gets no stream, and no reason: the answer of a request has it. */
+function openAgain() {
+  request("/api/version").catch(() => {});
+  open();
+}
+
 function open() {
+  if (socket)
+    return;
   const mine = new WebSocket(`${location.origin.replace(/^http/, "ws")}/api/stream`);
   const giveUp = setTimeout(() => mine.readyState === WebSocket.CONNECTING && end(), patience);
   const end = () => {
@@ -71,13 +81,13 @@ function open() {
     clearTimeout(giveUp);
     mine.close();
     tell();
-    setTimeout(open, delay);
+    setTimeout(openAgain, delay);
     delay = Math.min(2 * delay, longestDelay);
   };
   socket = mine;
   lastSequence = 0;
   mine.onopen = () => {
-    delay = 500;
+    delay = shortestDelay;
     isOpen = true;
     lastSign = Date.now();
     tell();
@@ -97,6 +107,17 @@ function watch() {
   tell();
   if (state === "silent" && isOpen)
     socket?.onclose?.(new CloseEvent("close"));
+}
+
+/** Somebody else is signed in now: the stream is theirs. */
+export function followAnew() {
+  const before = socket;
+  socket = null;
+  isOpen = false;
+  before?.close();
+  delay = shortestDelay;
+  tell();
+  open();
 }
 
 export function follow() {

@@ -1,8 +1,8 @@
 export const words = {
   title: "Alarme und Meldungen", skip: "Zur Ansicht springen", views: "Ansichten",
-  operate: "Bedienen", understand: "Verstehen", engineer: "Einrichten", language: "Sprache",
+  operate: "Bedienen", understand: "Verstehen", past: "Verlauf", engineer: "Einrichten", language: "Sprache",
   overview: "Übersicht", zone: "Zeiten: {0}",
-  viewFailed: "Die Ansicht konnte nicht geladen werden", signInNeeded: "Bitte melden Sie sich an.",
+  viewFailed: "Die Ansicht konnte nicht geladen werden",
   connecting: "verbindet", connected: "live", reconnecting: "Verbindung verloren",
   silent: "kein Lebenszeichen",
   reconnectingSince: "Die Verbindung zum Server ist verloren. Letztes Lebenszeichen: {0}. Was hier steht, kann überholt sein.",

@@ -1,9 +1,8 @@
 // Of the shell, and of events wherever they are shown.
 export const words = {
   title: "Alarms and messages", skip: "Skip to the view", views: "Views", operate: "Operate",
-  understand: "Understand", engineer: "Engineer", language: "Language", overview: "Overview",
+  understand: "Understand", past: "Past", engineer: "Engineer", language: "Language", overview: "Overview",
   zone: "Times: {0}", viewFailed: "The view could not be loaded",
-  signInNeeded: "Please sign in.",
   connecting: "connecting", connected: "live", reconnecting: "connection lost",
   silent: "no sign of life",
   reconnectingSince: "The connection to the server is lost. Last sign of life: {0}. What is shown may be out of date.",

@@ -1,7 +1,7 @@
 export const words = {
   title: "Alarmas y mensajes", skip: "Ir a la vista", views: "Vistas", operate: "Operación",
-  understand: "Análisis", engineer: "Ingeniería", language: "Idioma", overview: "Resumen",
-  zone: "Horas: {0}", viewFailed: "No se pudo cargar la vista", signInNeeded: "Inicie sesión.",
+  understand: "Análisis", past: "Historial", engineer: "Ingeniería", language: "Idioma", overview: "Resumen",
+  zone: "Horas: {0}", viewFailed: "No se pudo cargar la vista",
   connecting: "conectando", connected: "en directo", reconnecting: "conexión perdida",
   silent: "sin señales de vida",
   reconnectingSince: "Se ha perdido la conexión con el servidor. Última señal de vida: {0}. Lo que se muestra puede estar anticuado.",

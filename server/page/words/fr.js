@@ -1,8 +1,7 @@
 export const words = {
   title: "Alarmes et messages", skip: "Aller à la vue", views: "Vues", operate: "Conduite",
-  understand: "Analyse", engineer: "Ingénierie", language: "Langue", overview: "Vue d’ensemble",
+  understand: "Analyse", past: "Historique", engineer: "Ingénierie", language: "Langue", overview: "Vue d’ensemble",
   zone: "Heures : {0}", viewFailed: "La vue n’a pas pu être chargée",
-  signInNeeded: "Veuillez vous connecter.",
   connecting: "connexion", connected: "en direct", reconnecting: "connexion perdue",
   silent: "aucun signe de vie",
   reconnectingSince: "La connexion au serveur est perdue. Dernier signe de vie : {0}. Les données affichées sont peut-être périmées.",

@@ -1,7 +1,7 @@
 export const words = {
   title: "Allarmi e messaggi", skip: "Vai alla vista", views: "Viste", operate: "Conduzione",
-  understand: "Analisi", engineer: "Ingegneria", language: "Lingua", overview: "Panoramica",
-  zone: "Orari: {0}", viewFailed: "Impossibile caricare la vista", signInNeeded: "Accedere, prego.",
+  understand: "Analisi", past: "Cronologia", engineer: "Ingegneria", language: "Lingua", overview: "Panoramica",
+  zone: "Orari: {0}", viewFailed: "Impossibile caricare la vista",
   connecting: "connessione", connected: "in diretta", reconnecting: "connessione persa",
   silent: "nessun segno di vita",
   reconnectingSince: "La connessione al server è persa. Ultimo segno di vita: {0}. I dati mostrati possono essere superati.",

@@ -1,7 +1,7 @@
 export const words = {
   title: "Alarmy i komunikaty", skip: "Przejdź do widoku", views: "Widoki", operate: "Obsługa",
-  understand: "Analiza", engineer: "Inżynier", language: "Język", overview: "Przegląd",
-  zone: "Czas: {0}", viewFailed: "Nie udało się załadować widoku", signInNeeded: "Proszę się zalogować.",
+  understand: "Analiza", past: "Historia", engineer: "Inżynier", language: "Język", overview: "Przegląd",
+  zone: "Czas: {0}", viewFailed: "Nie udało się załadować widoku",
   connecting: "łączenie", connected: "na żywo", reconnecting: "utracono połączenie",
   silent: "brak oznak życia",
   reconnectingSince: "Utracono połączenie z serwerem. Ostatnia oznaka życia: {0}. Wyświetlane dane mogą być nieaktualne.",

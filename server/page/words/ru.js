@@ -1,8 +1,7 @@
 export const words = {
   title: "Тревоги и сообщения", skip: "Перейти к содержимому", views: "Виды",
-  operate: "Управление", understand: "Анализ", engineer: "Настройка", language: "Язык",
+  operate: "Управление", understand: "Анализ", past: "История", engineer: "Настройка", language: "Язык",
   overview: "Обзор", zone: "Время: {0}", viewFailed: "Не удалось загрузить вид",
-  signInNeeded: "Войдите в систему.",
   connecting: "подключение", connected: "на связи", reconnecting: "связь потеряна",
   silent: "нет признаков жизни",
   reconnectingSince: "Связь с сервером потеряна. Последний признак жизни: {0}. Показанные данные могли устареть.",

@@ -1,7 +1,7 @@
 export const words = {
-  title: "报警与消息", skip: "跳到视图", views: "视图", operate: "操作", understand: "分析",
+  title: "报警与消息", skip: "跳到视图", views: "视图", operate: "操作", understand: "分析", past: "历史",
   engineer: "工程", language: "语言", overview: "概览", zone: "时区：{0}",
-  viewFailed: "无法加载视图", signInNeeded: "请登录。",
+  viewFailed: "无法加载视图",
   connecting: "正在连接", connected: "实时", reconnecting: "连接已断开", silent: "无生命迹象",
   reconnectingSince: "与服务器的连接已断开。最后一次收到信号：{0}。显示的内容可能已过时。",
   silentSince: "自 {0} 起未收到服务器的任何信号。显示的内容可能已过时。",

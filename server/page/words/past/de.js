@@ -1,0 +1,21 @@
+// Of the history.
+export const words = {
+  pastTitle: "Verlauf", noHistory: "Dieser Server führt keinen Verlauf.",
+  pastFailed: "Der Verlauf konnte nicht geladen werden: {0}",
+  pastEmpty: "Nichts aus dieser Zeit entspricht dem Filter.", pastPeriod: "Zeitraum",
+  pastPeriod60: "letzte Stunde", pastPeriod480: "letzte 8 Stunden",
+  pastPeriod1440: "letzte 24 Stunden", pastPeriod10080: "letzte 7 Tage",
+  pastPeriod43200: "letzte 30 Tage", pastRange: "von … bis …", pastFrom: "Von", pastTo: "Bis",
+  pastAll: "alle", pastTarget: "Zielsystem", pastKind: "Art", kind_alarm: "Alarme",
+  kind_message: "Meldungen", kind_gap: "Lücken", kind_audit: "Handlungen", pastChange: "Was",
+  pastChange_raised: "gekommen", pastChange_raised_again: "erneut gekommen",
+  pastChange_cleared: "gegangen", pastChange_confirmed: "quittiert",
+  pastChange_removed: "beendet", pastChange_updated: "geändert", pastChange_message: "Meldung",
+  pastChange_gap: "Lücke", pastChange_confirmation: "Quittierung", pastChange_audit: "Handlung",
+  past_requested: "angefordert", past_accepted: "von der Steuerung angenommen",
+  past_confirmed: "von der Steuerung bestätigt", past_failed: "fehlgeschlagen",
+  past_unanswered: "keine Antwort", pastSeverity: "Schwere ab", pastText: "Suche",
+  pastAt: "Zeit", pastEvent: "Ereignis", pastBy: "Von, Bemerkung", pastNewer: "Neuere",
+  pastOlder: "Ältere", pastAgain: "Neu laden", pastCsv: "Exportieren (CSV)",
+  life: "Was mit ihm geschah", lifeLoading: "Wird geladen …", closeLife: "Schließen",
+};

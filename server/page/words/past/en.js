@@ -1,0 +1,20 @@
+// Of the history.
+export const words = {
+  pastTitle: "History", noHistory: "This server keeps no history.",
+  pastFailed: "The history could not be loaded: {0}", pastEmpty: "Nothing in this time matches.",
+  pastPeriod: "Period", pastPeriod60: "last hour", pastPeriod480: "last 8 hours",
+  pastPeriod1440: "last 24 hours", pastPeriod10080: "last 7 days",
+  pastPeriod43200: "last 30 days", pastRange: "from … to …", pastFrom: "From", pastTo: "To",
+  pastAll: "all", pastTarget: "Target system", pastKind: "Kind", kind_alarm: "alarms",
+  kind_message: "messages", kind_gap: "gaps", kind_audit: "what people did", pastChange: "What",
+  pastChange_raised: "raised", pastChange_raised_again: "raised again",
+  pastChange_cleared: "cleared", pastChange_confirmed: "confirmed", pastChange_removed: "ended",
+  pastChange_updated: "changed", pastChange_message: "message", pastChange_gap: "gap",
+  pastChange_confirmation: "confirmation", pastChange_audit: "done by somebody",
+  past_requested: "asked for", past_accepted: "taken by the controller",
+  past_confirmed: "confirmed by the controller", past_failed: "failed",
+  past_unanswered: "no answer", pastSeverity: "Severity from", pastText: "Search",
+  pastAt: "Time", pastEvent: "Event", pastBy: "By, remark", pastNewer: "Newer",
+  pastOlder: "Older", pastAgain: "Load again", pastCsv: "Export (CSV)",
+  life: "What happened to it", lifeLoading: "Loading …", closeLife: "Close",
+};

@@ -1,0 +1,22 @@
+// Of the history.
+export const words = {
+  pastTitle: "Historial", noHistory: "Este servidor no guarda historial.",
+  pastFailed: "No se ha podido cargar el historial: {0}",
+  pastEmpty: "No hay nada que coincida en este periodo.", pastPeriod: "Periodo",
+  pastPeriod60: "última hora", pastPeriod480: "últimas 8 horas",
+  pastPeriod1440: "últimas 24 horas", pastPeriod10080: "últimos 7 días",
+  pastPeriod43200: "últimos 30 días", pastRange: "de … a …", pastFrom: "Desde", pastTo: "Hasta",
+  pastAll: "todos", pastTarget: "Sistema de destino", pastKind: "Tipo", kind_alarm: "alarmas",
+  kind_message: "mensajes", kind_gap: "huecos", kind_audit: "acciones de personas",
+  pastChange: "Qué", pastChange_raised: "activada", pastChange_raised_again: "activada de nuevo",
+  pastChange_cleared: "anulada", pastChange_confirmed: "confirmada",
+  pastChange_removed: "terminada", pastChange_updated: "modificada",
+  pastChange_message: "mensaje", pastChange_gap: "hueco",
+  pastChange_confirmation: "confirmación", pastChange_audit: "acción",
+  past_requested: "solicitada", past_accepted: "aceptada por el controlador",
+  past_confirmed: "confirmada por el controlador", past_failed: "fallida",
+  past_unanswered: "sin respuesta", pastSeverity: "Gravedad desde", pastText: "Buscar",
+  pastAt: "Hora", pastEvent: "Evento", pastBy: "Por, nota", pastNewer: "Más recientes",
+  pastOlder: "Más antiguos", pastAgain: "Volver a cargar", pastCsv: "Exportar (CSV)",
+  life: "Qué le ocurrió", lifeLoading: "Cargando …", closeLife: "Cerrar",
+};

@@ -1,0 +1,21 @@
+// Of the history.
+export const words = {
+  pastTitle: "Historique", noHistory: "Ce serveur ne tient pas d’historique.",
+  pastFailed: "Impossible de charger l’historique : {0}",
+  pastEmpty: "Rien ne correspond pendant cette période.", pastPeriod: "Période",
+  pastPeriod60: "dernière heure", pastPeriod480: "8 dernières heures",
+  pastPeriod1440: "24 dernières heures", pastPeriod10080: "7 derniers jours",
+  pastPeriod43200: "30 derniers jours", pastRange: "de … à …", pastFrom: "De", pastTo: "À",
+  pastAll: "tous", pastTarget: "Système cible", pastKind: "Type", kind_alarm: "alarmes",
+  kind_message: "messages", kind_gap: "lacunes", kind_audit: "actions des personnes",
+  pastChange: "Quoi", pastChange_raised: "apparue", pastChange_raised_again: "réapparue",
+  pastChange_cleared: "disparue", pastChange_confirmed: "acquittée",
+  pastChange_removed: "terminée", pastChange_updated: "modifiée", pastChange_message: "message",
+  pastChange_gap: "lacune", pastChange_confirmation: "acquittement", pastChange_audit: "action",
+  past_requested: "demandé", past_accepted: "accepté par l’automate",
+  past_confirmed: "confirmé par l’automate", past_failed: "échec",
+  past_unanswered: "sans réponse", pastSeverity: "Gravité à partir de", pastText: "Recherche",
+  pastAt: "Heure", pastEvent: "Événement", pastBy: "Par, remarque", pastNewer: "Plus récents",
+  pastOlder: "Plus anciens", pastAgain: "Recharger", pastCsv: "Exporter (CSV)",
+  life: "Ce qui lui est arrivé", lifeLoading: "Chargement …", closeLife: "Fermer",
+};

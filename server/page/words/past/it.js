@@ -1,0 +1,21 @@
+// Of the history.
+export const words = {
+  pastTitle: "Cronologia", noHistory: "Questo server non tiene una cronologia.",
+  pastFailed: "Impossibile caricare la cronologia: {0}",
+  pastEmpty: "Nulla corrisponde in questo periodo.", pastPeriod: "Periodo",
+  pastPeriod60: "ultima ora", pastPeriod480: "ultime 8 ore", pastPeriod1440: "ultime 24 ore",
+  pastPeriod10080: "ultimi 7 giorni", pastPeriod43200: "ultimi 30 giorni", pastRange: "da … a …",
+  pastFrom: "Da", pastTo: "A", pastAll: "tutti", pastTarget: "Sistema di destinazione",
+  pastKind: "Tipo", kind_alarm: "allarmi", kind_message: "messaggi", kind_gap: "lacune",
+  kind_audit: "azioni delle persone", pastChange: "Che cosa", pastChange_raised: "scattato",
+  pastChange_raised_again: "scattato di nuovo", pastChange_cleared: "rientrato",
+  pastChange_confirmed: "confermato", pastChange_removed: "terminato",
+  pastChange_updated: "modificato", pastChange_message: "messaggio", pastChange_gap: "lacuna",
+  pastChange_confirmation: "conferma", pastChange_audit: "azione", past_requested: "richiesta",
+  past_accepted: "accettata dal controllore", past_confirmed: "confermata dal controllore",
+  past_failed: "non riuscita", past_unanswered: "senza risposta", pastSeverity: "Gravità da",
+  pastText: "Cerca", pastAt: "Ora", pastEvent: "Evento", pastBy: "Da, nota",
+  pastNewer: "Più recenti", pastOlder: "Più vecchi", pastAgain: "Ricarica",
+  pastCsv: "Esporta (CSV)", life: "Che cosa è successo", lifeLoading: "Caricamento …",
+  closeLife: "Chiudi",
+};

@@ -1,0 +1,21 @@
+// Of the history.
+export const words = {
+  pastTitle: "Historia", noHistory: "Ten serwer nie prowadzi historii.",
+  pastFailed: "Nie udało się wczytać historii: {0}", pastEmpty: "Nic z tego czasu nie pasuje.",
+  pastPeriod: "Okres", pastPeriod60: "ostatnia godzina", pastPeriod480: "ostatnie 8 godzin",
+  pastPeriod1440: "ostatnie 24 godziny", pastPeriod10080: "ostatnie 7 dni",
+  pastPeriod43200: "ostatnie 30 dni", pastRange: "od … do …", pastFrom: "Od", pastTo: "Do",
+  pastAll: "wszystkie", pastTarget: "System docelowy", pastKind: "Rodzaj", kind_alarm: "alarmy",
+  kind_message: "komunikaty", kind_gap: "luki", kind_audit: "działania ludzi", pastChange: "Co",
+  pastChange_raised: "zgłoszony", pastChange_raised_again: "zgłoszony ponownie",
+  pastChange_cleared: "zakończony", pastChange_confirmed: "potwierdzony",
+  pastChange_removed: "usunięty", pastChange_updated: "zmieniony",
+  pastChange_message: "komunikat", pastChange_gap: "luka",
+  pastChange_confirmation: "potwierdzenie", pastChange_audit: "działanie",
+  past_requested: "zlecone", past_accepted: "przyjęte przez sterownik",
+  past_confirmed: "potwierdzone przez sterownik", past_failed: "niepowodzenie",
+  past_unanswered: "brak odpowiedzi", pastSeverity: "Ważność od", pastText: "Szukaj",
+  pastAt: "Czas", pastEvent: "Zdarzenie", pastBy: "Kto, uwaga", pastNewer: "Nowsze",
+  pastOlder: "Starsze", pastAgain: "Wczytaj ponownie", pastCsv: "Eksportuj (CSV)",
+  life: "Co się z nim działo", lifeLoading: "Wczytywanie …", closeLife: "Zamknij",
+};

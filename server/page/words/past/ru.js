@@ -1,0 +1,21 @@
+// Of the history.
+export const words = {
+  pastTitle: "История", noHistory: "Этот сервер не ведёт историю.",
+  pastFailed: "Не удалось загрузить историю: {0}", pastEmpty: "За это время ничего не найдено.",
+  pastPeriod: "Период", pastPeriod60: "последний час", pastPeriod480: "последние 8 часов",
+  pastPeriod1440: "последние 24 часа", pastPeriod10080: "последние 7 дней",
+  pastPeriod43200: "последние 30 дней", pastRange: "с … по …", pastFrom: "С", pastTo: "По",
+  pastAll: "все", pastTarget: "Целевая система", pastKind: "Вид", kind_alarm: "тревоги",
+  kind_message: "сообщения", kind_gap: "пропуски", kind_audit: "действия людей",
+  pastChange: "Что", pastChange_raised: "возникла", pastChange_raised_again: "возникла снова",
+  pastChange_cleared: "снята", pastChange_confirmed: "подтверждена",
+  pastChange_removed: "завершена", pastChange_updated: "изменена",
+  pastChange_message: "сообщение", pastChange_gap: "пропуск",
+  pastChange_confirmation: "подтверждение", pastChange_audit: "действие",
+  past_requested: "запрошено", past_accepted: "принято контроллером",
+  past_confirmed: "подтверждено контроллером", past_failed: "не удалось",
+  past_unanswered: "нет ответа", pastSeverity: "Важность от", pastText: "Поиск", pastAt: "Время",
+  pastEvent: "Событие", pastBy: "Кто, примечание", pastNewer: "Новее", pastOlder: "Старее",
+  pastAgain: "Загрузить снова", pastCsv: "Экспорт (CSV)", life: "Что с ней происходило",
+  lifeLoading: "Загрузка …", closeLife: "Закрыть",
+};

@@ -1,0 +1,23 @@
+// Of the statistics.
+export const words = {
+  period: "Period", period60: "last hour", period480: "last 8 hours",
+  period1440: "last 24 hours", period10080: "last 7 days", statisticsTarget: "Target system",
+  allTargets: "all", asOf: "As of {0}", noSuchTarget: "Nothing is known of {0}.",
+  statisticsFailed: "The statistics could not be loaded: {0}",
+  rateTitle: "Alarms per 10 minutes", rateAt: "{0}: {1} alarms",
+  rateNone: "No alarm was raised in this time.",
+  rateSummary: "{0} alarms in all; at most {1} in 10 minutes, from {2}.",
+  floodLine: "flood: {0}", asNumbers: "As numbers", rateFrom: "From", alarmCount: "Alarms",
+  nowTitle: "Now", floodNow: "Flood: more alarms than anybody can follow.", inFlood: "flood",
+  noFlood: "no flood",
+  oldestWaits: "The oldest unconfirmed alarm has been waiting for {0}, since {1}.",
+  allConfirmed: "Every alarm is confirmed.", priorities: "By priority", priority: "Priority",
+  countedUnconfirmed: "Unconfirmed", countedActive: "Active", nothingYet: "None in this time.",
+  frequent: "Ten most frequent", statisticsEvent: "Alarm", chattering: "Chattering",
+  perMinute: "Within a minute", noChattering: "No alarm was raised 3 times within a minute.",
+  standing: "Standing longer than a day", standingSince: "Since", age: "Age",
+  noStanding: "No alarm has been active for longer than a day.",
+  gaps: "Gaps: events may be missing", gapFrom: "From", gapUntil: "Until", gapReason: "Reason",
+  gapLostCount: "Lost", notKnown: "not known", noGaps: "Nothing is known to be missing.",
+  perTarget: "Target systems", peak: "Most in 10 minutes", rateState: "State",
+};

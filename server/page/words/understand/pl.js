@@ -1,0 +1,23 @@
+// Of the statistics.
+export const words = {
+  period: "Okres", period60: "ostatnia godzina", period480: "ostatnie 8 godzin",
+  period1440: "ostatnie 24 godziny", period10080: "ostatnie 7 dni",
+  statisticsTarget: "System docelowy", allTargets: "wszystkie", asOf: "Stan na {0}",
+  noSuchTarget: "O {0} nic nie wiadomo.",
+  statisticsFailed: "Nie udało się wczytać statystyki: {0}", rateTitle: "Alarmy na 10 minut",
+  rateAt: "{0}: alarmy: {1}", rateNone: "W tym czasie nie pojawił się żaden alarm.",
+  rateSummary: "Alarmów ogółem: {0}; najwyżej {1} w 10 minut, od {2}.", floodLine: "lawina: {0}",
+  asNumbers: "Jako liczby", rateFrom: "Od", alarmCount: "Alarmy", nowTitle: "Teraz",
+  floodNow: "Lawina: więcej alarmów, niż można śledzić.", inFlood: "lawina",
+  noFlood: "bez lawiny", oldestWaits: "Najstarszy niepotwierdzony alarm czeka {0}, od {1}.",
+  allConfirmed: "Wszystkie alarmy są potwierdzone.", priorities: "Według priorytetu",
+  priority: "Priorytet", countedUnconfirmed: "Niepotwierdzone", countedActive: "Aktywne",
+  nothingYet: "Brak w tym czasie.", frequent: "Dziesięć najczęstszych", statisticsEvent: "Alarm",
+  chattering: "Migoczące", perMinute: "W ciągu minuty",
+  noChattering: "Żaden alarm nie pojawił się 3 razy w ciągu minuty.",
+  standing: "Trwające dłużej niż dobę", standingSince: "Od", age: "Wiek",
+  noStanding: "Żaden alarm nie jest aktywny dłużej niż dobę.",
+  gaps: "Luki: może brakować zdarzeń", gapFrom: "Od", gapUntil: "Do", gapReason: "Przyczyna",
+  gapLostCount: "Utracone", notKnown: "nieznane", noGaps: "O ile wiadomo, niczego nie brakuje.",
+  perTarget: "Systemy docelowe", peak: "Najwięcej w 10 minut", rateState: "Stan",
+};
