@@ -16,7 +16,7 @@ HRESULT AlarmConfirmation::confirm(int hostId) noexcept {
         const auto current = store.pin(hostId);
         return current && current->get() == alarm->get() ? call(alarm) : E_FAIL;
     } catch (...) {
-        reportFailure();
+        reportCurrentException(context.logging, context.targetName);
         return E_FAIL;
     }
 }
@@ -27,13 +27,6 @@ HRESULT AlarmConfirmation::call(const EventStore::AlarmPointer& alarm) {
     const HRESULT hr = alarm->get()->Confirm();
     lock.unlock();
     return ZrAtlCom::check(hr);
-}
-
-/// Of the exception that is being handled.
-void AlarmConfirmation::reportFailure() noexcept {
-    Lock lock(store.publishMutex);
-    if (!context.isOver())
-        reportCurrentException(context.logging, context.targetName);
 }
 
 }  // namespace ZrHmiEventLogger

@@ -17,7 +17,6 @@ public:
 
 private:
     HRESULT call(const EventStore::AlarmPointer& alarm) EXCLUDES(confirmMutex);
-    void reportFailure() noexcept;
 
     const EventContext& context;
     EventStore& store;

@@ -55,8 +55,14 @@ void AlarmLifecycle::onAlarmRaised(IZrAlarm& source, bool quiet) {
     rejectedEvents.unlessMalformed([&] { raisedAlarms.raise(source, quiet); });
 }
 
-void AlarmLifecycle::refresh(const RecordedCallback& notification) {
+void AlarmLifecycle::refresh(const RecordedCallback& notification, bool isRaisedLater) {
     const bool isRaise = notification.kind == NotificationKind::alarmRaised;
+    // The object stands for a later raise by now: its values are not those of what is changed.
+    if (!isRaise && !raisedAlarms.isCurrent(*notification.alarm))
+        return changedAlarms.change(notification, Audience::nobody);
+    // What has ended was raised again before the import took it over.
+    if (!isRaise && notification.flag == VARIANT_TRUE && isRaisedLater)
+        return;
     rejectedEvents.unlessMalformed([&] { raisedAlarms.refresh(*notification.alarm, isRaise); });
     if (!isRaise)
         changedAlarms.change(notification, Audience::nobody);

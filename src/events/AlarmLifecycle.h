@@ -34,8 +34,9 @@ public:
     void onAlarmRaised(IZrAlarm& source, bool quiet);
 
     /// Brings the stored event of a live alarm up to date, silently: it was taken over by an
-    /// import while this notification was on its way.
-    void refresh(const RecordedCallback& notification);
+    /// import while this notification was on its way. `isRaisedLater`: another one, behind it,
+    /// says that the alarm was raised again.
+    void refresh(const RecordedCallback& notification, bool isRaisedLater);
     /// What the last import took over; it holds against late notifications. Under sinkMutex.
     ImportedIdentities& imported() { return identities; }
     RejectedEvents& rejected() { return rejectedEvents; }

@@ -73,6 +73,8 @@ void ChangedAlarms::change(const RecordedCallback& notification, Audience audien
     });
     if (change.removed)
         identities.settle(change.key);
+    if (released.pointer)
+        identities.forget(change.key);
     if (!alarm)
         return tellUnknown(change, audience);
     if (!released.evicted)

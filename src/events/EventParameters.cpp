@@ -16,7 +16,6 @@
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;
-using ZrAtlCom::ComPtr;
 using ZrAtlCom::guidText;
 using ZrAtlCom::receiveText;
 using ZrHmiSrv::Binary;
@@ -62,12 +61,6 @@ private:
 Text classText(const GUID& eventClass) {
     static ClassTexts texts;
     return texts.of(eventClass);
-}
-
-template <class Interface, class Source>
-ComPtr<Interface> attribute(const EventContext& context, Source& source) {
-    context.proceed();
-    return optionalInterface<Interface>(source);
 }
 
 std::int64_t sizeOf(const ArgumentBlockLayout& layout) {
@@ -139,7 +132,7 @@ void addArguments(const EventContext& context, Value& parameters, LiveEvent& sou
 
 /// A logged event says so only through its argument block.
 void addArguments(const EventContext& context, Value& parameters, IZrLoggedEvent& source) {
-    const auto arguments = attribute<IZrEventArguments>(context, source);
+    const auto arguments = context.query<IZrEventArguments>(source);
     if (!arguments) {
         parameters.insert(keys().numArguments, 0);
         return;
@@ -164,7 +157,7 @@ Value parametersOf(const EventContext& context, Source& source) {
         parameters.insert(keys().sourceName, Text(*origin.name));
     if (origin.guid)
         parameters.insert(keys().sourceGuid, Text(*origin.guid));
-    if (const auto json = attribute<IZrJsonAttribute>(context, source)) {
+    if (const auto json = context.query<IZrJsonAttribute>(source)) {
         context.proceed();
         parameters.insert(keys().jsonAttribute,
                           Text(receiveText(&IZrJsonAttribute::get_JsonAttribute, *json)));

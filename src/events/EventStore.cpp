@@ -41,22 +41,13 @@ bool EventStore::removeAlarms() {
     return !removed.empty();
 }
 
-void EventStore::provideEvents(IEventReceiver& receiver) {
-    Lock lock(publishMutex);
-    handOver(receiver);
-}
-
 bool EventStore::tryProvideEvents(IEventReceiver& receiver) {
     if (!publishMutex.try_lock())
         return false;
     Lock lock(publishMutex, std::adopt_lock);
-    handOver(receiver);
-    return true;
-}
-
-void EventStore::handOver(IEventReceiver& receiver) {
     if (!context.isOver())
         receiver.replace_events(context.targetName.c_str(), eventsOldestFirst());
+    return true;
 }
 
 std::vector<Event> EventStore::eventsOldestFirst() const {

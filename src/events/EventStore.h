@@ -64,9 +64,9 @@ public:
     /// Takes out all events that are alarms; false when there are none.
     bool removeAlarms() EXCLUDES(publishMutex, storeMutex);
     /// Hands all events to the receiver, oldest first, as one batch that no change interrupts.
-    /// Those of a target that is over are nobody's any more.
-    void provideEvents(ZrHmiSrv::IEventReceiver& receiver) EXCLUDES(publishMutex, storeMutex);
-    /// The same, unless a change is under way: then false.
+    /// Those of a target that is over are nobody's any more. False when a change is under way.
+    /// Waits for none: the caller may itself be inside a change of another target, which a thread
+    /// inside a change of this one may be waiting for.
     bool tryProvideEvents(ZrHmiSrv::IEventReceiver& receiver) EXCLUDES(publishMutex, storeMutex);
     std::vector<ZrHmiSrv::Event> eventsOldestFirst() const EXCLUDES(storeMutex);
 
@@ -83,7 +83,6 @@ public:
 
 private:
     void publish() REQUIRES(storeMutex);
-    void handOver(ZrHmiSrv::IEventReceiver& receiver) REQUIRES(publishMutex) EXCLUDES(storeMutex);
     void forgetEvent(const ZrHmiSrv::Event& event) const REQUIRES(publishMutex);
     void collectEvictions() REQUIRES(storeMutex);
 

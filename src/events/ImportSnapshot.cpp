@@ -14,6 +14,12 @@ namespace ZrHmiEventLogger {
 
 namespace {
 
+/// Of one of several alarms that have the same key because their logger does not number them.
+AlarmKey keyOfCleared(AlarmKey key, const ZrHmiSrv::Alarm& alarm) {
+    boost::hash_combine(key.origin, alarm.time_cleared().nanoseconds());
+    return key;
+}
+
 bool isStillActive(const EventContext& context, IZrLoggedEvent& item) {
     const auto extended = context.query<IZrLoggedEvent2>(item);
     return extended &&
@@ -73,6 +79,7 @@ void ImportSnapshot::convertActive() {
             return activeAlarms.erase(entry.source.get()) != 0;
         entry.key.timeRaised = entry.alarm.time_raised();  // it may have been raised again
         activeKeys.insert(entry.key);
+        clearedKeys.insert(keyOfCleared(entry.key, entry.alarm));
         return false;
     });
 }
@@ -135,10 +142,20 @@ void ImportSnapshot::build() {
     insertUnlisted();
 }
 
+/// Without a number, one that was cleared at another time is another alarm of the same time and
+/// place. One that the log shows as not cleared may have been cleared since.
+bool ImportSnapshot::isActive(const Logged& entry) const {
+    if (!entry.key || !activeKeys.contains(*entry.key))
+        return false;
+    const auto alarm = entry.event.payload().get_alarm();
+    return entry.key->number || !alarm.time_cleared().isset() ||
+           clearedKeys.contains(keyOfCleared(*entry.key, alarm));
+}
+
 void ImportSnapshot::insertLogged() {
     for (const Logged& entry : logged) {
         const Value& payload = entry.event.payload();
-        if (!payload.isset() || (entry.key && activeKeys.contains(*entry.key)))
+        if (!payload.isset() || isActive(entry))
             continue;
         if (entry.key)
             identities.addAlarm(*entry.key);

@@ -66,6 +66,7 @@ private:
     void keepIds();
     void drawIds();
     void build();
+    bool isActive(const Logged& entry) const;
     void insertLogged();
     void insertActive();
     void insertUnlisted();
@@ -80,6 +81,7 @@ private:
     std::vector<Active> active;
     std::unordered_set<const IZrAlarm*> activeAlarms;
     std::unordered_set<AlarmKey> activeKeys;
+    std::unordered_set<AlarmKey> clearedKeys;  ///< the same, told apart by the time of the clear
     ImportedIdentities identities;
     std::shared_ptr<Container> rebuilt;
     std::shared_ptr<Container> former;

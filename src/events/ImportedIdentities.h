@@ -40,6 +40,13 @@ public:
     /// Its end was told, or the alarm stands in the store as a live one now.
     void settle(const AlarmKey& key) { unsettledAlarms.erase(key); }
 
+    /// It ended as the live alarm that it was. Notifications come in their order, so what is raised
+    /// from now on is another one.
+    void forget(const AlarmKey& key) {
+        if (key.number)
+            alarms.erase(key);
+    }
+
     bool contains(const AlarmKey& key) const { return alarms.contains(key); }
     /// True once for each message that was taken over.
     bool takeMessage(const ZrHmiSrv::Message& message);

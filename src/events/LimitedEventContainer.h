@@ -143,17 +143,6 @@ public:
     std::uint64_t keyCount() const { return groups; }
     const EventStatistics& counters() const { return statistics; }
 
-    /// Exchanges everything but the eviction callbacks. Handles stay valid.
-    void swap(LimitedEventContainer& other) {
-        order.swap(other.order);
-        live.swap(other.live);
-        std::swap(statistics, other.statistics);
-        std::swap(groups, other.groups);
-        std::swap(inside, other.inside);
-        std::swap(firstOutside, other.firstOutside);
-        std::swap(lastLinked, other.lastLinked);
-    }
-
 private:
     using LiveIndex = LiveAlarmIndex<ScopedPointer, Interface, Entry>;
     using OrderHook = boost::intrusive::set_member_hook<

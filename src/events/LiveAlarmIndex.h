@@ -78,8 +78,6 @@ public:
         return first(nodes.template get<ByHostId>().equal_range(std::optional<int>(id)));
     }
 
-    void swap(LiveAlarmIndex& other) { nodes.swap(other.nodes); }
-
 private:
     struct ByObject {};
     struct ByHostId {};

@@ -5,6 +5,7 @@ namespace ZrHmiEventLogger {
 struct LoggedEventImport::Replay {
     const ImportSnapshot& snapshot;
     std::unordered_set<const IZrAlarm*> raised;  ///< in this replay
+    std::unordered_map<const IZrAlarm*, std::size_t> raisesAhead;
 };
 
 ImportResultPtr LoggedEventImport::run(Logger& logger) {
@@ -47,7 +48,10 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
     exchangeStores(snapshot);
     records = notifications.takeRecords();
     result.recorded = records.size();
-    Replay state{snapshot, {}};
+    Replay state{snapshot, {}, {}};
+    for (const auto& record : records)
+        if (record->kind == NotificationKind::alarmRaised)
+            ++state.raisesAhead[record->alarm.get()];
     for (auto& record : records) {
         if (record->kind == NotificationKind::databaseChanged) {
             result.databaseChange = record->reason;
@@ -72,8 +76,10 @@ void LoggedEventImport::exchangeStores(ImportSnapshot& snapshot) {
 void LoggedEventImport::replay(const RecordedCallback& record, Replay& state) {
     constexpr bool quiet = true;
     IZrAlarm* const alarm = record.alarm.get();
+    if (record.kind == NotificationKind::alarmRaised)
+        --state.raisesAhead[alarm];
     if (alarm && state.snapshot.tookOver(alarm))
-        return lifecycle.refresh(record);
+        return lifecycle.refresh(record, state.raisesAhead[alarm] > 0);
     // A change of an alarm that nobody has seen begins with the alarm itself.
     if (alarm && state.raised.insert(alarm).second && record.kind != NotificationKind::alarmRaised)
         lifecycle.onAlarmRaised(*alarm, quiet);

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "events/AlarmLifecycle.h"

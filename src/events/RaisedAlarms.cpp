@@ -112,13 +112,19 @@ EventStore::Evicted RaisedAlarms::replace(const Raised& raised, const Alarm& ala
     });
 }
 
+bool RaisedAlarms::isCurrent(IZrAlarm& source) const {
+    const AlarmKey key = alarmKeyOf(context, source);
+    const auto stored = findStored({source, key, std::nullopt});
+    return stored && stored->time_raised() == key.timeRaised;
+}
+
 void RaisedAlarms::refresh(IZrAlarm& source, bool isRaise) {
     const AlarmKey key = alarmKeyOf(context, source);
     // Only a raise tells that an alarm was raised again.
     const Raised raised{source, key, isRaise ? findUnsettledAlarm(source, key) : std::nullopt};
     const auto stored = findStored(raised);
     if (!stored)
-        return;
+        return isRaise ? raise(source, true) : void();
     Alarm alarm = *stored;
     toHostAlarm(alarm, source, context, alarm.id(), true);
     if (!isRaise && !alarm.time_cleared().isset())

@@ -21,9 +21,12 @@ public:
     /// because an import took it over without its end. One whose end was imported already was
     /// raised before that.
     void raise(IZrAlarm& source, bool quiet);
-    /// Brings the event of a live alarm up to date, silently. `isRaise`: it was raised again;
-    /// otherwise a clear of which its logger does not know the time stays.
+    /// Brings the event of a live alarm up to date, silently. `isRaise`: it was raised again, and
+    /// is entered anew if it had ended before that; otherwise a clear of which its logger does not
+    /// know the time stays.
     void refresh(IZrAlarm& source, bool isRaise);
+    /// Whether the event of a live alarm is of the time at which its object was raised last.
+    bool isCurrent(IZrAlarm& source) const;
 
 private:
     using Container = EventStore::Container;

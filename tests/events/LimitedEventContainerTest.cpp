@@ -225,23 +225,11 @@ protected:
         EXPECT_EQ(removed, expected);
     }
 
-    void swapIntoNewStore() {
-        auto fresh = std::make_unique<Store>();
-        fresh->swap(*store);
-        EXPECT_TRUE(store->counters() == EventStatistics());
-        store->insert(makeEvent("apart", EventKind::message, now), {}, 1);
-        EXPECT_EQ(store->size(), 1U);
-        store = std::move(fresh);
-        reportEvictions();
-    }
-
     void step() {
         const std::int64_t choice = pick(1000);
         PlainWalk::Entry* entry = pickEntry();
         if (choice == 0)
             removeAlarms();
-        else if (choice == 1)
-            swapIntoNewStore();
         else if (choice < 600 || !entry)
             insert();
         else if (choice < 850)

@@ -142,6 +142,79 @@ TEST_F(CrowdedImport, ShowsTheFinalStateOfWhatChangedMeanwhile) {
     EXPECT_THAT(host.take(), Contains("remove 4")) << "known by its new time";
 }
 
+/// As the same object.
+TEST_F(LoggedEventImport, AnAlarmThatEndsAndIsRaisedAgainStandsThereAlive) {
+    struct Case {
+        bool isListedBefore;
+        bool isToldLate;  ///< that it was raised again
+        int again;        ///< when
+        Lines expected;
+    };
+    const Case cases[] = {
+        {false, false, 4, {"4s alarm 1", "9s alarm 2"}},
+        {true, false, 1, {"1s alarm 1", "9s alarm 2"}},
+        {true, false, 4, {"1s alarm 1 cleared now", "4s alarm 3", "9s alarm 2"}},
+        {true, true, 4, {"1s alarm 1 cleared now", "4s alarm 3", "9s alarm 2"}},
+    };
+    for (const Case& tested : cases) {
+        TargetWorld world(100);
+        FakeEvent& alarm = world.active(1, 1);
+        FakeEvent& next = world.active(9, 2);  // when it is read, the first has been
+        bool done = false;
+        const auto endAndRaise = [&] {
+            if (std::exchange(done, true))
+                return;
+            world.cleared(alarm, VARIANT_FALSE);
+            world.confirmed(alarm, VARIANT_TRUE);
+            alarm.data.raised = at(tested.again);
+            if (!tested.isToldLate)
+                world.raised(alarm);
+        };
+        if (!tested.isListedBefore)
+            world.logger.betweenTheLists = endAndRaise;
+        else
+            world.border.onCall = [&] {
+                if (next.asked != 0)
+                    endAndRaise();
+            };
+        world.import();
+        if (tested.isToldLate)
+            world.raised(alarm);
+        EXPECT_EQ(world.stored(), tested.expected);
+    }
+
+    FakeEvent& alarm = active(1, 1);
+    import();
+    cleared(alarm, VARIANT_TRUE);
+    raised(alarm);
+    EXPECT_THAT(stored(), ElementsAre("1s alarm 1 cleared now", "1s alarm 2")) << "also after it";
+}
+
+/// Alarms of one time and place, which their logger does not number.
+TEST_F(LoggedEventImport, OneThatHasEndedStandsBesideItsLikeThatIsActive) {
+    const auto logged = [&](std::uint64_t cleared) -> FakeEvent& {
+        FakeEvent& alarm = loggedAlarm(1, 0);
+        alarm.data.instanceId.reset();
+        alarm.data.cleared = cleared;
+        return alarm;
+    };
+    const auto listed = [&](std::uint64_t cleared) {
+        FakeEvent& alarm = active(1, 0);
+        alarm.data.instanceId.reset();
+        alarm.data.cleared = cleared;
+    };
+    FakeEvent& ended = logged(at(2));
+    logged(at(3));  // the one that still waits for its confirmation
+    logged(0);      // one of the two that the log shows without their end
+    listed(at(3));
+    listed(0);
+    import();
+    EXPECT_THAT(stored(), ElementsAre("1s alarm 1 cleared 2s", "1s alarm 4 cleared 3s",
+                                      "1s alarm 5"));
+    raised(ended);
+    EXPECT_THAT(host.take(), IsEmpty()) << "known to have ended";
+}
+
 TEST_F(LoggedEventImport, ADatabaseChangeEndsTheReplay) {
     loggedAlarm(1, 1, true);
     FakeEvent& before = source(2);
