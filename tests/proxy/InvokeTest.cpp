@@ -67,7 +67,7 @@ HRESULT notify(Sink& sink, DISPID id, Arguments arguments, VARIANT* result = nul
 
 TEST(Invoke, mapsPositionalAndNamedArguments) {
     const VARIANT one = number(1);
-    const VARIANT two = number(2);
+    const VARIANT two = number(2, VT_UINT);
     const VARIANT three = number(3);
     for (const Arguments& arguments :
          {Arguments{{three, two, one}, {}}, Arguments{{three, two, one}, {2}},
@@ -99,6 +99,8 @@ TEST(Invoke, refusesMalformedArgumentsWithoutACall) {
         {{{one, one, one}, {0}}, E_INVALIDARG},           // where a positional one goes
         {{{one, one, one}, {5}}, E_INVALIDARG},           // behind the parameters
         {{{one, one, one}, {0, 1, 2, 0}}, E_INVALIDARG},  // more names than arguments
+        {{{one, number(1, VT_DISPATCH), one}, {}}, DISP_E_TYPEMISMATCH},
+        {{{one, one, number(1, VT_I4 | VT_BYREF)}, {}}, DISP_E_TYPEMISMATCH},
     };
     Sink sink;
     for (const auto& [arguments, expected] : cases)

@@ -28,6 +28,20 @@ HRESULT mapArguments(const DISPPARAMS& arguments, MappedArguments& mapped) {
     return std::find(mapped.begin(), end, nullptr) == end ? S_OK : E_INVALIDARG;
 }
 
+/// The kinds of a 32-bit number are as good as each other.
+VARTYPE kindOf(VARTYPE type) {
+    return type == VT_INT || type == VT_UI4 || type == VT_UINT ? static_cast<VARTYPE>(VT_I4) : type;
+}
+
+/// Values are read out of the variants as they are: one of another type, a number for an object,
+/// would be taken for what it is not.
+bool fit(const CallDescription& call, const MappedArguments& mapped) {
+    return std::equal(call.parameterTypes, call.parameterTypes + call.parameterCount,
+                      mapped.begin(), [](VARTYPE type, const VARIANTARG* argument) {
+                          return kindOf(type) == kindOf(argument->vt);
+                      });
+}
+
 HRESULT dispatch(IDispatch* sink, const SinkEntry& entry, const CallDescription& call,
                  const MappedArguments& mapped, VARIANT* result) {
     VARIANTARG self;
@@ -63,6 +77,8 @@ HRESULT callSinkMember(IDispatch* sink, const SinkEntry& entry, const CallDescri
     MappedArguments mapped{};
     if (const HRESULT hr = mapArguments(*arguments, mapped); FAILED(hr))
         return hr;
+    if (!fit(call, mapped))
+        return DISP_E_TYPEMISMATCH;
 
     VARIANT unwanted;
     VariantInit(&unwanted);
