@@ -174,6 +174,7 @@ void raiseToHost(benchmark::State& state) {
     const auto target = TargetSystemPlatformSpecific<TargetSystem>::make(
         TargetSystemSettings{targetName, "1.2.3.4.5.6", true, ZrHmiSrv::Timespan(), 1000}, domain,
         localAddress, host, stopping, ids);
+    target->prepare();
     FakeEvent alarm(border, eventData(1));
     std::int64_t seconds = 1;
     const auto raise = [&] {

@@ -1,4 +1,7 @@
 /// The extension as the host's alarm provider.
+#include <chrono>
+#include <thread>
+
 #include "events/EventParameters.h"
 #include "extension/ZrHmiEventLogger.h"
 
@@ -10,6 +13,13 @@ using ZrHmiSrv::ResultPair;
 using ZrHmiSrv::Value;
 
 namespace ZrHmiEventLogger {
+
+namespace {
+
+/// A change and the word of it take less.
+constexpr std::chrono::milliseconds pauseForTheBusy(1);
+
+}  // namespace
 
 ResultPair ZrHmiEventLogger::confirm_alarm(const Context&, const Alarm& alarm) {
     try {
@@ -26,26 +36,30 @@ ResultPair ZrHmiEventLogger::confirm_alarm(const Context&, const Alarm& alarm) {
     }
 }
 
-/// Those that are just telling the host something come last.
+/// Those that are just telling the host something come last, when they have told it. The host may
+/// ask from inside a slot, and from inside those of two targets at once, which then would wait for
+/// each other: the wait has an end, and what it leaves out is owed.
 ResultPair ZrHmiEventLogger::provide_events(const Context&, IEventReceiver& receiver) {
     try {
         ErrorValue result = ErrorValue::success;
-        std::vector<TargetSystems::Pointer> busy;
-        const auto provide = [&](const TargetSystems::Pointer& target, bool wait) {
+        auto waiting = targetSystems.copy();
+        const Deadline deadline = longestDeadline(waiting);
+        const auto provide = [&](const Kept& kept) {
             try {
-                if (wait)
-                    target->provideEvents(receiver);
-                else if (!target->tryProvideEvents(receiver))
-                    busy.push_back(target);
+                return kept.target->tryProvideEvents(receiver);
             } catch (...) {
-                reportCurrentException(*this, target->name());
+                kept.target->reportFailure();
                 result = ErrorValue::operation_failed;
+                return true;
             }
         };
-        for (const Kept& kept : targetSystems.copy())
-            provide(kept.target, false);
-        for (const auto& target : std::vector(std::move(busy)))
-            provide(target, true);
+        while (std::erase_if(waiting, provide), !waiting.empty()) {
+            if (std::chrono::steady_clock::now() >= deadline) {
+                reset.owe();
+                return ErrorValue::operation_failed;
+            }
+            std::this_thread::sleep_for(pauseForTheBusy);
+        }
         // A target that is leaving has handed over nothing: that is not to be taken for all quiet.
         return stopping ? ErrorValue::operation_failed : result;
     } catch (...) {

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "extension/HostGate.h"
 #include "host/IZrHmiSrvExtHost.h"
+#include "targetsystem/HostGate.h"
 
 namespace ZrHmiEventLogger {
 

@@ -55,7 +55,15 @@ ResultPair ZrHmiEventLogger::applyTargetSystem(const TargetSystemConfiguration& 
         running->isEnabled() == configured.enabled)
         return ErrorValue::success;
     const Deadline deadline = deadlineAfter(*timeout);
-    replaceTargetSystem(createTargetSystem(configured, *timeout, eventLimit), deadline);
+    const Kept replacement = createTargetSystem(configured, *timeout, eventLimit);
+    const bool prepared = replacement.keeper->awaitPrepared(deadline);
+    if (!prepared)
+        reportRefusal(configured.name, "Its event logger object does not answer.");
+    if (!prepared || replacement.keeper->isRefused()) {
+        targetSystems.retire({replacement}, deadline);
+        return ErrorValue::operation_failed;
+    }
+    replaceTargetSystem(replacement, deadline);
     return ErrorValue::success;
 }
 

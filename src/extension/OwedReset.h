@@ -14,9 +14,11 @@ public:
 
     /// Sends one, or leaves that to the thread that is sending.
     void request() noexcept {
-        owed = true;
+        owe();
         settle();
     }
+    /// Leaves one to the next `settle`.
+    void owe() noexcept { owed = true; }
     /// Tries again what is owed still.
     void settle() noexcept;
 

@@ -139,6 +139,10 @@ void ZrHmiEventLogger::connectEnabledTargetSystems(Deadline deadline) {
         kept.keeper->begin(kept.target->isEnabled());
     // Nor does a target that hangs now keep the others from being checked.
     startTimer();
+    // Of one whose library hangs it is not known yet: its keeper goes on by itself.
+    for (const Kept& kept : all)
+        if (kept.keeper->awaitPrepared(deadline) && kept.keeper->isRefused())
+            throw Refused();
     for (const Kept& kept : all)
         if (kept.target->isEnabled())
             kept.target->firstAttempt().waitUntil(deadline);
@@ -173,8 +177,7 @@ ResultPair ZrHmiEventLogger::shutdown(const Context&) {
     Deadline deadline = deadlineAfter(Timespan());
     try {
         leaving = targetSystems.close();
-        for (const Kept& kept : leaving)
-            deadline = std::max(deadline, deadlineAfter(kept.target->timeout()));
+        deadline = longestDeadline(leaving);
         // At once: what hangs has as long to end as the calls of the listeners have.
         for (const Kept& kept : leaving)
             kept.keeper->retire(deadline);
@@ -194,6 +197,14 @@ ResultPair ZrHmiEventLogger::shutdown(const Context&) {
     }
     hostGate.close(deadlineAfter(Timespan::from_milliseconds(stopTimeoutMilliseconds)));
     return ErrorValue::success;
+}
+
+/// After the longest of their time-outs.
+ZrHmiEventLogger::Deadline ZrHmiEventLogger::longestDeadline(const std::vector<Kept>& targets) {
+    Timespan longest;
+    for (const Kept& kept : targets)
+        longest = std::max(longest, kept.target->timeout());
+    return deadlineAfter(longest);
 }
 
 void ZrHmiEventLogger::unregister(ZrHmiSrv::IZrHmiSrvListener* listener) {

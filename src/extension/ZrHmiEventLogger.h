@@ -8,13 +8,13 @@
 #include "events/ILoggingFunctions.h"
 #include "extension/Configuration.h"
 #include "extension/ConfigurationTurns.h"
-#include "extension/HostGate.h"
 #include "extension/OwedReset.h"
 #include "extension/TargetSystems.h"
 #include "host/IZrHmiSrvExtHost.h"
 #include "host/Threading.h"
 #include "platform/Mutex.h"
 #include "targetsystem/FnxHelper.h"
+#include "targetsystem/HostGate.h"
 #include "targetsystem/LocalAddress.h"
 
 namespace ZrHmiEventLogger {
@@ -84,11 +84,13 @@ private:
     template <class Register>
     bool whileRunning(Register registerIt) EXCLUDES(registrationMutex);
     void createTargetSystems(ZrHmiSrv::Timespan timeout);
+    /// Throws Refused when one cannot be prepared.
     void connectEnabledTargetSystems(Deadline deadline);
     void startTimer();
     void onTimer(ZrHmiSrv::TimerError error);
     void sendResetTemporaryEvents();
     ZrHmiSrv::ResultPair abandonInit(Deadline deadline);
+    static Deadline longestDeadline(const std::vector<Kept>& targets);
     void unregister(ZrHmiSrv::IZrHmiSrvListener* listener);
     void stopThreading();
 

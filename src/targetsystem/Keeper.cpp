@@ -31,7 +31,7 @@ void Keeper::wake() {
 
 void Keeper::retire(TimePoint until) {
     if (const auto target = kept.lock())
-        target->beginRetiring();
+        target->beginRetiring(until);
     Lock lock(mutex);
     if (std::exchange(retiring, true))
         return;
@@ -40,6 +40,7 @@ void Keeper::retire(TimePoint until) {
 }
 
 void Keeper::run(std::shared_ptr<TargetSystem> target) {
+    prepare(*target);
     for (Work work = next(); work != Work::retire; work = next())
         keep(*target, work);
     TimePoint until;
@@ -53,11 +54,21 @@ void Keeper::run(std::shared_ptr<TargetSystem> target) {
     ended.reach();
 }
 
+void Keeper::prepare(TargetSystem& target) {
+    try {
+        target.prepare();
+    } catch (...) {
+        refused = true;
+        target.reportFailure();
+    }
+    prepared.reach();
+}
+
 Keeper::Work Keeper::next() {
     Lock lock(mutex);
     woken = false;
     idle = begun;
-    while (!retiring && !(begun && (connects || woken))) {
+    while (!retiring && !(begun && ((connects && !refused) || woken))) {
         changed.wait(lock);
         idle = begun;
     }
@@ -69,6 +80,7 @@ Keeper::Work Keeper::next() {
 
 void Keeper::keep(TargetSystem& target, Work work) {
     try {
+        target.prepare();
         ImportResultPtr released;
         bool changedForHost = false;
         if (work == Work::connect) {

@@ -23,7 +23,9 @@ constexpr VARIANT_BOOL toVariantBool(bool value) {
 }  // namespace
 
 HRESULT LoggerConnection::create() {
-    return ZrAtlCom::createInstance(CLSID_EventLogger, logger);
+    const HRESULT hr = ZrAtlCom::createInstance(CLSID_EventLogger, logger);
+    usable = logger.get();
+    return hr;
 }
 
 void LoggerConnection::setTimeout(ULONG milliseconds) {

@@ -23,9 +23,9 @@ public:
     HRESULT create();
     void setTimeout(ULONG milliseconds);
 
-    /// Null when it could not be created. What needs no lock is called on it directly: ending a
+    /// Null until it is created, and when it cannot be. What needs no lock is called on it directly: ending a
     /// connection while another thread may be waiting in it, and queries.
-    Logger* get() const { return logger.get(); }
+    Logger* get() const { return usable; }
 
     /// Asks the logger.
     bool isConnected() EXCLUDES(connectionMutex);
@@ -53,6 +53,7 @@ private:
     std::optional<ConnectionState> connectionState GUARDED_BY(stateMutex);
     std::atomic<bool> preloading = false;
     ZrAtlCom::ComPtr<Logger> logger;  ///< constant after creation
+    std::atomic<Logger*> usable = nullptr;  ///< the same, once it is created
 };
 
 }  // namespace ZrHmiEventLogger

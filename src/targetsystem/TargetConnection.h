@@ -45,7 +45,7 @@ public:
     /// deadline it makes no call that waits for the logger, whose release ends the connection too.
     void end(TimePoint deadline);
 
-    /// Advises the sink, the complete target system. Any thread.
+    /// Advises the sink, the target system.
     HRESULT subscribe(IUnknown* sink);
 
     /// Drops the connection only, so that the next check connects and imports again. Any thread,
@@ -78,7 +78,7 @@ private:
 
     const TargetSystemSettings& settings;
     const ConnectionPartners with;
-    std::atomic<IUnknown*> sink = nullptr;
+    IUnknown* sink = nullptr;
     Milestone attempted;
     /// The store shows what the logger held when it was last connected, and nothing since has
     /// asked for another import.

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <atomic>
-
 #include "events/ILoggingFunctions.h"
+#include "targetsystem/HostGate.h"
 
 namespace ZrHmiEventLogger {
 
@@ -10,43 +9,49 @@ namespace ZrHmiEventLogger {
 /// late from a call is dropped. Any thread.
 class TargetLogging final : public ILoggingFunctions {
 public:
-    TargetLogging(ILoggingFunctions& host, const std::atomic<bool>& retired)
-        : host(host), retired(retired) {}
+    explicit TargetLogging(ILoggingFunctions& host) : host(host) {}
+
+    /// Nothing passes from now on. Returns when what is being told has been told, or at the
+    /// deadline, which is what ends it for a thread that is telling something itself.
+    void close(std::chrono::steady_clock::time_point deadline) { gate.close(deadline); }
 
     void logMessage(ZrHmiSrv::Message message) override {
-        if (!retired)
-            host.logMessage(std::move(message));
+        pass([&] { host.logMessage(std::move(message)); });
     }
     void reportCommunicationError(const ZrHmiSrv::Text& text) override {
-        if (!retired)
-            host.reportCommunicationError(text);
+        pass([&] { host.reportCommunicationError(text); });
     }
     void reportCommunicationError(const ZrHmiSrv::Text& text,
                                   const std::exception& exception) override {
-        if (!retired)
-            host.reportCommunicationError(text, exception);
+        pass([&] { host.reportCommunicationError(text, exception); });
     }
     void sendMessage(ZrHmiSrv::Message message) override {
-        if (!retired)
-            host.sendMessage(std::move(message));
+        pass([&] { host.sendMessage(std::move(message)); });
     }
     void raiseAlarm(ZrHmiSrv::Alarm alarm) override {
-        if (!retired)
-            host.raiseAlarm(std::move(alarm));
+        pass([&] { host.raiseAlarm(std::move(alarm)); });
     }
     void updateAlarm(ZrHmiSrv::Alarm alarm, bool removed) override {
-        if (!retired)
-            host.updateAlarm(std::move(alarm), removed);
+        pass([&] { host.updateAlarm(std::move(alarm), removed); });
     }
     void forgetEvent(ZrHmiSrv::Event event) override {
-        if (!retired)
-            host.forgetEvent(std::move(event));
+        pass([&] { host.forgetEvent(std::move(event)); });
     }
-    bool preloadTranslations() override { return !retired && host.preloadTranslations(); }
+    bool preloadTranslations() override {
+        bool preload = false;
+        pass([&] { preload = host.preloadTranslations(); });
+        return preload;
+    }
 
 private:
+    template <class Tell>
+    void pass(Tell tell) {
+        if (const HostGate::Call call(gate); call)
+            tell();
+    }
+
     ILoggingFunctions& host;
-    const std::atomic<bool>& retired;
+    HostGate gate;
 };
 
 }  // namespace ZrHmiEventLogger

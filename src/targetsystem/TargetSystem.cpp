@@ -32,22 +32,28 @@ TargetSystem::TargetSystem(TargetSystemSettings given, ZrHmiSrv::Text domain,
       importer(context, store, notifications, lifecycle),
       textLookup(context, logger, disabled),
       connection(settings,
-                 {context, localAddress, logger, store, importer, textLookup, disabled}) {
-    const HRESULT hr = logger.create();
-    if (FAILED(hr)) {
-        logging.logMessage(diagnosticMessage("CAN_NOT_CREATE_PROXY",
-                                             {name(), ZrAtlCom::hexText(hr)}, Severity::error));
-        return;
-    }
-    logger.setTimeout(toMilliseconds(settings.timeout));
-}
+                 {context, localAddress, logger, store, importer, textLookup, disabled}) {}
 
-void TargetSystem::subscribe() noexcept {
+void TargetSystem::prepare() {
+    if (prepared)
+        return;
+    if (!logger.get())
+        createLogger();
+    if (logger.get())
+        logger.setTimeout(toMilliseconds(settings.timeout));
+    prepared = true;
     try {
         connection.subscribe(this);
     } catch (...) {
-        // It is tried again, and told then.
+        // It is tried again with every connect, and told then.
     }
+}
+
+void TargetSystem::createLogger() {
+    const HRESULT hr = logger.create();
+    if (FAILED(hr))
+        logging.logMessage(diagnosticMessage("CAN_NOT_CREATE_PROXY",
+                                             {name(), ZrAtlCom::hexText(hr)}, Severity::error));
 }
 
 HRESULT TargetSystem::ClearLoggedEvents() {
@@ -59,14 +65,17 @@ HRESULT TargetSystem::ClearLoggedEvents() {
     }
 }
 
-void TargetSystem::beginRetiring() {
-    // A change that is being told is told wholly.
-    Lock lock(store.publishMutex);
-    retired = true;
+void TargetSystem::beginRetiring(TimePoint deadline) {
+    {
+        // A change that is being told is told wholly.
+        Lock lock(store.publishMutex);
+        retired = true;
+    }
+    logging.close(deadline);
 }
 
 void TargetSystem::retire(TimePoint deadline) {
-    beginRetiring();
+    beginRetiring(deadline);
     connection.end(deadline);
 }
 

@@ -35,6 +35,10 @@ public:
     TargetSystem(const TargetSystem&) = delete;
     TargetSystem& operator=(const TargetSystem&) = delete;
 
+    /// Creates the logger object, sets its time-out and advises the sink. Throws
+    /// ZrAtlCom::CAtlException when the logger refuses its time-out, and may be called again then;
+    /// what else fails is told, or tried again with every connect. Keeper only, before all below.
+    void prepare();
     /// The periodic check: connects and imports again what is not connected. True when the host's
     /// events of this target are stale. Keeper only.
     bool CheckConnection(ImportResultPtr& importResult) { return connection.check(importResult); }
@@ -47,9 +51,9 @@ public:
     /// lock; also from inside a notification.
     HRESULT RequestReconnect() { return connection.requestReconnect(); }
     HRESULT ClearLoggedEvents();
-    /// Tells the host nothing from now on, and its keeper begins nothing more. Waits for a change
-    /// that is just being told.
-    void beginRetiring();
+    /// Tells the host nothing from now on, and its keeper begins nothing more. Waits for what is
+    /// just being told, until the deadline for what is no change.
+    void beginRetiring(TimePoint deadline);
     /// The same, and unsubscribes and disconnects, the latter only before the deadline. Keeper
     /// only, or the last owner.
     void retire(TimePoint deadline);
@@ -66,24 +70,19 @@ public:
 
     /// An operator's confirmation.
     ZrHmiSrv::ResultPair confirm(const ZrHmiSrv::Alarm& alarm);
-    /// The events of the store, oldest first, as one batch that no change interrupts.
-    void provideEvents(ZrHmiSrv::IEventReceiver& receiver) { store.provideEvents(receiver); }
-    /// The same, unless a change is under way: then false.
+    /// The events of the store, oldest first, as one batch that no change interrupts. False when a
+    /// change is under way.
     bool tryProvideEvents(ZrHmiSrv::IEventReceiver& receiver) {
         return store.tryProvideEvents(receiver);
     }
     /// Texts of this target's events. Answers what is to be told when they cannot be had.
     TextLookup& texts() { return textLookup; }
 
-    /// Advises the sink, which needs a complete object. Called once the object is shared; what
-    /// fails here is tried again with every connect.
-    void subscribe() noexcept;
-
     /// The notifications that the sink listens to.
     static ZrAtlCom::SinkTable sinkTable();
 
 protected:
-    /// Throws ZrAtlCom::CAtlException when the logger refuses its time-out.
+    /// Calls nothing: a library that hangs is the keeper's affair.
     TargetSystem(TargetSystemSettings settings, ZrHmiSrv::Text domain, LocalAddress& localAddress,
                  ILoggingFunctions& logging, const std::atomic<bool>& stopFlag,
                  std::atomic<std::int32_t>& hostIds);
@@ -96,9 +95,11 @@ private:
     void alarmConfirmed(Alarm* alarm, VARIANT_BOOL removed);
     ULONG databaseChanged(DatabaseChangeReason reason);
 
+    void createLogger();
     void receive(RecordedCallback&& notification);
     void handle(const RecordedCallback& notification);
 
+    bool prepared = false;  ///< keeper only
     LoggerConnection logger;
     NotificationRecorder notifications;
     EventStore store;

@@ -26,7 +26,7 @@ protected:
     TargetSystemBase(TargetSystemSettings given, ZrHmiSrv::Text domain, ILoggingFunctions& host,
                      const std::atomic<bool>& stopFlag, std::atomic<std::int32_t>& hostIds)
         : settings(std::move(given)),
-          logging(host, retired),
+          logging(host),
           context{settings.name,       std::move(domain), logging,  hostIds,
                   settings.eventLimit, settings.timeout,  stopFlag, retired} {}
     ~TargetSystemBase() = default;

@@ -18,13 +18,11 @@ public:
         : Base(std::forward<Arguments>(arguments)...) {}
     ~TargetSystemPlatformSpecific() override { this->retire(Base::TimePoint::max()); }
 
-    /// The sink is advised last, when there is a shared object to notify.
+    /// Shared from the beginning, as its sink is advised while it is being prepared.
     template <class... Arguments>
     static std::shared_ptr<Base> make(Arguments&&... arguments) {
-        auto target = std::make_shared<TargetSystemPlatformSpecific>(
+        return std::make_shared<TargetSystemPlatformSpecific>(
             OnlyMake(), std::forward<Arguments>(arguments)...);
-        target->subscribe();
-        return target;
     }
 };
 

@@ -14,6 +14,13 @@ namespace {
 class Configuration : public testing::Test {
 protected:
     void SetUp() override {
+        host.insideSlot = [this](const std::string& call) {
+            if (call != "log CALL_CONFIRM")
+                return;
+            slow = true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            slow = false;
+        };
         ASSERT_EQ(loaded.init(), ErrorValue::success);
         ASSERT_TRUE(host.waitFor([&] { return host.count("reset") == 1; }));
     }
@@ -55,6 +62,7 @@ protected:
 
     Simulation simulation;
     RecordingHost host{RecordingHost::configurationFor({{"Filler", fillerNetId}})};
+    std::atomic<bool> slow = false;  ///< the host is just being told of a confirmation
     LoadedExtension loaded{host};
 };
 
@@ -74,6 +82,10 @@ TEST_F(Configuration, WhatCannotBeUsedLeavesTheRunningTargetAlone) {
 
     simulation.act(R"({"do": "fail", "call": "SetTimeout", "hresult": "0x80004005"})");
     EXPECT_EQ(set(entry(packerNetId, true)), ErrorValue::operation_failed);
+    simulation.act(R"({"do": "pause", "call": "SetTimeout"})");
+    host.look([&] { host.configuration.insert_or_update("TIMEOUT", Timespan()); });
+    EXPECT_EQ(set(entry(packerNetId, true)), ErrorValue::operation_failed) << "it hangs";
+    simulation.act(R"({"do": "resume"})");
     host.look([&] { host.configuration.insert_or_update("TIMEOUT", "PT5S"); });
     EXPECT_EQ(set(entry(packerNetId, true)), ErrorValue::invalid_configuration);
     EXPECT_EQ(state(), "Good");
@@ -110,6 +122,20 @@ TEST_F(Configuration, AChangedEntryIsAnotherTarget) {
     EXPECT_EQ(state(), "");
     EXPECT_EQ(simulation.liveObjects(packerNetId), 0);
     EXPECT_EQ(loaded.command("ForceReconnect", "Filler").extension_result(), 292U);
+}
+
+TEST_F(Configuration, ARemovedTargetIsHeardNoMore) {
+    simulation.raise("hot");
+    ASSERT_TRUE(host.waitFor([&] { return host.alarms.contains(1); }));
+    std::thread confirming([&] {
+        Alarm alarm;
+        host.look([&] { alarm = host.alarms[1]; });
+        loaded.confirm(alarm);
+    });
+    EXPECT_TRUE(eventually([&] { return slow.load(); }));
+    EXPECT_EQ(remove("TARGET_SYSTEMS::Filler"), ErrorValue::success);
+    EXPECT_FALSE(slow) << "it was just being told";
+    confirming.join();
 }
 
 TEST_F(Configuration, AResetIsOwedUntilTheHostWasTold) {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <thread>
 
@@ -157,6 +158,19 @@ TEST(Lifecycle, ConnectsLaterWhatInitDidNot) {
     EXPECT_EQ(loaded.command("ListEnabledTargetSystems").read_value().size(), 3U);
 }
 
+TEST(Lifecycle, ALibraryThatHangsKeepsNoOtherTargetWaiting) {
+    Simulation simulation;
+    simulation.act(R"({"do": "pause", "call": "SetTimeout"})");
+    RecordingHost host(RecordingHost::configurationFor(
+        {{"Filler", fillerNetId}, {"Packer", packerNetId}}));
+    LoadedExtension loaded(host);
+    std::thread starting([&] { EXPECT_EQ(loaded.init(), ErrorValue::success); });
+    EXPECT_TRUE(eventually([&] { return simulation.calls("SetTimeout") == 2; })) << "side by side";
+    simulation.act(R"({"do": "resume"})");
+    starting.join();
+    ASSERT_TRUE(host.waitFor([&] { return host.logged("LOGGED_EVENTS_IMPORTED") == 2; }));
+}
+
 TEST(Lifecycle, EndsDuringItsBeginningToo) {
     Simulation simulation;
     simulation.act(R"({"do": "pause", "call": "ConnectWithSettings"})");
@@ -196,6 +210,36 @@ TEST(Lifecycle, AfterItsEndTheHostHearsNothing) {
     host.look([&] { EXPECT_EQ(host.calls, atTheEnd); });
     for (const char* netId : {fillerNetId, packerNetId})
         EXPECT_EQ(simulation.liveObjects(netId), 0);
+}
+
+/// Each waits until the other is inside its slot too.
+TEST(Lifecycle, EventsAreProvidedAlsoFromInsideTheSlotsOfTwoTargets) {
+    Simulation simulation;
+    RecordingHost host(RecordingHost::configurationFor(
+        {{"Filler", fillerNetId}, {"Packer", packerNetId}}));
+    host.configuration.insert_or_update("TIMEOUT", Timespan::from_milliseconds(100));
+    LoadedExtension loaded(host);
+    std::atomic<int> inside = 0;
+    std::atomic<int> failed = 0;
+    host.insideSlot = [&](const std::string& call) {
+        if (!call.starts_with("raise "))
+            return;
+        ++inside;
+        EXPECT_TRUE(eventually([&] { return inside == 2; }));
+        failed += !loaded.listener<IZrHmiSrvAlarmProviderListener>()
+                       ->provide_events(loaded.context, host)
+                       .succeeded();
+    };
+    ASSERT_EQ(loaded.init(), ErrorValue::success);
+    for (const char* netId : {fillerNetId, packerNetId})
+        ASSERT_TRUE(eventually([&] { return simulation.calls("IsConnected", netId) > 0; }))
+            << "the reset after its import is over";
+    std::size_t resets = 0;
+    host.look([&] { resets = host.count("reset"); });
+    simulation.raise("hot");
+    simulation.raise("hot", 1, packerNetId);
+    EXPECT_TRUE(host.waitFor([&] { return host.count("reset") > resets; })) << "what was left out";
+    EXPECT_GT(failed, 0);
 }
 
 struct Running : testing::Test {

@@ -35,9 +35,13 @@ ResultPair RecordingHost::note(const std::string& call) {
 }
 
 ResultPair RecordingHost::send_message(const Context&, Message& message, bool publish) {
-    std::lock_guard lock(mutex);
-    (publish ? messages : log).push_back(message);
-    return note((publish ? "message " : "log ") + std::string(message.name().view()));
+    const std::string call = (publish ? "message " : "log ") + std::string(message.name().view());
+    look([&] {
+        (publish ? messages : log).push_back(message);
+        note(call);
+    });
+    insideSlot(call);
+    return {};
 }
 
 ResultPair RecordingHost::register_listener_with_settings(const Context&, Listener* listener,
@@ -61,11 +65,15 @@ ResultPair RecordingHost::unregister_listener(const Context&, Listener* listener
 }
 
 ResultPair RecordingHost::apply_alarm(const Context&, AlarmOperation operation, Alarm alarm) {
-    std::lock_guard lock(mutex);
-    if (operation == AlarmOperation::raise || alarms.contains(alarm.id()))
-        alarms[alarm.id()] = alarm;
     const char* const verbs[] = {"raise ", "update ", "remove "};
-    return note(verbs[static_cast<int>(operation)] + std::to_string(alarm.id()));
+    const std::string call = verbs[static_cast<int>(operation)] + std::to_string(alarm.id());
+    look([&] {
+        if (operation == AlarmOperation::raise || alarms.contains(alarm.id()))
+            alarms[alarm.id()] = alarm;
+        note(call);
+    });
+    insideSlot(call);
+    return {};
 }
 
 ResultPair RecordingHost::drop_event(const Context&, Event event) {

@@ -34,6 +34,9 @@ public:
 
     /// With a time-out of 2 s and a limit of 100 events.
     static Value configurationFor(const std::vector<Target>& targets);
+    /// Runs inside the slot, after the call has been noted and with no lock held. Set it before
+    /// there are calls.
+    std::function<void(const std::string& call)> insideSlot = [](const std::string&) {};
 
     ResultPair send_message(const Context&, Message& message, bool publish) override;
     ResultPair register_listener_with_settings(const Context&, Listener* listener,

@@ -45,10 +45,12 @@ struct Connection : Test {
     std::atomic<bool> stopping = false;
     std::atomic<std::int32_t> ids = 1;
     std::shared_ptr<TargetSystem> make(const char* address) {
-        return ZrHmiEventLogger::TargetSystemPlatformSpecific<TargetSystem>::make(
+        const auto made = ZrHmiEventLogger::TargetSystemPlatformSpecific<TargetSystem>::make(
             ZrHmiEventLogger::TargetSystemSettings{
                 "Filler", address, true, ZrHmiSrv::Timespan::from_milliseconds(20'000), 10},
             "Domain", localAddress, logging, stopping, ids);
+        made->prepare();
+        return made;
     }
     std::shared_ptr<TargetSystem> target = make(fillerNetId);
 };
@@ -195,7 +197,7 @@ TEST_F(Connection, WhatComesBackLateReachesNobody) {
     while (simulation.calls("Severity") == severities ||
            simulation.calls("IsConnected") == checks)
         std::this_thread::yield();
-    target->beginRetiring();
+    target->beginRetiring(TargetSystem::TimePoint::max());
     simulation.act(R"({"do": "resume"})");
     checking.join();
     target->retire(TargetSystem::TimePoint::max());

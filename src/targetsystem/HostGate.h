@@ -5,8 +5,8 @@
 
 namespace ZrHmiEventLogger {
 
-/// The way to the host, which shutdown closes for good: what comes back late from a target system
-/// does not pass. Any thread.
+/// A way to the host, which is closed for good: that of a target system when it is retired, the
+/// extension's at its shutdown. What comes back late does not pass. Any thread.
 class HostGate {
 public:
     /// A call of the host, for as long as it runs. Falsy: the host must not be called any more.

@@ -1,4 +1,4 @@
-#include "extension/HostGate.h"
+#include "targetsystem/HostGate.h"
 
 #include <thread>
 
