@@ -35,14 +35,14 @@ std::vector<EventRecordPtr> eventsOf(const EventStore& store, const std::string&
 }
 
 /// The alarms of these as they were when their target system was lost.
-std::vector<EventRecordPtr> lostAlarms(const std::unordered_set<EventRecordPtr>& vanished) {
-    std::vector<EventRecordPtr> lost;
+EventStore lostAlarms(const std::unordered_set<EventRecordPtr>& vanished) {
+    EventStore lost;
     for (const EventRecordPtr& event : vanished) {
         if (event->kind != EventKind::alarm)
             continue;
         const auto record = std::make_shared<EventRecord>(*event);
         record->lastKnownSince = ZrHmiSrv::Timestamp::now();
-        lost.push_back(record);
+        lost.insert(record);
     }
     return lost;
 }
@@ -150,16 +150,20 @@ void EventBook::replaceTarget(const std::string& target, std::span<const Event> 
     }
     gone.assign(vanished.begin(), vanished.end());
     std::erase_if(vanished, [&](const auto& event) { return here.contains(event->id.number); });
-    const auto lost = isImported ? std::vector<EventRecordPtr>() : lostAlarms(vanished);
+    EventStore lost;
+    if (!isImported)
+        lost = lostAlarms(vanished);
     Lock lock(mutex);
-    const bool isLessKnown = isImported && forgetLastKnown(target);
-    if (gone.empty() && added.size() == 0 && !isLessKnown)
+    const auto forgotten =
+        isImported ? eventsOf(lastKnown, target) : std::vector<EventRecordPtr>();
+    if (gone.empty() && added.size() == 0 && forgotten.empty())
         return;
+    lastKnown.makeRoomFor(lost);
     current.replace(gone, added);
+    // From here on nothing throws.
+    lastKnown.replace(forgotten, lost);
     for (const EventRecordPtr& event : replacement->events)
         lastKnown.erase(event->id);
-    for (const EventRecordPtr& event : lost)
-        lastKnown.insert(event);
     sink.post({.type = ChangeType::reset, .replacement = std::move(replacement)});
     forgetBeyondCapacity();
 }

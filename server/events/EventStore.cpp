@@ -151,8 +151,12 @@ void EventStore::erase(EventId id) {
     count(*erased, false);
 }
 
-void EventStore::replace(const std::vector<EventRecordPtr>& gone, EventStore& added) {
+void EventStore::makeRoomFor(const EventStore& added) {
     records.get<ById>().reserve(records.size() + added.size());
+}
+
+void EventStore::replace(const std::vector<EventRecordPtr>& gone, EventStore& added) {
+    makeRoomFor(added);
     // Nothing below needs memory: the other store's nodes move over.
     for (const EventRecordPtr& event : gone)
         erase(event->id);

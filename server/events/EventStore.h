@@ -55,6 +55,8 @@ public:
     /// Takes the place of an event of the same id.
     void insert(EventRecordPtr event);
     void erase(EventId id);
+    /// Gets the memory that `replace` needs, so that it throws nothing.
+    void makeRoomFor(const EventStore& added);
     /// Takes out some events, and takes all over that another store holds of one target system.
     /// With an exception nothing has changed.
     void replace(const std::vector<EventRecordPtr>& gone, EventStore& added);

@@ -50,8 +50,9 @@ bool EventRefresher::awaitRequest() {
 void EventRefresher::refresh() {
     const auto start = std::chrono::steady_clock::now();
     book.beginReset();
+    isComplete = true;
     const auto answer = extension.provideEvents(*this);
-    if (!answer || !answer->succeeded()) {
+    if (!answer || !answer->succeeded() || !isComplete) {
         book.abandonReset();
         log(LogLevel::warning, "the extension did not hand over all events");
         return;
@@ -65,6 +66,7 @@ void EventRefresher::replace_events(const char* target_name,
     const std::string target = toValidUtf8(target_name ? target_name : "");
     book.replaceTarget(target, events, isImported(target));
 } catch (const std::exception& exception) {
+    isComplete = false;
     log(LogLevel::error, std::string("events of a target system were lost: ") + exception.what());
 }
 

@@ -44,6 +44,7 @@ private:
     ExtensionCalls& extension;
     Metrics& metrics;
     const IsImported isImported;
+    bool isComplete = true;  ///< the running refresh; on the thread that refreshes
     Mutex mutex;  ///< guards the two flags; nothing is called under it
     std::condition_variable_any changed;
     bool requested GUARDED_BY(mutex) = false;

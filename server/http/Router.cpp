@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "server/http/MethodName.h"
+
 namespace hmi {
 
 namespace {
@@ -11,22 +13,6 @@ bool covers(const std::vector<std::string>& pattern, const std::vector<std::stri
                       [](const std::string& expected, const std::string& name) {
                           return expected == name || (expected == "*" && !name.empty());
                       });
-}
-
-const char* nameOf(Method method) {
-    switch (method) {
-        case Method::get:
-            return "GET";
-        case Method::post:
-            return "POST";
-        case Method::put:
-            return "PUT";
-        case Method::remove:
-            return "DELETE";
-        case Method::other:
-            break;
-    }
-    return "";
 }
 
 }  // namespace

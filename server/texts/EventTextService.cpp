@@ -35,6 +35,7 @@ std::vector<TextsPtr> EventTextService::get(std::span<const EventRecordPtr> even
         {
             Lock lock(mutex);
             texts[i] = known.find(key, Clock::now());
+            ++(texts[i] ? hits : misses);
         }
         if (texts[i] || missing.size() == maxAsked)
             continue;
@@ -170,6 +171,9 @@ void EventTextService::write(PrometheusText& text) const {
     Lock lock(mutex);
     text.family("hmi_texts_known", "gauge", "Localized texts that are held.");
     text.sample({}, static_cast<double>(known.size()));
+    text.family("hmi_texts_read_total", "counter", "Texts that lists wanted, by where they were.");
+    text.sample({{"cache", "hit"}}, static_cast<double>(hits));
+    text.sample({{"cache", "miss"}}, static_cast<double>(misses));
     text.family("hmi_texts_pending", "gauge", "Localized texts that are being fetched.");
     text.sample({}, static_cast<double>(fetches.size()));
     text.family("hmi_texts_fetched_total", "counter", "Look-ups of localized texts, by outcome.");

@@ -80,6 +80,8 @@ private:
     TextCache known GUARDED_BY(mutex){32'768};
     std::unordered_map<TextKey, Fetch, boost::hash<TextKey>> fetches GUARDED_BY(mutex);
     std::map<std::string, Clock::time_point> hushed GUARDED_BY(mutex);  ///< until then not asked
+    std::uint64_t hits GUARDED_BY(mutex) = 0;
+    std::uint64_t misses GUARDED_BY(mutex) = 0;
     std::uint64_t succeeded GUARDED_BY(mutex) = 0;
     std::uint64_t failed GUARDED_BY(mutex) = 0;
     std::uint64_t postponed GUARDED_BY(mutex) = 0;

@@ -1,6 +1,7 @@
 #include "server/users/Audit.h"
 
 #include "server/Log.h"
+#include "server/http/MethodName.h"
 #include "server/json/Utf8.h"
 
 namespace hmi {
@@ -12,21 +13,6 @@ constexpr std::size_t longestText = 300;
 std::string shortened(std::string_view text) {
     std::string part = toValidUtf8(text.substr(0, longestText));
     return text.size() > longestText ? part + "..." : part;
-}
-
-const char* nameOf(Method method) {
-    switch (method) {
-        case Method::post:
-            return "POST";
-        case Method::put:
-            return "PUT";
-        case Method::remove:
-            return "DELETE";
-        case Method::get:
-        case Method::other:
-            break;
-    }
-    return "";
 }
 
 }  // namespace

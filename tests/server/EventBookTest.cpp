@@ -1,19 +1,41 @@
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <map>
+#include <new>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gmock/gmock.h>
 
 #include "server/events/EventBook.h"
+#include "server/extension/EventRefresher.h"
+
+namespace {
+
+/// Before the one that fails, on this thread; none fails while it is negative.
+thread_local int allocationsLeft = -1;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    void* const memory = allocationsLeft == 0 ? nullptr : std::malloc(size);
+    if (allocationsLeft >= 0)
+        --allocationsLeft;
+    return memory ? memory : throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 using testing::ElementsAre;
 using ZrHmiSrv::Alarm;
 using ZrHmiSrv::AlarmConfirmationState;
+using ZrHmiSrv::Context;
 using ZrHmiSrv::Event;
 using ZrHmiSrv::Message;
+using ZrHmiSrv::ResultPair;
 using ZrHmiSrv::Severity;
 using ZrHmiSrv::Timestamp;
 
@@ -24,6 +46,7 @@ namespace {
 /// What a listener to the changes holds: a plain list.
 struct PlainList final : IChangeSink {
     void post(Change change) noexcept override {
+        allocationsLeft = -1;  // a listener's memory is its own affair
         lastType = change.type;
         if (change.replacement) {
             const auto& [target, replaced] = *change.replacement;
@@ -219,6 +242,66 @@ TEST(EventBook, BeyondItsCapacityTheOldestGo) {
     EXPECT_THAT(alarmIds(book), ElementsAre(2, 3));
     EXPECT_EQ(list.lastType, ChangeType::forgotten);
     EXPECT_EQ(list.lastId, 1);
+}
+
+/// Each of its allocations fails once.
+TEST(EventBook, AHandOverThatThrowsLeavesTheListAsItWas) {
+    PlainList list;
+    EventBook book(list);
+    EventFilter all;
+    all.lastKnown = true;
+    const auto state = [&] {
+        std::vector<EventRecordPtr> events = book.select(all, 0, 99).events;
+        const TargetCounts& counts = book.countsByTarget()["A"];
+        return std::tuple(std::move(events), counts.alarms, counts.messages, list.replacements);
+    };
+    for (const bool isImported : {false, true}) {
+        book.raise(alarm(1, "A"));
+        book.raise(alarm(2, "A"));
+        book.add(message("A", 1, 1));
+        const Event batch[] = {alarm(3, "A"), message("A", 2, 1)};
+        bool isDone = false;
+        for (int good = 0; !isDone; ++good) {
+            const auto before = state();
+            book.beginReset();
+            allocationsLeft = good;
+            try {
+                book.replaceTarget("A", batch, isImported);
+                isDone = true;
+            } catch (const std::bad_alloc&) {
+            }
+            allocationsLeft = -1;
+            if (!isDone) {
+                EXPECT_EQ(state(), before) << "allocation " << good;
+            }
+            book.abandonReset();
+        }
+        EXPECT_THAT(alarmIds(book), ElementsAre(3));
+        EXPECT_EQ(book.select(all, 0, 99).total, isImported ? 2U : 4U);
+    }
+}
+
+struct Provider final : ZrHmiSrv::IZrHmiSrvAlarmProviderListener {
+    ResultPair confirm_alarm(const Context&, const Alarm&) override { return {}; }
+    ResultPair provide_events(const Context&, ZrHmiSrv::IEventReceiver& receiver) override {
+        receiver.replace_events("A", {});
+        return {};
+    }
+};
+
+TEST(EventBook, AHandOverThatCannotBeTakenIsNoneThatWasEmpty) {
+    PlainList list;
+    EventBook book(list);
+    ListenerRegistry listeners;
+    Provider provider;
+    ASSERT_TRUE(listeners.add(&provider));
+    ExtensionCalls calls(listeners, Context("Test"));
+    Metrics metrics;
+    book.raise(alarm(1, "A"));
+    EventRefresher refresher(book, calls, metrics,
+                             [](const std::string&) -> bool { throw std::bad_alloc(); });
+    refresher.start();
+    EXPECT_THAT(alarmIds(book), ElementsAre(1));
 }
 
 /// What a target system of the extension hands over: some of what the list shows of it, and news.

@@ -101,6 +101,13 @@ TEST_F(EventTextsTest, AreKeptUntilTheirTargetSystemIsImportedOrReplaced) {
     EXPECT_EQ(text(event("B", 1)), "7");
     EXPECT_EQ(text(event("A", 1)), "6");
     EXPECT_EQ(news, 0) << "nobody has gone without";
+    PrometheusText figures;
+    service.write(figures);
+    for (const char* line : {"hmi_texts_known 5", "hmi_texts_pending 0",
+                             "hmi_texts_read_total{cache=\"hit\"} 4",
+                             "hmi_texts_read_total{cache=\"miss\"} 7",
+                             "hmi_texts_fetched_total{outcome=\"failed\"} 1"})
+        EXPECT_THAT(figures.text(), testing::HasSubstr(line));
 }
 
 TEST_F(EventTextsTest, ThatComeLateAreToldOnce) {
