@@ -273,6 +273,8 @@ TEST_F(BadRequest, OfForeignPagesIsRefused) {
         {{{"Host", "[::1].evil.example"}}, 403},
         {{{"Host", "127.0.0.1:80@evil.example"}}, 403},
         {{{"Host", "127.0.0.1.evil.example"}}, 403},
+        {{{"Host", "localhost.evil.example"}}, 403},
+        {{{"Origin", "http://localhost.evil.example"}}, 403},
         {{{"Host", "evil.example:127.0.0.1"}}, 403},
         {{{"Host", ""}}, 403},
         {{{"Origin", "http://127.0.0.1:80@evil.example"}}, 403},

@@ -6,7 +6,6 @@
 
 #include "robustness/Eventually.h"
 #include "robustness/Fleet.h"
-#include "robustness/Watchdog.h"
 
 using namespace bridge_test;
 using testing::IsEmpty;
@@ -128,9 +127,7 @@ std::vector<Machine> run(const FaultCase& fault, std::size_t firstCall, std::siz
     return fleet.machines;
 }
 
-class EveryCall : public testing::TestWithParam<FaultCase> {
-    const Watchdog watchdog{std::chrono::seconds(290)};
-};
+class EveryCall : public testing::TestWithParam<FaultCase> {};
 
 TEST_P(EveryCall, MayGoWrongOnce) {
     std::size_t calls = 0;
@@ -245,14 +242,6 @@ protected:
             EXPECT_EQ(set(), ErrorValue::success);
         }
     }
-    Findings differences() {
-        Findings findings;
-        eventually([&] {
-            findings = server.compare("Filler", fillerNetId);
-            return findings.empty();
-        });
-        return findings;
-    }
     /// The call that was struck for the n-th time.
     std::string struck(std::size_t n) {
         const auto failed = simulation.status().at("failed").as_object();
@@ -264,7 +253,6 @@ protected:
         return "none, the " + std::to_string(n) + ".";
     }
 
-    const Watchdog watchdog{std::chrono::seconds(290)};
     Simulation simulation;
     RunningServer server{{}};
     std::size_t withoutLogger = 0;
@@ -278,9 +266,9 @@ TEST_P(Construction, MayGoWrongAtEveryCall) {
                        R"(, "skip": )" + std::to_string(position) + "}");
         configure();
         EXPECT_TRUE(eventually([&] { return simulation.status().at("connected").as_bool(); }));
-        EXPECT_THAT(differences(), IsEmpty()) << position;
+        EXPECT_THAT(server.differences("Filler", fillerNetId), IsEmpty()) << position;
         simulation.raise("hot");
-        EXPECT_THAT(differences(), IsEmpty()) << position << ": deaf";
+        EXPECT_THAT(server.differences("Filler", fillerNetId), IsEmpty()) << position << ": deaf";
         simulation.act(alarmAction("confirm", "hot"));
         simulation.act(alarmAction("clear", "hot"));
         call = struck(position);

@@ -6,12 +6,10 @@
 
 #include "robustness/Eventually.h"
 #include "robustness/RunningServer.h"
-#include "robustness/Watchdog.h"
 #include "support/Simulation.h"
 
 using namespace bridge_test;
 using testing::IsEmpty;
-using ZrHmiSrv::Value;
 
 namespace {
 
@@ -54,9 +52,6 @@ protected:
     std::int64_t calls() {
         return simulation.status().at("calls").at(GetParam().operation).to_number<std::int64_t>();
     }
-    std::string stateOf(const char* target) {
-        return server.diagnostics(target).get_map().get("connectionState").get_string();
-    }
     std::size_t alarmsOf(const char* target) {
         hmi::EventFilter filter;
         filter.target = target;
@@ -76,35 +71,11 @@ protected:
         simulation.act(R"({"do": "resume"})");
         trigger.join();
     }
-    Findings differences() {
-        Findings findings;
-        eventually([&] {
-            findings = server.compare("Filler", fillerNetId);
-            return findings.empty();
-        });
-        return findings;
-    }
 
-    const Watchdog watchdog{std::chrono::minutes(1)};
     Simulation simulation;
     RunningServer server;
     std::thread trigger;
 };
-
-TEST_P(Hang, KeepsNobodyElseWaiting) {
-    startHanging();
-    const std::size_t entries = server.logged("Filler");
-
-    simulation.raise("urgent", 1, packerNetId);
-    EXPECT_TRUE(eventually([&] { return alarmsOf("Packer") == 1; }));
-    EXPECT_EQ(stateOf("Packer"), "Good");
-    EXPECT_NE(stateOf("Filler"), "");
-    // The end of the call, be it the time-out's, would have been told.
-    EXPECT_EQ(server.logged("Filler"), entries) << "it waited for the hanging call";
-
-    resume();
-    EXPECT_THAT(differences(), IsEmpty());
-}
 
 TEST_P(Hang, TheTargetCanBeRemovedAndComesBack) {
     startHanging();
@@ -116,7 +87,7 @@ TEST_P(Hang, TheTargetCanBeRemovedAndComesBack) {
     EXPECT_TRUE(eventually([&] { return simulation.liveObjects() == 0; }));
     EXPECT_TRUE(eventually([&] { return alarmsOf("Filler") == 0; }));
     server.configure("Filler", fillerNetId, true);
-    EXPECT_THAT(differences(), IsEmpty());
+    EXPECT_THAT(server.differences("Filler", fillerNetId), IsEmpty());
 }
 
 void PrintTo(const HangingCall& call, std::ostream* out) {

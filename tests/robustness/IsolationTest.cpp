@@ -9,11 +9,9 @@
 
 #include "robustness/Eventually.h"
 #include "robustness/RunningServer.h"
-#include "robustness/Watchdog.h"
 #include "support/Simulation.h"
 
 using namespace bridge_test;
-using ZrHmiSrv::Value;
 
 namespace {
 
@@ -25,12 +23,15 @@ struct Sickness {
     bool raising = false;    ///< an alarm, so that a notification calls it
     bool confirming = false;
     bool localizing = false;
+    bool reconnecting = false;
 };
 const Sickness sicknesses[] = {
     {.call = "ConnectWithSettings", .dropped = true},
     {.call = "IsConnected"},
     {.call = "GetLoggedEvents", .dropped = true},
     {.call = "GetActiveAlarms", .dropped = true},
+    {.call = "GetItem", .dropped = true},
+    {.call = "Disconnect", .reconnecting = true},
     {.call = "Severity", .raising = true},
     {.call = "Confirm", .confirming = true},
     {.call = "GetEventText", .localizing = true},
@@ -97,6 +98,9 @@ struct Isolation : testing::Test {
         const hmi::EventRecordPtr alarm = alarmsOf(nameOf(index)).events.front();
         if (sickness.confirming)
             waiting.emplace_back([this, alarm] { server.calls.confirm(*alarm->alarm()); });
+        if (sickness.reconnecting)
+            waiting.emplace_back(
+                [this, index] { server.command("ForceReconnect", nameOf(index).c_str()); });
         if (sickness.localizing)
             waiting.emplace_back([this, alarm] { server.calls.localize(*alarm, "de-DE"); });
         ASSERT_TRUE(eventually([&] { return calls(sickness.call, netId) > before; }))
@@ -108,7 +112,6 @@ struct Isolation : testing::Test {
             EXPECT_EQ(server.logged(nameOf(index).c_str(), "CORVANE_EVENTLOGGER_ERROR"), 0U);
     }
 
-    const Watchdog watchdog{std::chrono::minutes(2)};
     Simulation simulation{allNetIds()};
     RunningServer server{allTargets(), "PT60S"};
     std::vector<std::thread> waiting;

@@ -167,6 +167,8 @@ Findings RandomWorld::look() {
     Findings findings;
     within([&] {
         findings = server.compare("Filler", fillerNetId);
+        if (findings.empty() && !isReset())
+            findings.push_back("the server shows ids that the extension has not");
         return findings.empty();
     });
     if (findings.empty())
@@ -174,7 +176,26 @@ Findings RandomWorld::look() {
     return findings;
 }
 
+/// What a former target system or import has shown may look the same for a moment.
+bool RandomWorld::isReset() {
+    struct Receiver final : ZrHmiSrv::IEventReceiver {
+        std::set<int> ids;
+        void replace_events(const char* target, std::span<const ZrHmiSrv::Event> events) override {
+            for (const ZrHmiSrv::Event& event : events)
+                if (target == std::string_view("Filler") && event.payload().get_alarm().isset())
+                    ids.insert(event.payload().get_alarm().id());
+        }
+    } provided;
+    server.calls.provideEvents(provided);
+    std::set<int> ids;
+    for (const auto& record : eventsOf(server.events))
+        if (record->alarm())
+            ids.insert(record->alarm()->id());
+    return ids == provided.ids;
+}
+
 void RandomWorld::checkIds(Findings& findings) {
+    const std::size_t failuresNow = failures();
     Ids now;
     const auto living = simulation.status().at("alarms").as_object();
     for (const auto& record : eventsOf(server.events)) {
@@ -199,7 +220,7 @@ void RandomWorld::checkIds(Findings& findings) {
             findings.push_back(name + " has lost its id");
     }
     shown = std::move(now);
-    failuresThen = failures();
+    failuresThen = failuresNow;
 }
 
 }  // namespace bridge_test

@@ -44,7 +44,7 @@ private:
 
     Findings settle();
     Findings look();
-    Findings lookAgain();
+    bool isReset();
     void checkIds(Findings& findings);
     template <class Condition>
     bool within(Condition condition) const;

@@ -12,6 +12,7 @@
 #include <boost/json/serialize.hpp>
 #include <gtest/gtest.h>
 
+#include "robustness/Eventually.h"
 #include "robustness/LoggerContent.h"
 #include "server/Log.h"
 #include "support/Simulation.h"
@@ -163,6 +164,15 @@ Findings RunningServer::compare(const char* target, const char* netId) {
     acceptUncleared(logger, shown);
     compareImages(findings, "the server", shown, "the logger", logger.events);
     compareCounters(findings, state, page.events, logger.active);
+    return findings;
+}
+
+Findings RunningServer::differences(const char* target, const char* netId) {
+    Findings findings;
+    eventually([&] {
+        findings = compare(target, netId);
+        return findings.empty();
+    });
     return findings;
 }
 

@@ -45,6 +45,8 @@ public:
 
     /// What differs between the server, the extension's counters and the logger.
     Findings compare(const char* target, const char* netId);
+    /// What still does when it has had its time.
+    Findings differences(const char* target, const char* netId);
 
 private:
     /// Watches that no alarm id is ever given to two alarms, which target and source tell apart.
