@@ -95,7 +95,7 @@ MUTATIONS = [
     ("server/events/EventBook.cpp", "    lastKnown.erase(event->id);\n    insert", "    insert"),
     ("server/events/EventBook.cpp", "    while (current.size() > capacity) {", "    while (current.size() > capacity + 1) {"),
     ("server/events/EventBook.cpp", "            reset->handedOver.insert(target);", "            ;"),
-    ("server/events/EventStore.cpp", "        counts.try_emplace(target);", "        ;"),
+    ("server/events/EventBook.cpp", "    lastKnown.makeRoomFor(lost);\n", ""),
     ("server/extension/EventRefresher.cpp", "    isComplete = false;\n", ""),
     ("server/json/ParseJson.cpp", "options.max_depth = maxDepth;", "options.max_depth = 2 * maxDepth;"),
     ("server/config/ConfigurationStore.cpp", "    if (now != fileText)", "    if (false)"),
