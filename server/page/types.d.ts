@@ -42,10 +42,11 @@ export interface HmiEvent {
   lost?: number | null;
 }
 
-/** Events of one kind and source, folded into one row. */
+/** Events of one class and source, folded into one row. */
 export interface Group {
   target: string;
   name: string;
+  eventClass: string;
   sourceName?: string;
   severity: number;
   count: number;
@@ -62,6 +63,7 @@ export interface Counts {
 }
 
 export interface EventPage {
+  /** Of the events, or of the groups; these come with the number of their events. */
   total: number;
   events: HmiEvent[];
   textsPending?: number;

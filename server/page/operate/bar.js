@@ -1,7 +1,8 @@
 // The line above the list: what waits, what is hidden, what is selected, whether alarms flood.
 import { setText } from "../shell/dom.js";
-import { number } from "../shell/format.js";
+import { clock, number } from "../shell/format.js";
 import { flood } from "../shell/situation.js";
+import { link } from "../shell/stream.js";
 import { label } from "../shell/words.js";
 
 /**
@@ -49,7 +50,9 @@ export class Bar {
     const frozen = this.#part("freeze");
     frozen.setAttribute("aria-pressed", String(hold.isFrozen));
     setText(frozen, label(hold.isFrozen ? "frozen" : "freeze"));
-    setText(this.#part("still"), hold.isHeld && !hold.isFrozen ? label("still") : "");
+    const isDown = link.state === "silent" || link.state === "reconnecting";
+    setText(this.#part("still"), isDown ? label("asOf", clock(link.heard))
+      : hold.isHeld && !hold.isFrozen ? label("still") : "");
     const waiting = this.#part("waiting");
     const isHidden = count === 0 && !hasMoved;
     if (isHidden && waiting === document.activeElement)

@@ -1,4 +1,6 @@
 // What the operator has chosen to see, as it stands in the address, and what the server is asked.
+import { query } from "../shell/api.js";
+
 export const pageSize = 100;
 
 /** The choices that narrow the list. */
@@ -31,3 +33,7 @@ export const listQuery = (choices, locale, isGrouped) => ({
   ...(isGrouped ? { group: 1 } : { gaps: 1 }),
   offset: choices.offset, limit: pageSize,
 });
+
+/** A table of all that is chosen. @param {Choices} choices @param {string} locale */
+export const exportPath = (choices, locale) => `/api/events.csv?${query(
+  { ...filtersOf(choices), lastKnown: 1, order: orderOf(choices), locale, bom: 1 })}`;

@@ -49,6 +49,17 @@ export class Confirmations {
     this.#changed();
   }
 
+  /** What is selected; else what has the focus or is open. @param {import("./list.js").List} list */
+  confirmSelected(list) {
+    const focused = list.rowAt(document.activeElement) ?? list.get(list.openKey);
+    const chosen = list.selected.size > 0 ? list.selectedEvents
+      : focused && !focused.group ? [focused.event] : [];
+    const meant = chosen.filter(isConfirmable);
+    if (meant.length === 1 && this.#context.may("confirm"))
+      return this.confirm(meant);
+    return this.confirmMany(meant);
+  }
+
   /** Confirms these occurrences. @param {HmiEvent[]} events @param {string} [comment] */
   async confirm(events, comment = "") {
     const meant = events.filter(isConfirmable);
@@ -75,7 +86,7 @@ export class Confirmations {
    * @param {HmiEvent[]} events
    */
   async confirmMany(events) {
-    const meant = events.filter(isConfirmable);
+    const meant = this.#context.may("confirm") ? events.filter(isConfirmable) : [];
     if (meant.length === 0)
       return this.#context.notify(label("nothingToConfirm"));
     this.isAsking = true;

@@ -1,11 +1,14 @@
 // Rows stand still while somebody may be about to press something.
 
-const afterTouch = 3000;  // ms, in which a finger may come back
+const afterTouch = 3000;   // ms, in which a finger may come back
+const afterPress = 10000;  // ms; the focus that a press has left behind means nothing after that
 
 export class Hold {
   isFrozen = false;
   #isPressed = false;
   #touched = 0;
+  #pressed = 0;
+  #isFocusOfPress = false;
   #area;
   #isChosen;
   #onRelease;
@@ -22,7 +25,9 @@ export class Hold {
     this.#onRelease = onRelease;
     const options = { signal };
     area.addEventListener("pointerdown", ({ pointerType }) => {
-      this.#isPressed = true;
+      this.#isPressed = this.#isFocusOfPress = true;
+      this.#pressed = Date.now();
+      setTimeout(() => this.check(), afterPress + 50);
       if (pointerType === "touch")
         this.#touch();
     }, options);
@@ -32,6 +37,9 @@ export class Hold {
     addEventListener("pointercancel", up, options);
     area.addEventListener("pointerleave", () => this.checkSoon(), options);
     area.addEventListener("focusout", () => this.checkSoon(), options);
+    const focus = () => { this.#isFocusOfPress &&= this.#isPressed; };
+    area.addEventListener("focusin", focus, options);
+    area.addEventListener("keydown", () => { this.#isFocusOfPress = false; }, options);
   }
 
   #touch() {
@@ -43,9 +51,14 @@ export class Hold {
     return matchMedia("(hover: hover)").matches && this.#area.matches(":hover");
   }
 
+  #isFocused() {
+    return this.#area.contains(document.activeElement) &&
+      (!this.#isFocusOfPress || Date.now() - this.#pressed < afterPress);
+  }
+
   get isHeld() {
     return this.isFrozen || this.#isPressed || Date.now() - this.#touched < afterTouch ||
-      this.#isPointedAt() || this.#area.contains(document.activeElement) || this.#isChosen();
+      this.#isPointedAt() || this.#isFocused() || this.#isChosen();
   }
 
   check() {

@@ -1,8 +1,9 @@
 // The rows of the list: which stand where, which is active, selected, open.
 import { Clicks } from "./clicks.js";
 import { Hold } from "./hold.js";
-import { Row } from "./row.js";
+import { Rows } from "./rows.js";
 
+/** @typedef {import("./row.js").Row} Row */
 /** @typedef {import("./row.js").Item} Item */
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
 
@@ -19,8 +20,7 @@ import { Row } from "./row.js";
  */
 
 export class List {
-  /** @type {Map<string, Row>} */
-  #rows = new Map();
+  #rows;
   /** @type {Item[]} */
   #latest = [];
   #isLater = false;
@@ -40,6 +40,7 @@ export class List {
    */
   constructor(body, handlers, signal) {
     this.#body = body;
+    this.#rows = new Rows(body);
     this.#handlers = handlers;
     this.hold = new Hold(body, () => this.#isChosen(), () => this.#release(), signal);
     this.clicks = new Clicks(body, this, handlers, signal);
@@ -52,22 +53,20 @@ export class List {
 
   /** @param {EventTarget | null} place */
   rowAt(place) {
-    const element = /** @type {HTMLElement | null} */ (place)?.closest?.("tr");
-    return this.#rows.get(element?.dataset.key ?? "") ?? null;
+    return this.#rows.at(place);
   }
 
   get rows() {
-    return /** @type {HTMLElement[]} */ ([...this.#body.rows])
-      .map((element) => /** @type {Row} */ (this.rowAt(element)));
+    return this.#rows.inOrder;
   }
 
   get active() {
-    return this.#rows.get(this.#activeKey) ?? null;
+    return this.#rows.get(this.#activeKey);
   }
 
   /** @param {string} key */
   get(key) {
-    return this.#rows.get(key) ?? null;
+    return this.#rows.get(key);
   }
 
   get selectedEvents() {
@@ -89,7 +88,7 @@ export class List {
 
   /** Brings all rows up to date as they stand. */
   refill() {
-    for (const row of this.#rows.values())
+    for (const row of this.#rows.inOrder)
       this.#fill(row, row);
   }
 
@@ -113,18 +112,7 @@ export class List {
     const focused = this.rowAt(document.activeElement);
     const wasButton = focused?.button === document.activeElement;
     const index = focused ? this.rows.indexOf(focused) : 0;
-    const kept = new Map();
-    this.#latest.forEach((item, at) => {
-      const row = this.#rows.get(item.key) ?? new Row(item);
-      row.hasLeft = row.isDoubtful = false;
-      kept.set(item.key, row);
-      if (this.#body.rows[at] !== row.element)
-        this.#body.insertBefore(row.element, this.#body.rows[at] ?? null);
-      this.#fill(row, item);
-    });
-    while (this.#body.rows.length > this.#latest.length)
-      this.#body.lastElementChild?.remove();
-    this.#rows = kept;
+    this.#rows.place(this.#latest, (row, item) => this.#fill(row, item));
     this.waiting = { count: 0, worst: 0, hasMoved: false };
     this.#dropWhatIsGone();
     this.#ensureActive(index);
@@ -146,7 +134,8 @@ export class List {
   #refresh() {
     const news = new Map(this.#latest.map((item) => [item.key, item]));
     const doubtful = [];
-    for (const [key, row] of this.#rows) {
+    for (const row of this.#rows.inOrder) {
+      const { key } = row;
       const item = news.get(key);
       if (item)
         row.hasLeft = row.isDoubtful = false;
@@ -156,12 +145,10 @@ export class List {
       news.delete(key);
     }
     const fresh = [...news.values()];
-    const { rows } = this.#body;
     this.waiting = {
       count: fresh.length,
       worst: Math.max(0, ...fresh.map(({ event }) => Math.min(event.severity ?? 0, 4))),
-      hasMoved: this.#latest.length !== rows.length ||
-        this.#latest.some(({ key }, at) => this.#rows.get(key)?.element !== rows[at]),
+      hasMoved: !this.#rows.stand(this.#latest),
     };
     if (doubtful.length > 0)
       this.#handlers.doubt(doubtful);
@@ -187,7 +174,7 @@ export class List {
 
   /** Somebody has to look whether these are still there. @param {(row: Row) => boolean} isMeant */
   doubt(isMeant) {
-    for (const row of this.#rows.values())
+    for (const row of this.#rows.inOrder)
       row.isDoubtful ||= isMeant(row);
   }
 
@@ -201,7 +188,7 @@ export class List {
   /** @param {number} [index] where to look when the active row is gone */
   #ensureActive(index = 0) {
     if (!this.#rows.has(this.#activeKey))
-      this.#activate(this.rowAt(this.#body.rows[Math.min(index, this.#body.rows.length - 1)]));
+      this.#activate(this.rows[Math.min(index, this.#rows.size - 1)] ?? null);
   }
 
   /** @param {Row | null} row */

@@ -26,7 +26,7 @@ async function ask(asked, signal) {
 
 /** @param {Group} group @returns {Item} */
 const itemOfGroup = (group) => ({
-  key: `group ${JSON.stringify([group.target, group.name, group.sourceName, group.severity])}`,
+  key: `group ${JSON.stringify([group.target, group.name, group.eventClass, group.sourceName])}`,
   event: { ...group.newest, severity: group.severity },
   group,
 });
@@ -49,7 +49,8 @@ export async function load(choices, locale, isGrouped, keyOf, signal) {
   ]);
   const items = page.groups?.map(itemOfGroup) ??
     page.events.map((/** @type {HmiEvent} */ event) => itemOf(event, keyOf(event)));
-  return { items, total: page.total, hidden: all ? Math.max(0, all.total - page.total) : 0 };
+  const shown = page.groups ? page.events : page.total;
+  return { items, total: page.total, hidden: all ? Math.max(0, all.total - shown) : 0 };
 }
 
 /** The first of the last page. @param {number} total */

@@ -2,11 +2,10 @@
 import { applyWords, addWords, label } from "../shell/words.js";
 import { byId } from "../shell/dom.js";
 import { isConfirmable, keyOf } from "../shell/event.js";
-import { query } from "../shell/api.js";
 import * as horn from "../shell/horn.js";
 import { flood, onCounts } from "../shell/situation.js";
 import { Bar } from "./bar.js";
-import { choicesOf, filterNames, filtersOf, orderOf, pageSize } from "./choices.js";
+import { choicesOf, exportPath, filterNames, pageSize } from "./choices.js";
 import { Confirmations } from "./confirmations.js";
 import { Filters } from "./filters.js";
 import { Keys, showHelp } from "./keys.js";
@@ -60,7 +59,7 @@ class Operate {
     const { link, onChange, onTargets, address } = this.#context;
     this.#ends = [
       onChange((change) => this.#hear(change)),
-      link.onChange(({ state }) => state === "connected" && this.#startAgain()),
+      link.onChange(({ state }) => state === "connected" ? this.#startAgain() : this.#showBar()),
       onTargets(() => this.filters.offerTargets()),
       onCounts(() => this.#showBar()),
       address.onChange(() => this.#use({})),
@@ -77,8 +76,8 @@ class Operate {
       open: (row) => this.#open(row),
       close: () => this.pane.hide(),
       confirm: (event) => this.confirmations.confirm([event]),
-      showGroup: ({ group, event }) => this.#use({
-        group: "0", target: group?.target ?? "", text: group?.name ?? event.name }),
+      showGroup: ({ group }) => group && this.#use(
+        { group: "0", target: group.target, text: group.sourceName || group.eventClass }),
       doubt: (rows) => this.listing.lookFor(rows),
       isBusy: () => this.confirmations.isAsking,
       mayConfirm: () => this.#context.may("confirm"),
@@ -92,15 +91,16 @@ class Operate {
       waiting: () => { this.list.place(); this.list.move(0); },
       grouping: () => this.#use({ group: this.#isGrouped() ? "0" : "1" }),
       showAll: () => this.#use(Object.fromEntries(filterNames.map((name) => [name, ""]))),
-      confirmChosen: () => this.#confirmSelected(),
-      confirmShown: () => this.#confirmShown(),
+      confirmChosen: () => this.confirmations.confirmSelected(this.list),
+      confirmShown: () => this.confirmations.confirmMany(this.list.events),
     };
   }
 
   /** @returns {import("./keys.js").Actions} */
   #keyActions() {
     return {
-      a: () => this.#confirmSelected(), A: () => this.#confirmShown(),
+      a: () => this.confirmations.confirmSelected(this.list),
+      A: () => this.confirmations.confirmMany(this.list.events),
       "/": () => this.#part("[name=text]").focus(), s: horn.silence,
       e: () => this.#export(), p: () => this.#freeze(), "?": () => { showHelp(); },
       open: () => this.list.active && this.#open(this.list.active, true),
@@ -200,28 +200,9 @@ class Operate {
     this.#showBar();
   }
 
-  #confirmSelected() {
-    if (!this.#context.may("confirm"))
-      return;
-    const focused = this.list.rowAt(document.activeElement) ?? this.list.get(this.list.openKey);
-    const chosen = this.list.selected.size > 0 ? this.list.selectedEvents
-      : focused && !focused.group ? [focused.event] : [];
-    const meant = chosen.filter(isConfirmable);
-    if (meant.length === 1)
-      this.confirmations.confirm(meant);
-    else
-      this.confirmations.confirmMany(meant);
-  }
-
-  #confirmShown() {
-    if (this.#context.may("confirm"))
-      this.confirmations.confirmMany(this.list.events);
-  }
-
   #export() {
     const link = document.createElement("a");
-    link.href = `/api/events.csv?${query({ ...filtersOf(this.#choices), lastKnown: 1,
-      order: orderOf(this.#choices), locale: this.#context.locale() })}`;
+    link.href = exportPath(this.#choices, this.#context.locale());
     link.download = "events.csv";
     link.click();
   }

@@ -1,12 +1,12 @@
 // All about one event, beside the list.
 import { element, icon, setText } from "../shell/dom.js";
-import { dateTime } from "../shell/format.js";
 import {
   confirmationText, hasFailed, isConfirming, keyOf, needsConfirmation, pictureOf, targetOf,
 } from "../shell/event.js";
 import { label, language } from "../shell/words.js";
 import * as facts from "./facts.js";
 import { member, parse } from "./jsontext.js";
+import { lifeFrom } from "./life.js";
 import { Terms } from "./terms.js";
 
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
@@ -124,18 +124,13 @@ export class Pane {
     await this.#loadHistory(signal);
   }
 
-  /** Only some servers keep one. @param {AbortSignal} signal */
+  /** @param {AbortSignal} signal */
   async #loadHistory(signal) {
-    const { api, locale } = this.#context;
     const key = this.#key;
-    const answer = await api.request(`/api/history?${api.query(
-      { event: key, target: this.#event && targetOf(this.#event), locale: locale() })}`, { signal })
-      .catch(() => null);
-    if (!answer || this.#key !== key)
+    const steps = this.#event && await lifeFrom(this.#context.api, this.#event, signal);
+    if (!steps || this.#key !== key)
       return;
-    this.#history = answer.entries.toReversed().map((/** @type {any} */ entry) =>
-      [dateTime(entry.at), label(`change_${entry.change}`), entry.by, entry.comment]
-        .filter(Boolean).join("  "));
+    this.#history = steps;
     this.#fill();
   }
 

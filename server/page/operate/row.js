@@ -1,4 +1,5 @@
-// One row of the list. It stays the same element for as long as its event is shown.
+// One row of the list. It stays the same element for as long as its event is shown; then it may be
+// another's.
 import { element, icon, setText } from "../shell/dom.js";
 import { dateTime, number, otherDay, shortTime, timeOfDay } from "../shell/format.js";
 import {
@@ -55,6 +56,13 @@ export class Row {
       cell("course", this.#cleared, this.#life),
       cell("action", this.button));
     this.element.dataset.key = item.key;
+  }
+
+  /** It is another event's row from now on. @param {Item} item */
+  take(item) {
+    this.key = item.key;
+    this.element.dataset.key = item.key;
+    this.hasLeft = this.isDoubtful = false;
   }
 
   /** @param {Item} item @param {Flags} flags */

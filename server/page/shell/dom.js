@@ -49,8 +49,13 @@ export function icon(name) {
  * @param {string} text
  */
 export function setText(place, text) {
-  if (place.textContent !== text)
+  const { firstChild } = place;
+  if (firstChild instanceof Text && !firstChild.nextSibling) {
+    if (firstChild.data !== text)
+      firstChild.data = text;
+  } else if (place.textContent !== text) {
     place.textContent = text;
+  }
 }
 
 /**

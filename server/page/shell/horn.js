@@ -26,7 +26,9 @@ let next;
 
 const isWanted = () => kept("sound") !== "off";
 const isHeard = () => isWanted() && sound?.state === "running";
-const loudest = () => Math.max(0, ...ringing.values());
+/** How many ring, by severity. */
+const many = [0, 0, 0, 0, 0];
+const loudest = () => many.findLastIndex((count) => count > 0);
 
 /** @param {number[]} pitches */
 function beep(pitches) {
@@ -58,17 +60,32 @@ function ring() {
 export function show() {
   byId("silenceHorn").hidden = ringing.size === 0;
   byId("silenceHorn").classList.toggle("rings", Boolean(isHeard()));
-  const isHeardOf = Boolean(isHeard());
-  const button = byId("sound");
-  button.setAttribute("aria-pressed", String(isHeardOf));
-  setText(button, label(isHeardOf ? "soundOff" : "soundOn"));
+  setText(byId("sound"), label(isHeard() ? "soundOff" : "soundOn"));
 }
 
 export function silence() {
   ringing.clear();
+  many.fill(0);
   clearTimeout(next);
   next = undefined;
   show();
+}
+
+/** @param {number | string} id */
+function forget(id) {
+  many[ringing.get(id) ?? 0] -= ringing.has(id) ? 1 : 0;
+  ringing.delete(id);
+}
+
+/** @param {import("../types.js").HmiEvent} event @param {boolean} rings */
+function note({ id, severity }, rings) {
+  forget(id);
+  if (!rings || (ringing.size >= mostRinging && severity <= loudest()))
+    return;
+  if (ringing.size >= mostRinging)
+    forget(/** @type {number} */ (ringing.keys().next().value));
+  ringing.set(id, severity);
+  many[severity] += 1;
 }
 
 /** @param {import("../types.js").Change} change */
@@ -78,9 +95,9 @@ function hear({ type, event }) {
   const before = loudest();
   const rings = needsConfirmation(event) && event.severity >= 1 && event.severity <= 4;
   if (!rings || type === "removed" || type === "forgotten")
-    ringing.delete(event.id);
-  else if (type === "raised" && ringing.size < mostRinging)
-    ringing.set(event.id, event.severity);
+    note(event, false);
+  else if (type === "raised")
+    note(event, true);
   if (loudest() > before || (loudest() > 0 && next === undefined))
     ring();
   if (loudest() !== before)
