@@ -1,28 +1,10 @@
 // Gets what the list shows from the server.
-import { request, query, RequestError } from "../shell/api.js";
+import * as api from "../shell/api.js";
 import { isFiltered, listQuery, pageSize } from "./choices.js";
 
 /** @typedef {import("./row.js").Item} Item */
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
 /** @typedef {import("../types.js").Group} Group */
-
-/** Requests of a server that knows fewer of them are asked more simply. */
-const news = ["brief", "group"];
-let knowsNews = true;
-
-/** @param {Record<string, any>} asked @param {AbortSignal} signal */
-async function ask(asked, signal) {
-  const simple = Object.fromEntries(Object.entries(asked).filter(([name]) => !news.includes(name)));
-  try {
-    return await request(`/api/events?${query(knowsNews ? asked : simple)}`, { signal });
-  } catch (error) {
-    if (!knowsNews || !(error instanceof RequestError) || error.status !== 400)
-      throw error;
-    const answer = await request(`/api/events?${query(simple)}`, { signal });
-    knowsNews = false;
-    return answer;
-  }
-}
 
 /** @param {Group} group @returns {Item} */
 const itemOfGroup = (group) => ({
@@ -44,8 +26,8 @@ const itemOf = (event, key) => ({ key, event });
  */
 export async function load(choices, locale, isGrouped, keyOf, signal) {
   const [page, all] = await Promise.all([
-    ask(listQuery(choices, locale, isGrouped), signal),
-    isFiltered(choices) ? ask({ limit: 0, lastKnown: 1, gaps: 1 }, signal) : null,
+    api.request(`/api/events?${api.query(listQuery(choices, locale, isGrouped))}`, { signal }),
+    isFiltered(choices) ? api.events({ limit: 0, lastKnown: 1, gaps: 1 }, signal) : null,
   ]);
   const items = page.groups?.map(itemOfGroup) ??
     page.events.map((/** @type {HmiEvent} */ event) => itemOf(event, keyOf(event)));

@@ -52,6 +52,7 @@ class Operate {
     });
     this.#listen();
     this.filters.show();
+    this.#showBar();
     this.listing.load();
   }
 

@@ -9,14 +9,14 @@ import { label } from "./words.js";
 let context;
 
 const tiles = severities.map((severity) => {
-  const unconfirmed = element("strong", {}, "–");
-  const active = element("span", {}, "–");
-  const word = element("span", { className: "word" });
+  const [word, said, waiting, also, standing] =
+    ["word", "hidden", "unconfirmed", "hidden", "active"]
+      .map((className) => element("span", { className }, "–"));
   const tile = element("button", { type: "button", className: `tile severity${severity}` },
-    icon(`priority${priorityOf({ severity })}`), word, unconfirmed, active);
+    icon(`priority${priorityOf({ severity })}`), word, said, waiting, also, standing);
   tile.addEventListener("click",
     () => context.goTo("operate", { state: "unconfirmed", severity: String(severity) }));
-  return { severity, tile, word, unconfirmed, active };
+  return { severity, tile, word, said, waiting, also, standing };
 });
 
 /** What is below the lowest priority counts with it. @param {number[]} bySeverity @param {number} severity */
@@ -25,13 +25,11 @@ const countOf = (bySeverity, severity) =>
 
 /** @param {import("../types.js").Counts} known */
 function showCounts({ unconfirmed, active, oldestUnconfirmed }) {
-  for (const tile of tiles) {
-    const [waiting, standing] = [unconfirmed, active].map((all) => countOf(all, tile.severity));
-    setText(tile.unconfirmed, number(waiting));
-    setText(tile.active, number(standing));
-    tile.tile.classList.toggle("some", waiting > 0);
-    tile.tile.setAttribute("aria-label", [label(`severity${tile.severity}`),
-      label("countUnconfirmed", number(waiting)), label("countActive", number(standing))].join(", "));
+  for (const { severity, tile, waiting, standing } of tiles) {
+    const count = countOf(unconfirmed, severity);
+    setText(waiting, number(count));
+    setText(standing, number(countOf(active, severity)));
+    tile.classList.toggle("some", count > 0);
   }
   const all = unconfirmed.reduce((sum, count) => sum + count, 0);
   document.title = all > 0 ? `(${number(all)}) ${label("title")}` : label("title");
@@ -40,8 +38,11 @@ function showCounts({ unconfirmed, active, oldestUnconfirmed }) {
 }
 
 export function show() {
-  for (const { severity, word } of tiles)
+  for (const { severity, word, said, also } of tiles) {
     setText(word, label(`severity${severity}`));
+    setText(said, label("countUnconfirmed"));
+    setText(also, label("countActive"));
+  }
   const known = counts();
   if (known)
     showCounts(known);
