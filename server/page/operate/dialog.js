@@ -15,7 +15,7 @@ export function ask(heading, content, yes, no = label("cancel")) {
   const before = /** @type {HTMLElement | null} */ (document.activeElement);
   const id = `dialog${++number}`;
   const agree = element("button", { type: "submit", className: "main", value: "yes" }, yes);
-  const refuse = element("button", { type: "submit", value: "no", formNoValidate: true }, no);
+  const refuse = element("button", { type: "button" }, no);
   const form = element("form", { method: "dialog" }, ...content,
     element("div", { className: "choices" }, ...(no ? [refuse] : []), agree));
   const dialog = element("dialog", { "aria-labelledby": id },
@@ -24,10 +24,7 @@ export function ask(heading, content, yes, no = label("cancel")) {
   dialog.showModal();
   /** @type {HTMLElement} */ (form.querySelector("input:not([type=checkbox])") ?? agree).focus();
   return new Promise((resolve) => {
-    form.addEventListener("submit", (submit) => {
-      submit.preventDefault();
-      dialog.close(/** @type {HTMLButtonElement | null} */ (submit.submitter)?.value ?? "yes");
-    });
+    refuse.addEventListener("click", () => dialog.close("no"));
     dialog.addEventListener("close", () => {
       dialog.remove();
       before?.focus({ preventScroll: true });
