@@ -23,6 +23,7 @@ export function ask(heading, content, yes, no = label("cancel")) {
   document.body.append(dialog);
   dialog.showModal();
   /** @type {HTMLElement} */ (form.querySelector("input:not([type=checkbox])") ?? agree).focus();
+  refuse.addEventListener("click", () => dialog.close("no"));
   return new Promise((resolve) => {
     refuse.addEventListener("click", () => dialog.close("no"));
     dialog.addEventListener("close", () => {

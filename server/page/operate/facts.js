@@ -31,7 +31,12 @@ export const mainFacts = (event) => [
   { name: label("id"), value: String(event.id) },
 ];
 
-/** The time here, and the time as it came. @param {string} name @param {string | null} time @returns {Term} */
+/**
+ * The time here, and the time as it came.
+ * @param {string} name
+ * @param {string | null} time
+ * @returns {Term}
+ */
 const moment = (name, time) =>
   ({ name: label(name), value: time && `${dateTime(time)}\n${time}`, isBlock: true });
 
@@ -64,7 +69,11 @@ function attributeText(text) {
   }
 }
 
-/** The parameters as they came. @param {import("./jsontext.js").Node | undefined} node @returns {Term[]} */
+/**
+ * The parameters as they came.
+ * @param {import("./jsontext.js").Node | undefined} node
+ * @returns {Term[]}
+ */
 export function parameters(node) {
   if (node?.kind !== "object")
     return [];

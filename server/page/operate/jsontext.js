@@ -97,7 +97,12 @@ export function parse(text) {
 export const member = (node, name) =>
   node.kind === "object" ? node.entries.find(([key]) => key === name)?.[1] : undefined;
 
-/** In lines, two blanks deeper at each level. @param {Node} node @param {string} [indent] @returns {string} */
+/**
+ * In lines, two blanks deeper at each level.
+ * @param {Node} node
+ * @param {string} [indent]
+ * @returns {string}
+ */
 export function pretty(node, indent = "") {
   const deeper = `${indent}  `;
   /** @param {string} open @param {string[]} lines @param {string} close */

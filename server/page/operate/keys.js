@@ -10,7 +10,9 @@ const storeName = "keys";
 /** @typedef {Record<string, (press: KeyboardEvent) => void>} Actions */
 
 /** In the list, where no letter is needed to act. */
-const steps = { ArrowDown: 1, ArrowUp: -1, PageDown: 10, PageUp: -10, Home: -Infinity, End: Infinity };
+const steps = {
+  ArrowDown: 1, ArrowUp: -1, PageDown: 10, PageUp: -10, Home: -Infinity, End: Infinity,
+};
 
 /** What the help shows: the keys, and the word for what they do. */
 const help = [
@@ -23,7 +25,10 @@ const isWriting = (/** @type {EventTarget | null} */ place) =>
   place instanceof HTMLElement &&
   (place.matches("input:not([type=checkbox]), textarea, select") || place.isContentEditable);
 
-/** The letter of the key's place on boards that write in other letters. @param {KeyboardEvent} press */
+/**
+ * The letter of the key's place on boards that write in other letters.
+ * @param {KeyboardEvent} press
+ */
 function letterOf({ key, code, shiftKey }) {
   const isOther = key.length === 1 && key > "~";
   const placed = { Slash: shiftKey ? "?" : "/" }[code] ?? code.replace(/^Key/, "");

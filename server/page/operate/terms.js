@@ -16,7 +16,8 @@ const longest = 20000;  // characters that are shown at once
 
 export class Terms {
   element = element("dl");
-  /** @type {Map<string, {dt: HTMLElement, dd: HTMLElement, text: HTMLElement, more: HTMLElement}>} */
+  /** @typedef {Record<"dt" | "dd" | "text" | "more", HTMLElement>} Shown */
+  /** @type {Map<string, Shown>} */
   #shown = new Map();
   /** @type {Set<string>} */
   #whole = new Set();

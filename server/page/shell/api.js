@@ -6,12 +6,12 @@ const patience = 20000;  // ms
 /** A request that was refused, or not answered (status 0). */
 export class RequestError extends Error {
   /**
-   * @param {string} text
+   * @param {string} reason
    * @param {number} status
    * @param {any} body
    */
-  constructor(text, status, body = {}) {
-    super(text);
+  constructor(reason, status, body = {}) {
+    super(reason);
     this.status = status;
     this.result = body.result;
     /** @type {import("../types.js").HmiEvent | undefined} */

@@ -78,7 +78,10 @@ function gapTitle({ from, to, reason, lost }) {
     (lost ? ` (${label("gapLost", number(lost))})` : "");
 }
 
-/** Without a translation the event shows by what its class and number are. @param {HmiEvent} event */
+/**
+ * Without a translation the event shows by what its class and number are.
+ * @param {HmiEvent} event
+ */
 export function title(event) {
   if (isGap(event))
     return gapTitle(event);

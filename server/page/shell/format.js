@@ -24,11 +24,14 @@ export const timeOfDay = (moment) => moment ? asTime.format(new Date(moment)) : 
 
 /** The day unless it is today. @param {string | null | undefined} moment */
 export function otherDay(moment) {
-  const day = moment ? asDay.format(new Date(moment)) : "";
-  return day === asDay.format(new Date()) ? "" : day;
+  const said = moment ? asDay.format(new Date(moment)) : "";
+  return said === asDay.format(new Date()) ? "" : said;
 }
 
-/** Time to the second, with the day unless it is today. @param {string | null | undefined} moment */
+/**
+ * Time to the second, with the day unless it is today.
+ * @param {string | null | undefined} moment
+ */
 export const shortTime = (moment) =>
   moment ? [otherDay(moment), clock(moment)].filter(Boolean).join(", ") : "";
 

@@ -105,12 +105,10 @@ function drawing(series, width, height) {
   return picture;
 }
 
-/** @param {Interval[]} series */
-function summary(series) {
+/** @param {Interval[]} series @param {Interval} peak */
+function summary(series, peak) {
   const total = series.reduce((sum, { alarms }) => sum + alarms, 0);
-  const peak = series.reduce((most, each) => each.alarms > most.alarms ? each : most,
-    { at: "", alarms: 0 });
-  return peak.alarms === 0 ? label("rateNone")
+  return total === 0 ? label("rateNone")
     : label("rateSummary", number(total), number(peak.alarms), moment(peak.at));
 }
 
@@ -136,10 +134,11 @@ function numbers(series) {
 /**
  * The picture with what it says in words and as numbers. It follows the width of its place.
  * @param {Interval[]} series
+ * @param {Interval} peak the most within any ten minutes
  * @returns {{parts: HTMLElement[], close: () => void}}
  */
-export function ratePicture(series) {
-  const words = summary(series);
+export function ratePicture(series, peak) {
+  const words = summary(series, peak);
   const place = element("div", { className: "rate", role: "img", "aria-label": words });
   const observer = new ResizeObserver(() => {
     const { clientWidth, clientHeight } = place;

@@ -6,15 +6,15 @@ import { label } from "../shell/words.js";
 import { moment } from "./rate.js";
 
 /**
- * @typedef {{name: string, sourceName?: string | null, target: string, count: number,
- *   perMinute?: number, text?: string}} Frequent
- * @typedef {{id: number, name: string, target: string, timeRaised: string, severity: number,
- *   text?: string}} Standing
+ * @typedef {{id: number, name: string, eventClass: string, eventId: number | null, target: string,
+ *   sourceName: string, text?: string, localizedSourceName?: string}} Named an alarm
+ * @typedef {Named & {count: number, perMinute?: number}} Frequent
+ * @typedef {Named & {timeRaised: string, severity: number}} Standing
  * @typedef {{target: string, from: string, to: string | null, reason: string,
  *   lost: number | null}} Gap
  * @typedef {{active: number[], unconfirmed: number[]}} Counts by severity
  * @typedef {{name?: string, rate: import("./rate.js").Interval[],
- *   peak: import("./rate.js").Interval | null, frequent: Frequent[], chattering: Frequent[],
+ *   peak: import("./rate.js").Interval, frequent: Frequent[], chattering: Frequent[],
  *   standing: Standing[], counts: Counts, oldestUnconfirmed: string | null, flood: boolean,
  *   gaps: Gap[]}} Summary of one target system or of all
  */
@@ -44,15 +44,15 @@ export function panel(title, heads, rows, nothing = label("nothingYet")) {
   return element("section", { className: "panel" }, head, scroller);
 }
 
-/** @param {string} target @param {string | null | undefined} source */
-const place = (target, source) => source ? `${target} · ${source}` : target;
-
-/** @param {Frequent} event */
-function named(event) {
-  const name = element("span", { className: "named" }, foreign(event.text ?? event.name));
-  name.append(element("small", {}, foreign(place(event.target, event.sourceName))));
-  return name;
+/** @param {Named} alarm */
+function nameOf({ name, text, eventClass, eventId, target, sourceName, localizedSourceName }) {
+  const title = text || [name, eventClass, eventId].filter((part) => part !== null).join(" ");
+  const place = [target, localizedSourceName || sourceName].filter(Boolean).join(" · ");
+  return [foreign(title), element("small", {}, foreign(place))];
 }
+
+/** @param {Named} alarm */
+const named = (alarm) => element("span", { className: "named" }, ...nameOf(alarm));
 
 /** A bar beside a number. @param {number} value @param {number} most */
 function bar(value, most) {
@@ -80,9 +80,7 @@ export const standing = (alarms, show) => panel(
   label("standing"),
   ["statisticsEvent", "priority", "standingSince", "age"].map((key) => label(key)),
   alarms.map((alarm) => {
-    const name = element("button", { type: "button", className: "named" },
-      foreign(alarm.text ?? alarm.name));
-    name.append(element("small", {}, foreign(alarm.target)));
+    const name = element("button", { type: "button", className: "named" }, ...nameOf(alarm));
     name.addEventListener("click", () => show(alarm));
     return [name, priority(alarm.severity), moment(alarm.timeRaised),
       duration(Date.now() - Date.parse(alarm.timeRaised))];
@@ -114,6 +112,6 @@ export const perTarget = (targets, choose) => panel(
     const name = element("button", { type: "button" }, foreign(target.name ?? ""));
     name.addEventListener("click", () => choose(target.name ?? ""));
     return [name, number(sum(target.rate.map(({ alarms }) => alarms))),
-      number(target.peak?.alarms ?? 0), number(sum(target.counts.unconfirmed)),
+      number(target.peak.alarms), number(sum(target.counts.unconfirmed)),
       number(sum(target.counts.active)), label(target.flood ? "inFlood" : "noFlood")];
   }));

@@ -49,9 +49,9 @@ function createView(root, context) {
 
   /** @param {Summary[]} targets @param {Summary} summary */
   function showPanels(targets, summary) {
-    panels.show("rate", summary.rate, () => {
+    panels.show("rate", [summary.rate, summary.peak], () => {
       closePicture();
-      const picture = ratePicture(summary.rate);
+      const picture = ratePicture(summary.rate, summary.peak);
       closePicture = picture.close;
       return element("section", { className: "panel wide" },
         element("h2", { textContent: label("rateTitle") }), ...picture.parts);
@@ -76,7 +76,8 @@ function createView(root, context) {
       return;
     const summary = chosen()
       ? answer.targets.find((/** @type {Summary} */ { name }) => name === chosen()) : answer.all;
-    asOf.textContent = label("asOf", clock(answer.to));
+    asOf.textContent = answer.since > answer.from
+      ? label("asOfSince", clock(answer.to), moment(answer.since)) : label("asOf", clock(answer.to));
     if (summary)
       showPanels(answer.targets, summary);
     else
@@ -86,7 +87,8 @@ function createView(root, context) {
 
   async function load() {
     try {
-      const loaded = await context.api.statistics(minutes());
+      const asked = context.api.query({ minutes: minutes(), locale: context.locale() });
+      const loaded = await context.api.request(`/api/statistics?${asked}`);
       if (!isOpen)
         return;
       answer = loaded;
@@ -138,7 +140,10 @@ function createView(root, context) {
   draw();
   reload();
   return {
-    draw,
+    languageChanged() {
+      draw();
+      load();
+    },
     close() {
       isOpen = false;
       ends.forEach((end) => end());
@@ -164,4 +169,4 @@ export function close() {
   view = null;
 }
 
-export const languageChanged = () => view?.draw();
+export const languageChanged = () => view?.languageChanged();

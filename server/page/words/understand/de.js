@@ -2,7 +2,8 @@
 export const words = {
   period: "Zeitraum", period60: "letzte Stunde", period480: "letzte 8 Stunden",
   period1440: "letzte 24 Stunden", period10080: "letzte 7 Tage", statisticsTarget: "Zielsystem",
-  allTargets: "alle", asOf: "Stand {0}", noSuchTarget: "Über {0} ist nichts bekannt.",
+  allTargets: "alle", asOf: "Stand {0}", asOfSince: "Stand {0}; bekannt seit {1}",
+  noSuchTarget: "Über {0} ist nichts bekannt.",
   statisticsFailed: "Die Statistik konnte nicht geladen werden: {0}",
   rateTitle: "Alarme je 10 Minuten", rateAt: "{0}: {1} Alarme",
   rateNone: "In dieser Zeit ist kein Alarm gekommen.",

@@ -2,7 +2,8 @@
 export const words = {
   period: "Period", period60: "last hour", period480: "last 8 hours",
   period1440: "last 24 hours", period10080: "last 7 days", statisticsTarget: "Target system",
-  allTargets: "all", asOf: "As of {0}", noSuchTarget: "Nothing is known of {0}.",
+  allTargets: "all", asOf: "As of {0}", asOfSince: "As of {0}; known since {1}",
+  noSuchTarget: "Nothing is known of {0}.",
   statisticsFailed: "The statistics could not be loaded: {0}",
   rateTitle: "Alarms per 10 minutes", rateAt: "{0}: {1} alarms",
   rateNone: "No alarm was raised in this time.",

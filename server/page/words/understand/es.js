@@ -3,7 +3,7 @@ export const words = {
   period: "Periodo", period60: "última hora", period480: "últimas 8 horas",
   period1440: "últimas 24 horas", period10080: "últimos 7 días",
   statisticsTarget: "Sistema de destino", allTargets: "todos", asOf: "Estado a las {0}",
-  noSuchTarget: "No se sabe nada de {0}.",
+  asOfSince: "Estado a las {0}; se conoce desde {1}", noSuchTarget: "No se sabe nada de {0}.",
   statisticsFailed: "No se han podido cargar las estadísticas: {0}",
   rateTitle: "Alarmas cada 10 minutos", rateAt: "{0}: {1} alarmas",
   rateNone: "En este periodo no se ha producido ninguna alarma.",

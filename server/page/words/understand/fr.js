@@ -3,7 +3,7 @@ export const words = {
   period: "Période", period60: "dernière heure", period480: "8 dernières heures",
   period1440: "24 dernières heures", period10080: "7 derniers jours",
   statisticsTarget: "Système cible", allTargets: "tous", asOf: "État à {0}",
-  noSuchTarget: "On ne sait rien de {0}.",
+  asOfSince: "État à {0} ; connu depuis {1}", noSuchTarget: "On ne sait rien de {0}.",
   statisticsFailed: "Impossible de charger les statistiques : {0}",
   rateTitle: "Alarmes par 10 minutes", rateAt: "{0} : {1} alarmes",
   rateNone: "Aucune alarme n’est apparue pendant cette période.",

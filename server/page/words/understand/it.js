@@ -3,7 +3,7 @@ export const words = {
   period: "Periodo", period60: "ultima ora", period480: "ultime 8 ore",
   period1440: "ultime 24 ore", period10080: "ultimi 7 giorni",
   statisticsTarget: "Sistema di destinazione", allTargets: "tutti", asOf: "Aggiornato alle {0}",
-  noSuchTarget: "Di {0} non si sa nulla.",
+  asOfSince: "Aggiornato alle {0}; noto dal {1}", noSuchTarget: "Di {0} non si sa nulla.",
   statisticsFailed: "Impossibile caricare le statistiche: {0}",
   rateTitle: "Allarmi ogni 10 minuti", rateAt: "{0}: {1} allarmi",
   rateNone: "In questo periodo non è scattato alcun allarme.",

@@ -3,7 +3,7 @@ export const words = {
   period: "Okres", period60: "ostatnia godzina", period480: "ostatnie 8 godzin",
   period1440: "ostatnie 24 godziny", period10080: "ostatnie 7 dni",
   statisticsTarget: "System docelowy", allTargets: "wszystkie", asOf: "Stan na {0}",
-  noSuchTarget: "O {0} nic nie wiadomo.",
+  asOfSince: "Stan na {0}; znane od {1}", noSuchTarget: "O {0} nic nie wiadomo.",
   statisticsFailed: "Nie udało się wczytać statystyki: {0}", rateTitle: "Alarmy na 10 minut",
   rateAt: "{0}: alarmy: {1}", rateNone: "W tym czasie nie pojawił się żaden alarm.",
   rateSummary: "Alarmów ogółem: {0}; najwyżej {1} w 10 minut, od {2}.", floodLine: "lawina: {0}",
