@@ -49,7 +49,10 @@ export class Confirmations {
     this.#changed();
   }
 
-  /** What is selected; else what has the focus or is open. @param {import("./list.js").List} list */
+  /**
+   * What is selected; else what has the focus or is open.
+   * @param {import("./list.js").List} list
+   */
   confirmSelected(list) {
     const focused = list.rowAt(document.activeElement) ?? list.get(list.openKey);
     const chosen = list.selected.size > 0 ? list.selectedEvents

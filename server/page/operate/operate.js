@@ -1,5 +1,5 @@
 // The view that a plant is run with: the list of alarms and messages, and all about one of them.
-import { applyWords, addWords, label } from "../shell/words.js";
+import { applyWords, addWords } from "../shell/words.js";
 import { byId } from "../shell/dom.js";
 import { isConfirmable, keyOf } from "../shell/event.js";
 import * as horn from "../shell/horn.js";

@@ -11,7 +11,8 @@ import { label, language } from "../shell/words.js";
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
 /** @typedef {import("../types.js").Group} Group */
 /** @typedef {{key: string, event: HmiEvent, group?: Group}} Item */
-/** @typedef {{isSelected: boolean, isOpen: boolean, isActive: boolean, mayConfirm: boolean}} Flags */
+/** @typedef {"isSelected" | "isOpen" | "isActive" | "mayConfirm"} Flag */
+/** @typedef {Record<Flag, boolean>} Flags */
 
 /** @param {string} className @param {...Node} children */
 const cell = (className, ...children) =>

@@ -56,8 +56,8 @@ const loadFlood = throttled(async () => {
   const answer = await orNothing(api.statistics(10));
   if (!answer)
     return;
-  const { flood, rate } = answer.all;
-  flooded = { flood, rate: rate.at(-1)?.alarms ?? 0 };
+  const { all } = answer;
+  flooded = { flood: all.flood, rate: all.rate.at(-1)?.alarms ?? 0 };
   countListeners.forEach((listener) => listener());
 }, () => floodInterval);
 

@@ -19,7 +19,11 @@ const tiles = severities.map((severity) => {
   return { severity, tile, word, said, waiting, also, standing };
 });
 
-/** What is below the lowest priority counts with it. @param {number[]} bySeverity @param {number} severity */
+/**
+ * What is below the lowest priority counts with it.
+ * @param {number[]} bySeverity
+ * @param {number} severity
+ */
 const countOf = (bySeverity, severity) =>
   bySeverity[severity] + (severity === 1 ? bySeverity[0] : 0);
 

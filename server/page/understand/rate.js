@@ -95,7 +95,7 @@ function drawing(series, width, height) {
     picture.append(across("level", level),
       shape("text", { class: "scale", x: margin.left - 6, y: y(level) + 4 }, number(level)));
   bars.forEach(({ at, alarms }, index) => picture.append(shape("rect", {
-    class: alarms >= flood ? "bar over" : "bar",
+    class: alarms >= flood ? "column over" : "column",
     x: x(index) + gap / 2, width: pitch - gap, y: y(alarms), height: bottom - y(alarms),
   }, shape("title", {}, label("rateAt", moment(at), number(alarms))))));
   if (bars.length > 0)

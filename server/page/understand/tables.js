@@ -104,14 +104,17 @@ export const priorities = ({ active, unconfirmed }) => panel(
 const sum = (counts) => counts.reduce((total, count) => total + count, 0);
 
 /** @param {Summary[]} targets @param {(name: string) => void} choose */
-export const perTarget = (targets, choose) => panel(
-  label("perTarget"),
-  ["statisticsTarget", "alarmCount", "peak", "countedUnconfirmed", "countedActive", "rateState"]
-    .map((key) => label(key)),
-  targets.map((target) => {
+export function perTarget(targets, choose) {
+  const heads = [
+    "statisticsTarget", "alarmCount", "peak", "countedUnconfirmed", "countedActive", "rateState"];
+  const rows = targets.map((target) => {
     const name = element("button", { type: "button" }, foreign(target.name ?? ""));
     name.addEventListener("click", () => choose(target.name ?? ""));
     return [name, number(sum(target.rate.map(({ alarms }) => alarms))),
       number(target.peak.alarms), number(sum(target.counts.unconfirmed)),
       number(sum(target.counts.active)), label(target.flood ? "inFlood" : "noFlood")];
-  }));
+  });
+  const all = panel(label("perTarget"), heads.map((key) => label(key)), rows);
+  all.classList.add("wide");
+  return all;
+}
