@@ -33,7 +33,7 @@ if(NOT WIN32 AND NOT BRIDGE_SANITIZE AND CMAKE_BUILD_TYPE MATCHES "Rel")
 endif()
 
 if(BRIDGE_SANITIZE)
-    add_compile_options(-fsanitize=${BRIDGE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g)
+    add_compile_options(-fsanitize=${BRIDGE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g1)
     add_link_options(-fsanitize=${BRIDGE_SANITIZE})
     # Asio orders its reference counts with fences, which GCC says it cannot follow under this sanitizer.
     if(BRIDGE_SANITIZE MATCHES "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

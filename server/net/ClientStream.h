@@ -1,17 +1,19 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <type_traits>
 #include <utility>
 
+#include <boost/asio/buffer.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/beast/core/role.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
-#include <boost/beast/websocket/stream.hpp>
-#include <boost/beast/websocket/teardown.hpp>
+#include <boost/container/static_vector.hpp>
 
-#ifdef HMI_WITH_TLS
-#include <boost/asio/ssl/context.hpp>
-#include <boost/asio/ssl/stream.hpp>
-#endif
+namespace boost::asio::ssl {
+class context;
+}
 
 namespace hmi {
 
@@ -21,87 +23,81 @@ using TlsContextPtr = std::shared_ptr<boost::asio::ssl::context>;
 using TlsContextPtr = std::shared_ptr<void>;
 #endif
 
-/// A client's connection, plain or under TLS, as one type for all that reads and writes.
+/// A client's connection, plain or under TLS, as one type for all that reads and writes. Whatever
+/// asks, below here there is one type of buffers and one of handlers: what Beast and OpenSSL make
+/// of them is compiled once.
 class ClientStream {
 public:
     using executor_type = boost::beast::tcp_stream::executor_type;
     using next_layer_type = boost::beast::tcp_stream;
+    using Error = boost::system::error_code;
+    using TransferHandler = std::function<void(Error, std::size_t)>;
+    using Handler = std::function<void(Error)>;
 
     /// `context`: null for a plain connection.
-    ClientStream(boost::asio::ip::tcp::socket socket, TlsContextPtr context)
-        : tcp(std::make_unique<next_layer_type>(std::move(socket))), context(std::move(context)) {
-#ifdef HMI_WITH_TLS
-        if (this->context)
-            tls = std::make_unique<Tls>(*tcp, *this->context);
-#endif
-    }
+    ClientStream(boost::asio::ip::tcp::socket socket, TlsContextPtr context);
+    ClientStream(ClientStream&&) noexcept;
+    ~ClientStream();
 
     executor_type get_executor() noexcept { return tcp->get_executor(); }
     next_layer_type& next_layer() noexcept { return *tcp; }
     const next_layer_type& next_layer() const noexcept { return *tcp; }
 
-    template <class Buffers, class Handler>
-    void async_read_some(const Buffers& buffers, Handler&& handler) {
-#ifdef HMI_WITH_TLS
-        if (tls) {
-            tls->async_read_some(buffers, std::forward<Handler>(handler));
-            return;
-        }
-#endif
-        tcp->async_read_some(buffers, std::forward<Handler>(handler));
+    template <class Buffers, class Then>
+    void async_read_some(const Buffers& buffers, Then&& then) {
+        read(firstOf<Room>(buffers), erased<TransferHandler>(std::forward<Then>(then)));
     }
 
-    template <class Buffers, class Handler>
-    void async_write_some(const Buffers& buffers, Handler&& handler) {
-#ifdef HMI_WITH_TLS
-        if (tls) {
-            tls->async_write_some(buffers, std::forward<Handler>(handler));
-            return;
-        }
-#endif
-        tcp->async_write_some(buffers, std::forward<Handler>(handler));
+    template <class Buffers, class Then>
+    void async_write_some(const Buffers& buffers, Then&& then) {
+        write(firstOf<Content>(buffers), erased<TransferHandler>(std::forward<Then>(then)));
     }
 
     /// Calls back at once for a plain connection.
-    template <class Handler>
-    void handshake(Handler handler) {
-#ifdef HMI_WITH_TLS
-        if (tls) {
-            tls->async_handshake(boost::asio::ssl::stream_base::server, std::move(handler));
-            return;
-        }
-#endif
-        handler(boost::system::error_code());
-    }
-
+    void handshake(Handler then);
     /// Says that nothing more will be sent; calls back when that is said.
-    template <class Handler>
-    void finish(Handler handler) {
-#ifdef HMI_WITH_TLS
-        if (tls) {
-            tls->async_shutdown(std::move(handler));
-            return;
-        }
-#endif
-        boost::system::error_code error;
-        tcp->socket().shutdown(boost::asio::ip::tcp::socket::shutdown_send, error);
-        handler(error);
+    void finish(Handler then);
+
+    template <class Then>
+    friend void async_teardown(boost::beast::role_type role, ClientStream& stream, Then&& then) {
+        stream.teardown(role, erased<Handler>(std::forward<Then>(then)));
     }
 
 private:
+    static constexpr std::size_t maxBuffers = 16;
+    using Room = boost::container::static_vector<boost::asio::mutable_buffer, maxBuffers>;
+    using Content = boost::container::static_vector<boost::asio::const_buffer, maxBuffers>;
+
+    /// Those that hold something, as far as they fit: some is read or written, not all.
+    template <class Fixed, class Buffers>
+    static Fixed firstOf(const Buffers& buffers) {
+        Fixed fixed;
+        auto next = boost::asio::buffer_sequence_begin(buffers);
+        const auto end = boost::asio::buffer_sequence_end(buffers);
+        for (; next != end && fixed.size() < maxBuffers; ++next) {
+            const typename Fixed::value_type buffer(*next);
+            if (buffer.size() > 0)
+                fixed.push_back(buffer);
+        }
+        return fixed;
+    }
+
+    /// Operations are moved and never copied, which std::function asks for.
+    template <class Function, class Then>
+    static Function erased(Then&& then) {
+        return [owned = std::make_shared<std::decay_t<Then>>(std::forward<Then>(then))](
+                   auto... results) { std::move (*owned)(results...); };
+    }
+
+    void read(const Room& room, TransferHandler then);
+    void write(const Content& content, TransferHandler then);
+    /// The closing handshake of a WebSocket is over, the connection follows.
+    void teardown(boost::beast::role_type role, Handler then);
+
     std::unique_ptr<next_layer_type> tcp;
     TlsContextPtr context;  ///< outlives the connection that was made with it
-#ifdef HMI_WITH_TLS
-    using Tls = boost::asio::ssl::stream<next_layer_type&>;
-    std::unique_ptr<Tls> tls;
-#endif
+    class Tls;
+    std::unique_ptr<Tls> tls;  ///< null for a plain connection
 };
-
-/// The end of a WebSocket: its closing handshake is over, the connection follows.
-template <class Handler>
-void async_teardown(boost::beast::role_type role, ClientStream& stream, Handler&& handler) {
-    boost::beast::websocket::async_teardown(role, stream.next_layer().socket(),
-                                            std::forward<Handler>(handler));
-}
 
 }  // namespace hmi

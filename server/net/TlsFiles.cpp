@@ -2,6 +2,10 @@
 
 #include <string>
 
+#ifdef HMI_WITH_TLS
+#include <boost/asio/ssl/context.hpp>
+#endif
+
 #include "server/Log.h"
 #include "server/StartError.h"
 
