@@ -22,13 +22,21 @@ native_packages=(g++ cmake ninja-build libboost1.81-dev libboost-thread1.81-dev
     libbenchmark-dev python3 unicode-data)
 lint_packages=(clang-14)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
-windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64 xz-utils)
+page_packages=(chromium fonts-dejavu-core fonts-wqy-microhei)
+package_packages=(mmdebstrap dpkg-dev file curl git)
+windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64 xz-utils curl unzip)
+
+# say WHAT: the part of a step that begins now.
+say() {
+    echo "-- $*"
+}
 
 # build PRESET [TARGET...]
 build() {
     local preset=$1
     shift
     [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
+    say "building $preset"
     cmake --build --preset "$preset" ${*:+--target "$@"}
 }
 

@@ -1,3 +1,18 @@
+/// The way in: what an extension gets from the server, and the order in which things happen.
+///
+/// 1. The server loads the library and calls `ext_interface`, which makes the extension object. The
+///    server owns it from then on and deletes it at the end.
+/// 2. `init`, once. The context that it is given is the one for later calls of the host: keep a
+/// copy.
+///    The extension reads its configuration and registers its listeners, which may be called before
+///    `init` returns. A result other than success ends the server.
+/// 3. Listeners are called, and the extension calls the host. It raises, updates and removes alarms
+///    under ids of its own choice, one of each at a time; they name their target system in the
+///    parameter "targetName". The host asks `provide_events` for all of them when it starts, and
+///    again after `reset_events`. A removed alarm stays in the operators' list until `drop_event`.
+/// 4. The shutdown listener, once, on any thread, even while `init` runs. Then the destructor,
+/// which
+///    unregisters the listeners. The library stays loaded.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +21,12 @@
 
 namespace ZrHmiSrv {
 
-/// What an operation of the alarm provider does to an alarm.
-enum class AlarmOperation : std::uint16_t { raise = 0, update = 1, remove = 2 };
+/// What an extension tells of an alarm. Each carries the whole alarm as it is now.
+enum class AlarmOperation : std::uint16_t {
+    raise = 0,   ///< a new one, or the next occurrence of the one with this id
+    update = 1,  ///< also when it was cleared or confirmed
+    remove = 2,  ///< its life has ended; the server still shows it as it was last
+};
 
 /// The server as its extensions see it: 20 slots in this order. Any thread, also during `init`
 /// and configuration changes; a slot never waits for a thread that may be inside the extension.
@@ -23,7 +42,8 @@ public:
     virtual ResultPair reserved_6() { return ErrorValue::unknown_command; }
     virtual ResultPair reserved_7() { return ErrorValue::unknown_command; }
     virtual ResultPair reserved_8() { return ErrorValue::unknown_command; }
-    /// Slot 9. The listener stays the extension's.
+    /// Slot 9. The listener stays the extension's. An object that is several listeners registers
+    /// each of them, as a pointer to that interface.
     virtual ResultPair register_listener_with_settings(const Context& context,
                                                        IZrHmiSrvListener* listener,
                                                        const Value& settings) = 0;

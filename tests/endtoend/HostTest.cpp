@@ -59,6 +59,25 @@ TEST_F(HostTest, StoppingRefusesWhatWaitsAndEndsWhatRuns) {
                                                 testing::HasSubstr("destroyed without listeners\n")));
 }
 
+/// An extension by somebody else, who had the headers and nothing more.
+TEST(HeartbeatTest, WhatIsNotAliveIsAnAlarmUntilItIs) {
+    ServerFixture server{HEARTBEAT_FILE,
+                         {{"TIMEOUT", "PT0.2S"}, {"TARGET_SYSTEMS", json::object()}}};
+    const auto alarm = [&] {
+        const json::value events = server.get("/api/events?locale=de-DE").json().at("events");
+        return events.as_array().empty() ? json::object() : events.at(0).as_object();
+    };
+    ASSERT_TRUE(eventually([&] { return !alarm().empty(); }));
+    EXPECT_EQ(alarm().at("text"), "Kein Lebenszeichen");
+    EXPECT_TRUE(alarm().at("active").as_bool());
+    EXPECT_EQ(server.send("POST", "/api/events/1/confirm").json().at("result"), 0);
+    EXPECT_EQ(alarm().at("confirmationState"), 3);
+    server.send("POST", "/api/commands", json::array{{{"command", "Beat"}}});
+    EXPECT_FALSE(alarm().at("active").as_bool());
+    EXPECT_TRUE(eventually([&] { return alarm().at("id") == 2; })) << "and so on";
+    EXPECT_EQ(server.stop(), 0);
+}
+
 /// The end of a server whose extension hangs before or after it listens.
 class StopTest : public testing::Test {
 protected:

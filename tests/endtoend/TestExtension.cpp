@@ -7,8 +7,6 @@
 #include <stdexcept>
 #include <string>
 
-#include <boost/config.hpp>
-
 #include "host/IZrHmiSrvExtHost.h"
 
 using namespace ZrHmiSrv;
@@ -92,8 +90,8 @@ private:
 
 }  // namespace
 
-extern "C" BOOST_SYMBOL_EXPORT int ext_interface(IZrHmiSrvExtHost* host, IZrHmiSrvExt** extension,
-                                                 double* version) {
+ZRHMISRV_ENTRY int ext_interface(IZrHmiSrvExtHost* host, IZrHmiSrvExt** extension,
+                                 double* version) {
     initialize_api(host);
     *extension = new (std::nothrow) TestExtension(host);
     *version = interface_version;
