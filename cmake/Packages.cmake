@@ -20,7 +20,7 @@ else()
 
     set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME hmi-server)
     set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION net)
-    set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS adduser)
+    set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "adduser, procps")
     set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "HMI server with the event-logger extension
 Alarms and messages of automation runtimes: by HTTP, by WebSocket and on a
 page for operators, who confirm them there.")

@@ -5,8 +5,9 @@
                             system: as root in a system with the packages installed
   <!-- not tried: WHY -->
 
-documents.py check PROGRAM           every block is marked; the manual page and docs/server.md have
-                                     the options that `PROGRAM --help` has
+documents.py check PROGRAM           every block is marked; files of the sources that are named are
+                                     there; the manual page and docs/server.md have the options that
+                                     `PROGRAM --help` has
 documents.py PLACE [PORT [ROOT]]     runs the blocks of a place, those of a document as one script
                                      that ends at the first failure; a server is to listen on PORT
                                      in the place of 8080
@@ -19,6 +20,7 @@ import sys
 FOLDER = pathlib.Path(__file__).resolve().parents[2]
 PLACES = ("tree", "windows", "system")
 BLOCK = re.compile(r"(?:^<!-- (not tried|tried): (.*?) -->\n)?^```sh\n(.*?)^```$", re.M | re.S)
+SOURCE = re.compile(r"`((?:src|server|simulator|tests|docs|cmake|packaging|examples)/[\w/.-]+)`")
 LIMIT = 600  # seconds for a document
 
 
@@ -44,6 +46,9 @@ def check(program):
             kind, place, _ = block.groups()
             if kind is None or (kind == "tried" and place not in PLACES):
                 fail(f"{name}:{text[:block.start()].count(chr(10)) + 1}: where are these commands tried?")
+        for path in SOURCE.findall(text):
+            if not list(FOLDER.glob(path + "*")):  # a class may be named without its suffix
+                fail(f"{name}: there is no {path}")
     options = options_of(subprocess.run([program, "--help"], check=True, capture_output=True,
                                         text=True).stdout)
     for name in ("packaging/hmi-server.1", "docs/server.md"):

@@ -33,7 +33,7 @@ cp share/hmi-server/demo/*.json .
 server=$!
 trap 'kill $server 2>/dev/null || :' EXIT
 ask() {
-    curl --silent --show-error --fail --retry 20 --retry-connrefused --retry-delay 1 \
+    curl --silent --fail --retry 20 --retry-connrefused --retry-delay 1 \
         "http://127.0.0.1:$port$1"
 }
 ask /readyz >/dev/null || { cat ../log; fail "does not start"; }
