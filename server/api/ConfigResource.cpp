@@ -23,7 +23,7 @@ ConfigurationPath pathOf(const Request& request) {
 }
 
 /// Changes of one target system's entry come one at a time, and wait for no other's.
-Place placeOf(const Request& request) {
+Place placeOfEntry(const Request& request) {
     const ConfigurationPath path = pathOf(request);
     const bool isEntry = path.depth() > 1 && path.name(0) == "TARGET_SYSTEMS";
     return {Lane::configuration, isEntry ? path.name(1) : std::string()};
@@ -34,8 +34,9 @@ Place placeOf(const Request& request) {
 void ConfigResource::addRoutes(Router& router) {
     router.add(Method::get, "/api/config", [this](const auto& r) { return read(r); });
     router.add(Method::get, "/api/config/*", [this](const auto& r) { return read(r); });
-    router.add(Method::put, "/api/config/*", placeOf, [this](const auto& r) { return set(r); });
-    router.add(Method::remove, "/api/config/*", placeOf,
+    router.add(Method::put, "/api/config/*", placeOfEntry,
+               [this](const auto& r) { return set(r); });
+    router.add(Method::remove, "/api/config/*", placeOfEntry,
                [this](const auto& r) { return erase(r); });
 }
 
