@@ -55,6 +55,7 @@ Application::Application(const Options& given)
     expectAllowedAddress(options);
     feed.add("targets", targets);
     feed.add("texts", texts);  // before those that tell readers to ask again
+    feed.add("statistics", raises);
     feed.add("stream", hub);
 }
 
@@ -69,6 +70,7 @@ void Application::addRoutes() {
     eventsResource.addRoutes(router);
     confirmationsResource.addRoutes(router);
     targetsResource.addRoutes(router);
+    statisticsResource.addRoutes(router);
     configResource.addRoutes(router);
     commandsResource.addRoutes(router);
     logResource.addRoutes(router);

@@ -16,6 +16,7 @@
 #include "server/api/LogResource.h"
 #include "server/api/MetricsResource.h"
 #include "server/api/SimulatorResource.h"
+#include "server/api/StatisticsResource.h"
 #include "server/api/TargetsResource.h"
 #include "server/events/ChangeFeed.h"
 #include "server/extension/SimulatorControl.h"
@@ -54,6 +55,7 @@ private:
     WorkerLanes lanes;
     EventTextService texts;
     TargetBook targets;
+    RaiseBook raises;
     std::unique_ptr<SimulatorControl>
         simulator;  ///< outlives the extension, which uses its library
     Backend backend;
@@ -69,6 +71,7 @@ private:
     EventsResource eventsResource{backend.events, targets, backend.calls, texts};
     ConfirmationsResource confirmationsResource{confirmations, backend.events, lanes};
     TargetsResource targetsResource{targets};
+    StatisticsResource statisticsResource{raises, backend.events, targets, texts};
     ConfigResource configResource{backend.configuration, backend.calls};
     CommandsResource commandsResource{backend.calls};
     LogResource logResource{backend.log};

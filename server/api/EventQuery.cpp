@@ -47,7 +47,15 @@ std::string textOf(const Query& query, std::string_view name) {
 
 }  // namespace
 
-EventQuery::EventQuery(const Query& query, Query::Names further, std::uint64_t usualLimit) {
+TextWish::TextWish(const Query& query) : locale(textOf(query, "locale")) {
+    if (locale.size() > maxLocaleLength)
+        throw RequestError(400, "locale is too long");
+    constexpr auto longest = static_cast<std::uint64_t>(maxWait.count());
+    wait = std::chrono::milliseconds(std::min(query.number("wait", defaultWait), longest));
+}
+
+EventQuery::EventQuery(const Query& query, Query::Names further, std::uint64_t usualLimit)
+    : texts(query) {
     query.allowOnly({"target", "kind", "state", "severity", "text", "locale", "offset", "limit",
                      "wait", "order", "from", "to", "lastKnown", "gaps"},
                     further);
@@ -67,11 +75,6 @@ EventQuery::EventQuery(const Query& query, Query::Names further, std::uint64_t u
     filter.severity = static_cast<std::uint32_t>(std::min(query.number("severity", 0), highest));
     readOrder(query);
     text = foldCase(textOf(query, "text"));
-    locale = textOf(query, "locale");
-    if (locale.size() > maxLocaleLength)
-        throw RequestError(400, "locale is too long");
-    constexpr auto longest = static_cast<std::uint64_t>(maxWait.count());
-    wait = std::chrono::milliseconds(std::min(query.number("wait", defaultWait), longest));
     offset = static_cast<std::size_t>(query.number("offset", 0));
     limit = static_cast<std::size_t>(std::min(query.number("limit", usualLimit), maxLimit));
 }

@@ -11,6 +11,17 @@
 
 namespace hmi {
 
+/// In which language a request wants texts, and how long it waits for them.
+struct TextWish {
+    /// Reads `locale` and `wait`; throws RequestError 400.
+    explicit TextWish(const Query& query);
+
+    static constexpr std::chrono::milliseconds maxWait{5000};
+
+    std::string locale;  ///< empty: none
+    std::chrono::milliseconds wait;
+};
+
 /// What a request for events asks for: a filter, a text that they contain, the locale of their
 /// texts, an order, a page.
 struct EventQuery {
@@ -18,20 +29,18 @@ struct EventQuery {
     /// have besides. The limit is `usualLimit` unless told.
     EventQuery(const Query& query, Query::Names further, std::uint64_t usualLimit);
 
-    bool isLocalized() const noexcept { return !locale.empty(); }
+    bool isLocalized() const noexcept { return !texts.locale.empty(); }
 
     static constexpr std::uint64_t maxLimit = 100'000;
-    static constexpr std::chrono::milliseconds maxWait{5000};
 
     EventFilter filter;
     bool byName = false;  ///< ordered by what the row shows, in the place of the filter's order
     bool nameReversed = false;
-    std::string text;    ///< folded; empty: any
-    std::string locale;  ///< empty: none
+    std::string text;  ///< folded; empty: any
     bool withGaps;
     std::size_t offset;
     std::size_t limit;
-    std::chrono::milliseconds wait{0};  ///< for texts
+    TextWish texts;
     bool everyText = false;  ///< as many texts as come in that time, not only those of a list
 
 private:

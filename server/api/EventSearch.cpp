@@ -163,7 +163,7 @@ void EventSearch::sortByName(std::vector<Hit>& hits) const {
 void EventSearch::addTexts(Result& result) const {
     if (!query.isLocalized())
         return;
-    const auto end = Clock::now() + query.wait;
+    const auto end = Clock::now() + query.texts.wait;
     auto& hits = result.hits;
     const std::size_t portion = query.everyText ? EventTextService::maxAsked : hits.size();
     for (std::size_t first = 0; first < hits.size(); first += portion) {
@@ -173,7 +173,7 @@ void EventSearch::addTexts(Result& result) const {
         std::vector<EventRecordPtr> events;
         for (std::size_t i = first; i < std::min(first + portion, hits.size()); ++i)
             events.push_back(hits[i].event);
-        std::vector<TextsPtr> texts = service.get(events, query.locale, left);
+        std::vector<TextsPtr> texts = service.get(events, query.texts.locale, left);
         for (std::size_t i = 0; i < texts.size(); ++i)
             hits[first + i].texts = std::move(texts[i]);
     }

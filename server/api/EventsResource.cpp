@@ -132,7 +132,7 @@ Response EventsResource::table(const Request& request) {
     EventQuery asked(query, {"bom"}, EventQuery::maxLimit);
     asked.everyText = true;
     if (!query.find("wait"))
-        asked.wait = EventQuery::maxWait;
+        asked.texts.wait = TextWish::maxWait;
     const auto found = std::make_shared<const EventSearch::Result>(
         EventSearch(asked, book, targets, texts).page());
     std::string head(isWanted(query, "bom") ? byteOrderMark : std::string_view());

@@ -180,6 +180,35 @@ TEST_F(Operator, FindsCountsAndGroupsWhatTheRowsShow) {
     EXPECT_EQ(brief.at("sourceName"), "Straße");
 }
 
+TEST_F(Operator, SeesHowAlarmsBehave) {
+    for (int i = 0; i < 3; ++i)
+        act(filler,
+            R"([{"do": "raise", "class": "{00000001-0000-0000-0000-00000000ABCD}", "event": 1,
+                         "alarm": "chatter", "source": {"name": "Tank"}, "arguments": [1]},
+                        {"do": "clear", "alarm": "chatter"}])");
+    raise(packer, "jam");  // which was raised long ago by its own clock
+    const auto alarms = [&] {
+        return server.get("/api/statistics").json().at("all").at("peak").at("alarms").as_int64();
+    };
+    ASSERT_TRUE(eventually([&] { return alarms() == 4; }));
+    act(packer, R"({"do": "databaseChanged", "reason": 0})");
+    ASSERT_TRUE(eventually(
+        [&] { return server.hasMetric("hmi_target_imports_total{target=\"Packer\"} 2"); }));
+    const json::value told = server.get("/api/statistics?minutes=20&locale=de-DE").json();
+    EXPECT_EQ(told.at("flood"), false);
+    EXPECT_EQ(told.at("all").at("rate").as_array().size(), 2U);
+    EXPECT_EQ(told.at("all").at("rate").at(1).at("alarms"), 4);
+    EXPECT_EQ(told.at("all").at("peak").at("alarms"), 4);
+    const json::value& chatter = told.at("all").at("chattering").at(0);
+    EXPECT_EQ(chatter.at("text"), "Stand 1 niedrig");
+    EXPECT_EQ(chatter.at("sourceName"), "Tank");
+    EXPECT_EQ(chatter.at("perMinute"), 3);
+    EXPECT_EQ(told.at("targets").at(0).at("name"), "Filler");
+    EXPECT_EQ(told.at("targets").at(0).at("counts").at("unconfirmed").at(3), 1);
+    EXPECT_EQ(told.at("targets").at(2).at("standing").at(0).at("target"), "Packer");
+    EXPECT_EQ(server.get("/api/statistics?minutes=0").status, 400U);
+}
+
 TEST_F(Operator, TakesTheListAwayAsATable) {
     act(filler, R"({"do": "raise", "class": "{00000001-0000-0000-0000-00000000ABCD}", "event": 1,
                     "alarm": "odd", "source": {"name": "=1+1;\"x\""}, "arguments": ["a,b"],
