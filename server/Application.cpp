@@ -72,6 +72,7 @@ void Application::addRoutes() {
     targetsResource.addRoutes(router);
     statisticsResource.addRoutes(router);
     configResource.addRoutes(router);
+    configCheckResource.addRoutes(router);
     commandsResource.addRoutes(router);
     logResource.addRoutes(router);
     metricsResource.addRoutes(router);

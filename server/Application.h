@@ -10,6 +10,7 @@
 #include "server/StopSignal.h"
 #include "server/api/AboutResource.h"
 #include "server/api/CommandsResource.h"
+#include "server/api/ConfigCheckResource.h"
 #include "server/api/ConfigResource.h"
 #include "server/api/ConfirmationsResource.h"
 #include "server/api/EventsResource.h"
@@ -73,6 +74,7 @@ private:
     TargetsResource targetsResource{targets};
     StatisticsResource statisticsResource{raises, backend.events, targets, texts};
     ConfigResource configResource{backend.configuration, backend.calls};
+    ConfigCheckResource configCheckResource{backend.configuration, backend.events};
     CommandsResource commandsResource{backend.calls};
     LogResource logResource{backend.log};
     MetricsResource metricsResource{metrics, backend.events, backend.calls, feed, lanes, texts};

@@ -9,6 +9,7 @@
 #include "server/StartError.h"
 #include "server/config/ConfigurationCheck.h"
 #include "server/config/ConfigurationFields.h"
+#include "server/config/FileCalls.h"
 #include "server/config/ReplacementFile.h"
 #include "server/json/JsonLines.h"
 #include "server/json/ParseJson.h"
@@ -68,6 +69,7 @@ ConfigurationStore::ConfigurationStore(std::filesystem::path from) : file(resolv
     fileText = readFile(file);
     state = load(fileText);
     accepted = state.document;
+    removeLeftBeside(file);
 }
 
 ConfigurationStore::State ConfigurationStore::load(const std::string& text) const {
@@ -136,26 +138,39 @@ ConfigurationChange ConfigurationStore::change(const ConfigurationPath& path,
     return done;
 }
 
-ConfigurationStore::Proposals::iterator ConfigurationStore::propose(Proposal proposal) {
-    if (proposal.path.depth() > ConfigurationPath::maxDepth)
-        throw ConfigurationError("the path has more than 32 names");
+ConfigurationPreview ConfigurationStore::preview(const ConfigurationPath& path,
+                                                 const std::optional<json::value>& value) {
     Lock fileLock(fileMutex);
+    return checked(path, value);
+}
+
+ConfigurationPreview ConfigurationStore::checked(const ConfigurationPath& path,
+                                                 const std::optional<json::value>& value) const {
+    if (path.depth() > ConfigurationPath::maxDepth)
+        throw ConfigurationError("the path has more than 32 names");
     expectFileAsKnown();
-    json::value next;
+    ConfigurationPreview preview{};
     {
         Lock lock(mutex);
-        next = accepted;
+        preview.before = accepted;
     }
-    if (!apply(next, proposal.path, proposal.value))
+    preview.after = preview.before;
+    if (!apply(preview.after, path, value))
         throw ConfigurationError("a value above it is not an object");
-    const auto least = isEntry(proposal.path) ? Finding::Weight::fault : Finding::Weight::entry;
-    const std::vector<Finding> findings = checkConfiguration(next);
+    const auto least = isEntry(path) ? Finding::Weight::fault : Finding::Weight::entry;
+    const std::vector<Finding> findings = checkConfiguration(preview.after);
     if (const Finding* const fault = firstFault(findings, least))
         throw ConfigurationError(fault->line());
-    proposal.startsAgain = !firstFault(findings, Finding::Weight::entry);
-    const std::string text = prettyJson(next);
-    expectReadable(text);
-    ReplacementFile(file, text);  // there is room for it
+    preview.isComplete = !firstFault(findings, Finding::Weight::entry);
+    expectReadable(prettyJson(preview.after));
+    return preview;
+}
+
+ConfigurationStore::Proposals::iterator ConfigurationStore::propose(Proposal proposal) {
+    Lock fileLock(fileMutex);
+    const ConfigurationPreview next = checked(proposal.path, proposal.value);
+    proposal.startsAgain = next.isComplete;
+    ReplacementFile(file, prettyJson(next.after));  // there is room for it
     Lock lock(mutex);
     const auto added = proposals.insert(proposals.end(), proposal);
     rebuild();

@@ -34,6 +34,13 @@ struct ConfigurationChange {
     std::string notKept;          ///< why the file could not be written, though it is in force
 };
 
+/// What a change would make of the configuration.
+struct ConfigurationPreview {
+    boost::json::value before;
+    boost::json::value after;
+    bool isComplete;  ///< else the extension refuses it
+};
+
 /// The extension's configuration and the file that it lives in. Thread-safe; of each entry of
 /// TARGET_SYSTEMS, and of all the rest, one change comes at a time.
 class ConfigurationStore {
@@ -55,6 +62,10 @@ public:
                                std::optional<boost::json::value> value,
                                const std::function<ZrHmiSrv::ResultPair()>& accept);
 
+    /// What `change` would make of what is accepted now; throws likewise, and changes nothing.
+    ConfigurationPreview preview(const ConfigurationPath& path,
+                                 const std::optional<boost::json::value>& value);
+
 private:
     struct State {
         boost::json::value document;
@@ -68,6 +79,9 @@ private:
     using Proposals = std::list<Proposal>;
 
     State load(const std::string& text) const;
+    ConfigurationPreview checked(const ConfigurationPath& path,
+                                 const std::optional<boost::json::value>& value) const
+        REQUIRES(fileMutex);
     Proposals::iterator propose(Proposal proposal);
     void withdraw(Proposals::iterator proposal);
     /// Throws ConfigurationConflict or std::system_error when the file stays as it was.

@@ -22,6 +22,9 @@ std::optional<AuditEntry> Audit::entryOf(const Request& request) {
     if (request.method == Method::get || request.method == Method::other || path.size() < 2 ||
         path[0] != "api" || path[1] == "session")
         return std::nullopt;
+    const bool isTrial = request.method == Method::post && path.size() == 3 && path[1] == "config";
+    if (isTrial)
+        return std::nullopt;
     std::string what = nameOf(request.method);
     what += ' ';
     for (const std::string& name : path)

@@ -1,4 +1,5 @@
 /// The real extension and simulated runtimes, seen through the server.
+#include <cstdlib>
 #include <future>
 #include <set>
 #include <vector>
@@ -78,6 +79,41 @@ TEST_F(Scenario, OneLostRuntimeLeavesTheOthersRunning) {
     EXPECT_TRUE(reaches("target=Packer&state=active", 1)) << "it was active all the time";
 }
 
+TEST_F(Scenario, AChangeOfTheConfigurationIsForetold) {
+    raise(packer, "jam");
+    ASSERT_TRUE(reaches("target=Packer&state=unconfirmed", 1));
+    const std::string before = server.configFile();
+    const auto foretold = [&](const json::value& change) {
+        return server.send("POST", "/api/config/check", change).json();
+    };
+    const std::string targetPath = "TARGET_SYSTEMS::Packer";
+    const auto leaving = [](const char* how) {
+        return json::parse(std::string(R"({"accepted": true, "targets": [{"name": "Packer",
+            "eventsLeaving": 2, "unconfirmed": 1, "change": ")") +
+                           how + "\"}]}");
+    };
+    EXPECT_EQ(foretold({{"path", targetPath}}), leaving("removed"));
+    EXPECT_EQ(foretold({{"path", targetPath + "::ENABLED"}, {"value", false}}),
+              leaving("replaced"));
+    const json::value same{{"ADDRESS", packer}, {"ENABLED", true}};
+    EXPECT_EQ(foretold({{"path", targetPath}, {"value", same}}).at("targets"), json::array());
+    EXPECT_EQ(foretold({{"path", "TARGET_SYSTEMS::New"}, {"value", same}}).at("targets").at(0),
+              json::parse(R"({"name": "New", "change": "added", "eventsLeaving": 0,
+                              "unconfirmed": 0})"));
+    for (const json::value& refused : {json::value{{"path", targetPath}, {"value", 5}},
+                                       json::value{{"path", targetPath + "::ADDRESS"}},
+                                       json::value{{"path", "TARGET_SYSTEMS"}, {"value", nullptr}},
+                                       json::value{{"path", "LIMIT_EVENT_COUNT"}, {"value", -1}}}) {
+        const json::value answer = foretold(refused);
+        EXPECT_EQ(answer.at("accepted"), false) << serialize(refused);
+        EXPECT_TRUE(answer.at("error").is_string() && answer.at("targets").as_array().empty());
+    }
+    EXPECT_EQ(server.send("POST", "/api/config/check", {{"value", 5}}).status, 400U);
+    EXPECT_EQ(server.configFile(), before);
+    EXPECT_EQ(server.get("/api/config").json(), config());
+    EXPECT_EQ(countOf("target=Packer"), 2U) << "nothing has happened";
+}
+
 TEST_F(Scenario, TargetSystemsComeAndGoWhileTheServerRuns) {
     const std::string targets = "/api/config/TARGET_SYSTEMS::";
     json::value entry{{"ADDRESS", packer}, {"ENABLED", true}};
@@ -99,6 +135,19 @@ TEST_F(Scenario, TargetSystemsComeAndGoWhileTheServerRuns) {
     EXPECT_EQ(server.get("/api/config").json(), expected);
     EXPECT_EQ(json::parse(server.configFile()), expected);
 }
+
+#ifndef _WIN32  // where the checker is
+TEST_F(Scenario, MetricsAreAsTheirReaderWantsThem) {
+    raise(filler, "low");
+    ASSERT_TRUE(reaches("state=active", 1));
+    const TemporaryDirectory files;
+    const std::string metrics = files.write("metrics", server.get("/metrics").body);
+    const std::string said = files.path("said").string();
+    const int result =
+        std::system(("promtool check metrics < " + metrics + " > " + said + " 2>&1").c_str());
+    EXPECT_EQ(result, 0) << readFile(said);
+}
+#endif
 
 /// Longer than what is made at once; packed and plain.
 TEST_F(Scenario, ALongListComesWhole) {
