@@ -21,8 +21,10 @@ def rss(port: int) -> float:
     raise SystemExit("the server tells no memory")
 
 
-def connect(port: int) -> socket.socket:
-    client = socket.create_connection(("127.0.0.1", port))
+def connect(port: int, number: int) -> socket.socket:
+    """From one of eight addresses: the server lets nobody have all its connections."""
+    source = (f"127.0.0.{2 + number % 8}", 0)
+    client = socket.create_connection(("127.0.0.1", port), source_address=source)
     client.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
     return client
 
@@ -33,10 +35,10 @@ def main() -> None:
     hard = resource.getrlimit(resource.RLIMIT_NOFILE)[1]
     resource.setrlimit(resource.RLIMIT_NOFILE, (min(hard, 65536), hard))
     print(f"before: {rss(port):.0f} MiB")
-    crowd = [connect(port) for _ in range(idle)]
+    crowd = [connect(port, number) for number in range(idle)]
     request = b"GET /api/events?limit=100000 HTTP/1.1\r\nHost: localhost\r\n\r\n"
-    for _ in range(deaf):
-        client = connect(port)
+    for number in range(deaf):
+        client = connect(port, number)
         client.sendall(request)
         crowd.append(client)
     times, highest, refused, end = [], 0.0, 0, time.monotonic() + seconds
