@@ -6,14 +6,18 @@
 #include <string>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #ifdef _WIN32
 #include <io.h>
 #else
+#include <sys/file.h>
 #include <unistd.h>
 #endif
+
+#include "server/Log.h"
 
 namespace hmi {
 
@@ -28,6 +32,11 @@ namespace {
 #ifdef _WIN32
 int openNew(const fs::path& file) {
     return _wopen(file.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_BINARY, _S_IREAD | _S_IWRITE);
+}
+void lock(int) {}  // nobody else can remove an open file
+bool removeLeft(const fs::path& file) {
+    std::error_code busy;
+    return is_regular_file(fs::symlink_status(file, busy)) && fs::remove(file, busy);
 }
 int openExisting(const fs::path& file) {
     return _wopen(file.c_str(), _O_WRONLY | _O_BINARY);
@@ -48,6 +57,20 @@ void closeFile(int descriptor) {
 int openNew(const fs::path& file) {
     return ::open(file.c_str(), O_CREAT | O_EXCL | O_NOFOLLOW | O_WRONLY | O_CLOEXEC, 0600);
 }
+void lock(int descriptor) {
+    flock(descriptor, LOCK_EX | LOCK_NB);
+}
+bool removeLeft(const fs::path& file) {
+    const int descriptor = ::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    struct stat status {};
+    const bool isLeft = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+                        status.st_uid == geteuid() && status.st_nlink == 1 &&
+                        flock(descriptor, LOCK_EX | LOCK_NB) == 0 && unlink(file.c_str()) == 0;
+    close(descriptor);
+    return isLeft;
+}
 int openExisting(const fs::path& file) {
     return ::open(file.c_str(), O_NOFOLLOW | O_WRONLY | O_CLOEXEC);
 }
@@ -65,7 +88,37 @@ void closeFile(int descriptor) {
 }
 #endif
 
+std::string prefixOf(const fs::path& file) {
+    return "." + file.filename().string() + ".";
+}
+
+constexpr std::string_view suffix = ".new";
+
+/// Whether `createBeside` gives such a name.
+bool isGiven(std::string_view name, std::string_view prefix) {
+    if (!name.starts_with(prefix) || !name.ends_with(suffix) ||
+        name.size() <= prefix.size() + suffix.size())
+        return false;
+    name.remove_prefix(prefix.size());
+    name.remove_suffix(suffix.size());
+    return std::all_of(name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
 }  // namespace
+
+void removeLeftBeside(const fs::path& file) noexcept try {
+    const fs::path directory = file.has_parent_path() ? file.parent_path() : fs::path(".");
+    std::vector<fs::path> left;
+    for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
+        if (isGiven(entry.path().filename().string(), prefixOf(file)))
+            left.push_back(entry.path());
+    }
+    for (const fs::path& name : left) {
+        if (removeLeft(name))
+            log(LogLevel::info, name.string() + ": left by a server that was killed; removed");
+    }
+} catch (const std::exception&) {  // they do no harm
+}
 
 WritableFile WritableFile::createBeside(const fs::path& file) {
     std::random_device random;
@@ -73,10 +126,12 @@ WritableFile WritableFile::createBeside(const fs::path& file) {
     for (int attempt = 0; attempt < attempts; ++attempt) {
         const fs::path name =
             file.parent_path() /
-            ("." + file.filename().string() + "." + std::to_string(random()) + ".new");
+            (prefixOf(file) + std::to_string(random()) + std::string(suffix));
         const int descriptor = openNew(name);
-        if (descriptor >= 0)
+        if (descriptor >= 0) {
+            lock(descriptor);
             return {name, descriptor};
+        }
         if (errno != EEXIST)
             throwLastError(name);
     }

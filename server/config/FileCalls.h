@@ -8,7 +8,8 @@ namespace hmi {
 /// An open file that is written to; closed at the end. Everything throws std::system_error.
 class WritableFile {
 public:
-    /// A file of a name that nobody else has, beside another, which only the owner may read.
+    /// A file of a name that nobody else has, beside another, which only the owner may read. It is
+    /// locked for as long as it is open.
     static WritableFile createBeside(const std::filesystem::path& file);
     /// One that is there; a link is not followed.
     static WritableFile open(const std::filesystem::path& file);
@@ -28,6 +29,10 @@ private:
     std::filesystem::path name;
     int descriptor;
 };
+
+/// Removes what `createBeside` has left of a process that was killed. Files of others, links, and
+/// files that somebody still has open for writing stay.
+void removeLeftBeside(const std::filesystem::path& file) noexcept;
 
 /// Without it a new name might not survive a power failure.
 void flushDirectoryOf(const std::filesystem::path& file) noexcept;

@@ -1,5 +1,6 @@
 #include "server/extension/Host.h"
 
+#include <chrono>
 #include <exception>
 #include <string>
 #include <utility>
@@ -18,6 +19,23 @@ using ZrHmiSrv::IZrHmiSrvListener;
 using ZrHmiSrv::Message;
 using ZrHmiSrv::ResultPair;
 using ZrHmiSrv::Value;
+
+namespace {
+
+/// Measures what a notified event takes.
+class Stopwatch {
+public:
+    explicit Stopwatch(Metrics& metrics) : metrics(metrics) {}
+    ~Stopwatch() { metrics.observeNotification(std::chrono::steady_clock::now() - start); }
+    Stopwatch(const Stopwatch&) = delete;
+    Stopwatch& operator=(const Stopwatch&) = delete;
+
+private:
+    Metrics& metrics;
+    const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+};
+
+}  // namespace
 
 /// Counts a call and keeps exceptions from the extension.
 template <class Function>
@@ -46,6 +64,7 @@ ResultPair Host::send_message(const Context&, Message& message, bool publish) {
             writeLog(message);
             return ErrorValue::success;
         }
+        const Stopwatch stopwatch(to.metrics);
         to.metrics.targets.countHostCall(message.parameters(), "message");
         to.events.add(message);
         return ErrorValue::success;
@@ -74,6 +93,7 @@ ResultPair Host::unregister_listener(const Context&, IZrHmiSrvListener* listener
 
 ResultPair Host::apply_alarm(const Context&, AlarmOperation operation, ZrHmiSrv::Alarm alarm) {
     return serve(13, [&]() -> ResultPair {
+        const Stopwatch stopwatch(to.metrics);
         auto& counters = to.metrics.targets;
         switch (operation) {
             case AlarmOperation::raise:

@@ -57,6 +57,8 @@ std::string Metrics::text() const {
                        "From the whole request to the answer, without its sending.");
     confirmationTimes.write(text, "hmi_confirmation_seconds",
                             "Confirmations, until the extension has answered.");
+    notificationTimes.write(text, "hmi_notification_seconds",
+                            "What a notified event took from the extension's call to the list.");
     text.family("hmi_resets_total", "counter", "Times that all events were replaced.");
     text.sample({}, number(resets));
     text.family("hmi_reset_seconds_total", "counter", "Time spent on replacing all events.");

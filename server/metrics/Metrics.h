@@ -34,6 +34,9 @@ public:
     void observeConfirmation(std::chrono::nanoseconds duration) noexcept {
         confirmationTimes.observe(duration);
     }
+    void observeNotification(std::chrono::nanoseconds duration) noexcept {
+        notificationTimes.observe(duration);
+    }
     void countAbandonedRequest() noexcept { ++abandonedRequests; }
     /// By name and the target system that it is about. Beyond a thousand of these the rest counts
     /// as "other".
@@ -51,6 +54,7 @@ private:
     std::array<std::atomic<std::uint64_t>, 6> requests{};  ///< by the hundreds of their status
     Histogram requestTimes;
     Histogram confirmationTimes;
+    Histogram notificationTimes{Histogram::ofCalls};
     std::atomic<std::uint64_t> abandonedRequests = 0;
     std::atomic<std::uint64_t> resets = 0;
     std::atomic<std::uint64_t> resetNanoseconds = 0;

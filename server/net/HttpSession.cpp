@@ -199,14 +199,16 @@ void HttpSession::follow() {
     stream.next_layer().expires_never();
     const std::string target(parser->get().target());
     context->access.admit(
-        request(), target, [self = sharedWithWorkers()](Request, std::optional<Response> refusal) {
-            asio::post(self->executor, [self, refusal = std::move(refusal)]() mutable {
-                self->accept(std::move(refusal));
+        request(), target,
+        [self = sharedWithWorkers()](Request admitted, std::optional<Response> refusal) {
+            asio::post(self->executor, [self, admitted = std::move(admitted),
+                                        refusal = std::move(refusal)]() mutable {
+                self->accept(admitted, std::move(refusal));
             });
         });
 }
 
-void HttpSession::accept(std::optional<Response> refusal) {
+void HttpSession::accept(const Request& admitted, std::optional<Response> refusal) {
     if (refusal)
         return refuse(std::move(*refusal));
     const auto types = StreamTypes::parse(std::string(parser->get().target()));
@@ -214,7 +216,7 @@ void HttpSession::accept(std::optional<Response> refusal) {
         return refuse(Response::error(400, "types are names of changes"));
     handedOver = true;
     std::make_shared<StreamSession>(std::move(stream), peer, context)
-        ->accept(parser->release(), *types);
+        ->accept(parser->release(), *types, context->access.admissionOf(admitted));
 }
 
 /// What follows on the connection might not be read as it was meant.

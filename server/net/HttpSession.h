@@ -59,7 +59,7 @@ private:
     std::shared_ptr<HttpSession> sharedWithWorkers();
     std::shared_ptr<const std::atomic<bool>> watchClient();
     void follow();
-    void accept(std::optional<Response> refusal);
+    void accept(const Request& admitted, std::optional<Response> refusal);
     Request request();
 
     void refuse(Response reply);

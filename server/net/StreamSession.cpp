@@ -1,5 +1,7 @@
 #include "server/net/StreamSession.h"
 
+#include <chrono>
+
 #include <boost/asio/buffer.hpp>
 
 namespace hmi {
@@ -19,7 +21,8 @@ StreamSession::StreamSession(ClientStream from, const asio::ip::address& client,
                              std::shared_ptr<SessionContext> shared)
     : Connection(SessionContext::connectionsOf(shared), client),
       context(std::move(shared)),
-      stream(std::move(from)) {
+      stream(std::move(from)),
+      admissionCheck(stream.get_executor()) {
     stream.set_option(websocket::stream_base::timeout::suggested(beast::role_type::server));
     stream.read_message_max(maxReceivedBytes);
     stream.text(true);
@@ -27,7 +30,8 @@ StreamSession::StreamSession(ClientStream from, const asio::ip::address& client,
 }
 
 void StreamSession::accept(beast::http::request<beast::http::string_body> upgrade,
-                           StreamTypes types) {
+                           StreamTypes types, AccessControl::Admission admitted) {
+    admission = std::move(admitted);
     request = std::move(upgrade);
     // Before the client learns that it is accepted: what it reads of the list from then on and
     // what it is told must leave no gap.
@@ -42,6 +46,22 @@ void StreamSession::onAccepted(beast::error_code error) {
     accepted = true;
     read();
     write();
+    if (context->access.hasUsers())
+        watchAdmission();
+}
+
+void StreamSession::watchAdmission() {
+    constexpr std::chrono::seconds interval{1};
+    admissionCheck.expires_after(interval);
+    admissionCheck.async_wait([weak = weak_from_this()](const beast::error_code& error) {
+        const auto self = weak.lock();
+        if (error || !self)
+            return;
+        if (self->context->access.holds(self->admission))
+            self->watchAdmission();
+        else
+            self->end(websocket::close_code::policy_error);
+    });
 }
 
 void StreamSession::read() {
@@ -86,8 +106,13 @@ void StreamSession::close() {
     context->hub.leave(this);
     if (!accepted)
         return beast::get_lowest_layer(stream).close();
-    stream.async_close(websocket::close_code::going_away,
-                       [self = shared_from_this()](beast::error_code) {});
+    end(websocket::close_code::going_away);
+}
+
+void StreamSession::end(websocket::close_code why) {
+    context->hub.leave(this);
+    admissionCheck.cancel();
+    stream.async_close(why, [self = shared_from_this()](beast::error_code) {});
 }
 
 }  // namespace hmi

@@ -3,6 +3,7 @@
 #include <deque>
 #include <memory>
 
+#include <boost/asio/steady_timer.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http/message.hpp>
 #include <boost/beast/http/string_body.hpp>
@@ -23,7 +24,7 @@ public:
                   std::shared_ptr<SessionContext> context);
 
     void accept(boost::beast::http::request<boost::beast::http::string_body> request,
-                StreamTypes types);
+                StreamTypes types, AccessControl::Admission admitted);
     bool send(StreamLine line) override;
     void disconnect() override;
     void close() override;
@@ -31,12 +32,17 @@ public:
 
 private:
     void onAccepted(boost::beast::error_code error);
+    /// Ends the stream when its client would not be admitted any more.
+    void watchAdmission();
+    void end(boost::beast::websocket::close_code why);
     void read();
     void write();
 
     const std::shared_ptr<SessionContext> context;
     boost::beast::websocket::stream<ClientStream> stream;
     boost::beast::http::request<boost::beast::http::string_body> request;
+    AccessControl::Admission admission;
+    boost::asio::steady_timer admissionCheck;
     boost::beast::flat_buffer received;
     std::deque<StreamLine> lines;  ///< the first is being written when `writing`
     std::size_t waitingBytes = 0;

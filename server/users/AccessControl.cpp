@@ -92,12 +92,17 @@ std::shared_ptr<const Users> AccessControl::currentUsers() const {
     return users;
 }
 
+std::optional<User> AccessControl::userOf(const std::string& name) const {
+    const auto known = currentUsers();
+    const auto found = known ? known->find(name) : Users::const_iterator();
+    return known && found != known->end() ? std::optional(found->second) : std::nullopt;
+}
+
 Role AccessControl::roleOf(const std::string& user) const {
     if (!hasUsers())
         return Role::engineer;
-    const auto known = currentUsers();
-    const auto found = known->find(user);
-    return found == known->end() ? Role::none : found->second.role;
+    const auto known = userOf(user);
+    return known ? known->role : Role::none;
 }
 
 void AccessControl::admit(Request request, std::string_view target, Decided decided) {
@@ -139,6 +144,22 @@ std::optional<AccessControl::Credentials> AccessControl::credentialsOf(const Req
     if (colon == std::string::npos || !isUtf8(pair))
         throw RequestError(400, "malformed authorization");
     return Credentials{pair.substr(0, colon), pair.substr(colon + 1)};
+}
+
+AccessControl::Admission AccessControl::admissionOf(const Request& admitted) const {
+    Admission admission{admitted.user, {}, userOf(admitted.user)};
+    const std::string token = tokenOf(admitted.cookie);
+    if (sessions.userOf(token, Clock::now()) == admitted.user)
+        admission.token = token;
+    return admission;
+}
+
+bool AccessControl::holds(const Admission& admission) const {
+    if (!hasUsers())
+        return true;
+    return admission.as && userOf(admission.user) == admission.as &&
+           (admission.token.empty() ||
+            sessions.userOf(admission.token, Clock::now()) == admission.user);
 }
 
 void AccessControl::admitWith(Credentials credentials, Request request, Decided decided) {

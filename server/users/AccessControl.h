@@ -36,6 +36,16 @@ public:
     /// thread of their own; all else is decided before this returns.
     void admit(Request request, std::string_view target, Decided decided);
 
+    /// Who was admitted, and as what.
+    struct Admission {
+        std::string user;
+        std::string token;  ///< of the session; empty without one
+        std::optional<User> as;
+    };
+    Admission admissionOf(const Request& admitted) const;
+    /// False when the session is over, or the user is not what they were any more.
+    bool holds(const Admission& admission) const;
+
     bool hasUsers() const noexcept { return !userFile.empty(); }
     Role roleOf(const std::string& user) const;
     /// Reads the file again; one that cannot be used changes nothing, and is told in the log.
@@ -58,6 +68,7 @@ private:
     /// Decides for a request whose user is known by now, or not at all.
     void decide(Request request, const Decided& decided) const;
     std::shared_ptr<const Users> currentUsers() const;
+    std::optional<User> userOf(const std::string& name) const;
     bool isRemembered(const Credentials& credentials) const;
     void remember(const Credentials& credentials);
 

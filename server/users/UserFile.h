@@ -11,6 +11,8 @@ namespace hmi {
 struct User {
     std::string passwordHash;
     Role role;
+
+    friend bool operator==(const User&, const User&) = default;
 };
 
 using Users = std::map<std::string, User, std::less<>>;

@@ -3,6 +3,7 @@
 #include <cctype>
 #include <csignal>
 #include <map>
+#include <regex>
 
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
@@ -32,6 +33,14 @@ HttpHeaders as(const std::string& user) {
     const auto found = authorizations.find(user);
     return found == authorizations.end() ? HttpHeaders{}
                                          : HttpHeaders{{"Authorization", found->second}};
+}
+
+/// Whether the server ends a stream of signs of life soon.
+bool ends(StreamClient& stream) {
+    int signs = 0;
+    while (signs < 3 && stream.next())
+        ++signs;
+    return signs < 3;
 }
 
 /// One request of the server's description.
@@ -177,8 +186,19 @@ TEST_F(UsersTest, SignInWithACookieAndGuessInVain) {
     EXPECT_EQ(with("GET", "/api/session").json(),
               json::parse(R"({"user": "confirm", "role": "confirm"})"));
     EXPECT_EQ(with("GET", "/api/config").status, 403U);
+    const char* const signsOfLife = "/api/stream?types=alive";
+    StreamClient withSession(server.port(), {{"Cookie", cookie}}, signsOfLife);
+    StreamClient withPassword(server.port(), as("view"), signsOfLife);
     EXPECT_EQ(with("DELETE", "/api/session").status, 200U);
     EXPECT_EQ(with("GET", "/api/events").status, 401U);
+    EXPECT_TRUE(ends(withSession));
+    EXPECT_TRUE(withPassword.next()) << "another one's stream goes on";
+    files.write("users.json", std::regex_replace(users, std::regex(R"("role": "view")"),
+                                                 R"("role": "confirm")"));
+    server.signal(SIGHUP);
+    EXPECT_TRUE(ends(withPassword));
+    EXPECT_NO_THROW(StreamClient(server.port(), as("view"))) << "in the new role";
+    EXPECT_EQ(send("engineer", "GET", "/api/config").status, 200U);
 
     for (int i = 0; i < 10; ++i)
         EXPECT_EQ(signIn("adam", "wrong").status, 401U);

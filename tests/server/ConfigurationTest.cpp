@@ -10,6 +10,7 @@
 
 #include "server/StartError.h"
 #include "server/config/ConfigurationStore.h"
+#include "server/config/FileCalls.h"
 #include "server/config/ConfigurationWatch.h"
 #include "server/json/ValueJson.h"
 
@@ -147,6 +148,18 @@ TEST_F(ConfigurationStoreTest, ReplacesItsFileWithoutHarmToOthers) {
     const fs::path bystander = directory / "config.json.new";
     std::ofstream(bystander) << "somebody's";
     fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    // Of a server that was killed only its own file goes.
+    std::ofstream(directory / ".config.json.1.new") << "{";
+    const WritableFile busy = WritableFile::createBeside(file);  // another one writes it now
+    std::ofstream(directory / ".config.json.mine.new") << "{}";
+    fs::create_symlink("config.json.new", directory / ".config.json.2.new");
+    { const ConfigurationStore first(file); }
+    EXPECT_FALSE(fs::exists(directory / ".config.json.1.new"));
+    for (const fs::path& kept :
+         {busy.path(), directory / ".config.json.mine.new", directory / ".config.json.2.new"}) {
+        EXPECT_TRUE(fs::remove(kept)) << kept;
+    }
+
     const fs::path link = directory / "link.json";
     fs::create_symlink("config.json", link);
     {
