@@ -5,7 +5,8 @@ import { element, icon } from "../shell/dom.js";
 import { label } from "../shell/words.js";
 import { ask } from "./dialog.js";
 
-const most = 1000;  // occurrences a request
+const most = 1000;      // occurrences a request
+const mostOwn = 5000;   // occurrences of which we remember what became of them
 
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
 /** @typedef {import("../types.js").Confirmation} Confirmation */
@@ -46,6 +47,8 @@ export class Confirmations {
     const at = new Date().toISOString();
     for (const event of events)
       this.#own.set(this.#key(event), { state, by, at, ...(text && { text }) });
+    for (const key of [...this.#own.keys()].slice(0, -mostOwn))
+      this.#own.delete(key);
     this.#changed();
   }
 

@@ -25,7 +25,6 @@ export function ask(heading, content, yes, no = label("cancel")) {
   /** @type {HTMLElement} */ (form.querySelector("input:not([type=checkbox])") ?? agree).focus();
   refuse.addEventListener("click", () => dialog.close("no"));
   return new Promise((resolve) => {
-    refuse.addEventListener("click", () => dialog.close("no"));
     dialog.addEventListener("close", () => {
       dialog.remove();
       before?.focus({ preventScroll: true });
