@@ -263,7 +263,11 @@ def main() -> int:
                  "--config", config, "--plant", demo / "plant.json", "--port", "0"],
                 stdout=subprocess.PIPE, stderr=errors, text=True)
         try:
-            port = int(server.stdout.readline().rsplit(":", 1)[1])
+            told = server.stdout.readline()
+            if not told:
+                print(log.read_text())
+                return 1
+            port = int(told.rsplit(":", 1)[1])
             chaos = Chaos(port, options.seed, options.seconds)
             asyncio.run(chaos.run(options.workers))
             memory = re.search(r"VmHWM:\s+(\d+)",
