@@ -37,7 +37,6 @@ ImportResultPtr LoggedEventImport::run(Logger& logger) {
 
 void LoggedEventImport::beginRecording() {
     Lock lock(notifications.sinkMutex);
-    lifecycle.imported() = {};
     notifications.startRecording();
 }
 

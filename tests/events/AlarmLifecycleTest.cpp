@@ -80,6 +80,12 @@ TEST_F(AlarmLifecycle, RaisedAgainKeepsTheIdAndSpendsAnother) {
     FakeEvent& other = source(21, 4);
     cleared(other, VARIANT_FALSE);
     EXPECT_THAT(host.take(), Contains("KNOWN_ALARM_CLEARED Filler false 4 21s now"));
+
+    // Without a number only the object tells.
+    raised(source(30));
+    host.take();
+    cleared(source(30), VARIANT_FALSE);
+    EXPECT_THAT(host.take(), ElementsAre("UNKNOWN_ALARM_CLEARED Filler false 30s -"));
 }
 
 TEST_F(AlarmLifecycle, TakesATimeThatTheLoggerLeavesOut) {

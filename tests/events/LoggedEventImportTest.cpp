@@ -188,6 +188,13 @@ TEST_F(LoggedEventImport, AnAlarmThatEndsAndIsRaisedAgainStandsThereAlive) {
     cleared(alarm, VARIANT_TRUE);
     raised(alarm);
     EXPECT_THAT(stored(), ElementsAre("1s alarm 1 cleared now", "1s alarm 2")) << "also after it";
+
+    TargetWorld late(100);
+    late.loggedAlarm(1, 1, true);  // its end is told after the import alone
+    late.import();
+    late.cleared(late.source(1, 1), VARIANT_TRUE);
+    late.raised(late.source(4, 1));
+    EXPECT_THAT(late.stored(), ElementsAre("1s alarm 1 cleared now", "4s alarm 2"));
 }
 
 /// Alarms of one time and place, which their logger does not number.
