@@ -1,0 +1,51 @@
+// Writes the pictures of the documents: node screenshots.js, on the demo plant.
+import { mkdir, readFile } from "node:fs/promises";
+import { closeBrowser, openPage } from "./support/browser.js";
+import { rowsWhen } from "./support/list.js";
+import { filler, machine, packer, raise } from "./support/plant.js";
+import { Server, inProject, sleep } from "./support/server.js";
+
+const read = async (path) => JSON.parse(await readFile(inProject(path), "utf8"));
+const plant = await read("demo/plant.json");
+for (const runtime of Object.values(plant.runtimes))
+  runtime.timeline = [];
+const server = await Server.start({ config: await read("demo/config.json"), plant,
+  options: ["--history", "FILES/history.sqlite"] });
+const folder = inProject("docs/pictures");
+const desk = { viewport: { width: 1366, height: 768 } };
+
+const pictures = [
+  { name: "operate", path: "/", show: (page) => page.locator("tbody .title").first().click() },
+  { name: "operate-light", path: "/", options: { colorScheme: "light" } },
+  { name: "operate-phone", path: "/", options: { viewport: { width: 390, height: 844 }, hasTouch: true } },
+  { name: "understand", path: "/?view=understand" },
+  { name: "past", path: "/?view=past", show: (page) => page.locator("tbody button").first().click() },
+  { name: "engineer", path: "/?view=engineer" },
+];
+
+try {
+  await server.ready();
+  await mkdir(folder, { recursive: true });
+  await server.sim(filler, raise("level", 1, { arguments: [15], source: { id: 20, name: "Filler.Tank" } }),
+    raise("stop", 2, { arguments: ["infeed"], source: { id: 10, name: "Filler.Panel" } }),
+    raise("infeed", 3, { source: { id: 21, name: "Filler.Infeed" } }),
+    ...[1, 2, 3, 4].flatMap(() => [raise("valve", 4, { source: { id: 22, name: "Filler.Carousel" } }),
+      { do: "clear", alarm: "valve" }]),
+    { do: "message", class: machine, event: 10, arguments: ["L-2026-1118"] });
+  const packing = (number) => `{9D17B3E4-60AC-4F85-B2C9-7E02D5A1F10${number}}`;
+  await server.sim(packer, { ...raise("jam", 1, { arguments: [3] }), class: packing(1) },
+    { ...raise("curtain", 1, { arguments: ["East"] }), class: packing(2) });
+  for (const { name, path, options, show } of pictures) {
+    const page = await openPage(server, path, { ...desk, colorScheme: "dark", ...options });
+    if (name.startsWith("operate"))
+      await rowsWhen(page, (shown) => shown.length > 5, "the list");
+    await sleep(1000);
+    await show?.(page);
+    await sleep(700);
+    await page.screenshot({ path: `${folder}/${name}.png` });
+    await page.context().close();
+  }
+} finally {
+  await closeBrowser();
+  await server.stop();
+}
