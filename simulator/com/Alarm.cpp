@@ -19,20 +19,9 @@ ULONG confirmationState(const EventRecord& record) {
 
 Alarm::Alarm(std::shared_ptr<Border> border, std::weak_ptr<Runtime> runtime, std::string name,
              EventRecord record)
-    : EventObject(std::move(border)),
+    : EventObject(std::move(border), std::move(record)),
       runtime(std::move(runtime)),
-      alarmName(std::move(name)),
-      current(std::move(record)) {}
-
-EventRecord Alarm::record() const {
-    Lock lock(mutex);
-    return current;
-}
-
-void Alarm::update(const EventRecord& record) {
-    Lock lock(mutex);
-    current = record;
-}
+      alarmName(std::move(name)) {}
 
 HRESULT Alarm::get_ArgumentCount(ULONG* count) {
     return readArgumentCount(count);
@@ -43,11 +32,12 @@ HRESULT Alarm::get_Argument(ULONG index, VARIANT* argument) {
 }
 
 HRESULT Alarm::get_TimeCleared(FILETIME* time) {
-    return read(Operation::TimeCleared, time, [&] { return toFiletime(record().cleared); });
+    return readRecord(Operation::TimeCleared, time,
+                      [](const EventRecord& event) { return toFiletime(event.cleared); });
 }
 
 HRESULT Alarm::get_ConfirmationState(ULONG* state) {
-    return read(Operation::ConfirmationState, state, [&] { return confirmationState(record()); });
+    return readRecord(Operation::ConfirmationState, state, confirmationState);
 }
 
 HRESULT Alarm::Confirm() {
@@ -60,11 +50,13 @@ HRESULT Alarm::Confirm() {
 }
 
 HRESULT Alarm::get_TimeConfirmed(FILETIME* time) {
-    return read(Operation::TimeConfirmed, time, [&] { return toFiletime(record().confirmed); });
+    return readRecord(Operation::TimeConfirmed, time,
+                      [](const EventRecord& event) { return toFiletime(event.confirmed); });
 }
 
 HRESULT Alarm::get_InstanceId(ULONG* id) {
-    return read(Operation::InstanceId, id, [&] { return record().instanceId; });
+    return readRecord(Operation::InstanceId, id,
+                      [](const EventRecord& event) { return event.instanceId; });
 }
 
 }  // namespace ZrSimulator

@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "platform/Mutex.h"
 #include "simulator/com/EventObject.h"
 
 namespace ZrSimulator {
@@ -11,7 +10,7 @@ class Runtime;
 
 /// An alarm for all its life and for as long as anyone refers to it: raised again it stays the
 /// same object. What it says is always the runtime's last word; it takes no connection to read it.
-class Alarm final : public EventObject<ZrEventLoggerFnxProxyLib::IZrAlarm,
+class Alarm final : public EventObject<std::mutex, ZrEventLoggerFnxProxyLib::IZrAlarm,
                                        ZrEventLoggerFnxProxyLib::IZrEventInstance> {
 public:
     Alarm(std::shared_ptr<Border> border, std::weak_ptr<Runtime> runtime, std::string name,
@@ -19,8 +18,8 @@ public:
 
     /// As the engineer calls it.
     const std::string& name() const { return alarmName; }
-    EventRecord record() const override;
-    void update(const EventRecord& record);
+    using EventObject::record;
+    void update(EventRecord record) { setRecord(std::move(record)); }
 
     HRESULT STDMETHODCALLTYPE get_ArgumentCount(ULONG* count) override;
     HRESULT STDMETHODCALLTYPE get_Argument(ULONG index, VARIANT* argument) override;
@@ -34,8 +33,6 @@ public:
 private:
     const std::weak_ptr<Runtime> runtime;
     const std::string alarmName;
-    mutable Mutex mutex;
-    EventRecord current GUARDED_BY(mutex);
 };
 
 }  // namespace ZrSimulator

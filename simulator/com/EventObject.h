@@ -1,15 +1,28 @@
 #pragma once
 
-#include <cstring>
+#include <algorithm>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
 
+#include "platform/Mutex.h"
 #include "simulator/com/RuntimeObject.h"
 #include "simulator/plant/EventContent.h"
 #include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrSimulator {
 
-/// What alarms, messages and logged events have in common.
-template <class First, class... Others>
+/// In the place of a mutex for what never changes.
+struct NoMutex {
+    void lock() {}
+    void unlock() {}
+};
+
+/// What alarms, messages and logged events have in common: an event that is read property by
+/// property. `Native` is the mutex that it is read under.
+template <class Native, class First, class... Others>
 class EventObject : public RuntimeObject<First, ZrEventLoggerFnxProxyLib::IZrJsonAttribute,
                                          ZrEventLoggerFnxProxyLib::IZrEventArguments, Others...> {
     using Base = RuntimeObject<First, ZrEventLoggerFnxProxyLib::IZrJsonAttribute,
@@ -18,47 +31,54 @@ class EventObject : public RuntimeObject<First, ZrEventLoggerFnxProxyLib::IZrJso
 
 public:
     HRESULT STDMETHODCALLTYPE get_EventClass(GUID* eventClass) final {
-        return read(Operation::EventClass, eventClass,
-                    [&] { return record().content->eventClass; });
+        return readContent(Operation::EventClass, eventClass,
+                           [](const EventContent& content) { return content.eventClass; });
     }
     HRESULT STDMETHODCALLTYPE get_EventId(ULONG* eventId) final {
-        return read(Operation::EventId, eventId, [&] { return record().content->eventId; });
+        return readContent(Operation::EventId, eventId,
+                           [](const EventContent& content) { return content.eventId; });
     }
     HRESULT STDMETHODCALLTYPE get_Severity(ULONG* severity) final {
-        return read(Operation::Severity, severity, [&] { return record().content->severity; });
+        return readContent(Operation::Severity, severity,
+                           [](const EventContent& content) { return content.severity; });
     }
     HRESULT STDMETHODCALLTYPE HasSource(SourceAttribute kind, VARIANT_BOOL* has) final {
-        return read(Operation::HasSource, has,
-                    [&] { return toVariantBool(hasSource(record().content->source, kind)); });
+        return readContent(Operation::HasSource, has, [kind](const EventContent& content) {
+            return toVariantBool(hasSource(content.source, kind));
+        });
     }
     HRESULT STDMETHODCALLTYPE get_SourceId(ULONG* id) final {
-        return read(Operation::SourceId, id,
-                    [&] { return record().content->source.id.value_or(0); });
+        return readContent(Operation::SourceId, id, [](const EventContent& content) {
+            return content.source.id.value_or(0);
+        });
     }
     HRESULT STDMETHODCALLTYPE get_SourceGuid(GUID* guid) final {
-        return read(Operation::SourceGuid, guid,
-                    [&] { return record().content->source.guid.value_or(GUID{}); });
+        return readContent(Operation::SourceGuid, guid, [](const EventContent& content) {
+            return content.source.guid.value_or(GUID{});
+        });
     }
     HRESULT STDMETHODCALLTYPE get_SourceName(BSTR* name) final {
-        return read(Operation::SourceName, name,
-                    [&] { return newBstr(record().content->source.name.value_or("")); });
+        return readContent(Operation::SourceName, name, [](const EventContent& content) {
+            return newBstr(textOf(content.source.name));
+        });
     }
     HRESULT STDMETHODCALLTYPE get_TimeRaised(FILETIME* time) final {
-        return read(Operation::TimeRaised, time, [&] { return toFiletime(record().raised); });
+        return readRecord(Operation::TimeRaised, time,
+                          [](const EventRecord& event) { return toFiletime(event.raised); });
     }
     HRESULT STDMETHODCALLTYPE get_JsonAttribute(BSTR* json) final {
-        return read(Operation::JsonAttribute, json,
-                    [&] { return newBstr(record().content->json.value_or("")); });
+        return readContent(Operation::JsonAttribute, json, [](const EventContent& content) {
+            return newBstr(textOf(content.json));
+        });
     }
 
     HRESULT STDMETHODCALLTYPE
     GetLayout(ZrEventLoggerFnxProxyLib::ArgumentBlockLayout* layout) final {
-        return read(Operation::Arguments, layout, [&] {
-            const auto content = record().content;
-            const auto typesSize = static_cast<LONG>(content->block.types.size());
-            const auto dataSize = static_cast<LONG>(content->block.data.size());
+        return readContent(Operation::Arguments, layout, [](const EventContent& content) {
+            const auto typesSize = static_cast<LONG>(content.block.types.size());
+            const auto dataSize = static_cast<LONG>(content.block.data.size());
             return ZrEventLoggerFnxProxyLib::ArgumentBlockLayout{
-                static_cast<LONG>(content->arguments.size()), 0, typesSize, typesSize, dataSize};
+                static_cast<LONG>(content.arguments.size()), 0, typesSize, typesSize, dataSize};
         });
     }
     HRESULT STDMETHODCALLTYPE GetBlock(BYTE* buffer, ULONG size) final {
@@ -67,32 +87,50 @@ public:
                 return E_POINTER;
             if (const auto answer = this->border->enter(Operation::Arguments))
                 return *answer;
-            const auto content = record().content;
-            const auto& [types, data] = content->block;
-            if (size < types.size() + data.size())
-                return E_INVALIDARG;
-            std::copy(data.begin(), data.end(), std::copy(types.begin(), types.end(), buffer));
-            return S_OK;
+            return look([&](const EventRecord& event) -> HRESULT {
+                const auto& [types, data] = event.content->block;
+                if (size < types.size() + data.size())
+                    return E_INVALIDARG;
+                std::copy(data.begin(), data.end(), std::copy(types.begin(), types.end(), buffer));
+                return S_OK;
+            });
         });
     }
 
 protected:
-    using Base::Base;
-    using Base::read;
+    EventObject(std::shared_ptr<Border> border, EventRecord event)
+        : Base(std::move(border)), current(std::move(event)) {}
 
     /// What the object says of its event now.
-    virtual EventRecord record() const = 0;
+    EventRecord record() const {
+        return look([](const EventRecord& event) { return event; });
+    }
+    void setRecord(EventRecord event) {
+        Lock lock(mutex);
+        std::swap(current, event);
+    }
+    /// A call that reads one value of the event; `get` copies it out and does nothing else.
+    template <class Value, class Get>
+    HRESULT readRecord(Operation operation, Value* value, Get get) {
+        return this->read(operation, value, [&] { return look(get); });
+    }
+    template <class Value, class Get>
+    HRESULT readContent(Operation operation, Value* value, Get get) {
+        return readRecord(operation, value,
+                          [&](const EventRecord& event) { return get(*event.content); });
+    }
 
     bool offers(REFIID iid) const final {
         if (iid == InterfaceId<ZrEventLoggerFnxProxyLib::IZrEventInstance>::value())
-            return record().instanceId != 0;
+            return look([](const EventRecord& event) { return event.instanceId != 0; });
         return iid != InterfaceId<ZrEventLoggerFnxProxyLib::IZrJsonAttribute>::value() ||
-               record().content->json.has_value();
+               look([](const EventRecord& event) { return event.content->json.has_value(); });
     }
 
     HRESULT readArgumentCount(ULONG* count) {
-        return read(Operation::Arguments, count,
-                    [&] { return static_cast<ULONG>(record().content->arguments.size()); });
+        return readContent(Operation::Arguments, count, [](const EventContent& content) {
+            return static_cast<ULONG>(content.arguments.size());
+        });
     }
     HRESULT readArgument(ULONG index, VARIANT* argument) {
         return catchToResult([&]() -> HRESULT {
@@ -101,11 +139,12 @@ protected:
             VariantInit(argument);
             if (const auto answer = this->border->enter(Operation::Arguments))
                 return *answer;
-            const auto content = record().content;
-            if (index >= content->arguments.size())
-                return DISP_E_BADINDEX;
-            *argument = toVariant(content->arguments[index]);
-            return S_OK;
+            return look([&](const EventRecord& event) -> HRESULT {
+                if (index >= event.content->arguments.size())
+                    return DISP_E_BADINDEX;
+                *argument = toVariant(event.content->arguments[index]);
+                return S_OK;
+            });
         });
     }
 
@@ -121,6 +160,18 @@ private:
         }
         return false;
     }
+    static std::string_view textOf(const std::optional<std::string>& text) {
+        return text ? std::string_view(*text) : std::string_view();
+    }
+
+    template <class Look>
+    auto look(Look look) const {
+        Lock lock(mutex);
+        return look(current);
+    }
+
+    mutable AnnotatedMutex<Native> mutex;
+    EventRecord current GUARDED_BY(mutex);
 };
 
 }  // namespace ZrSimulator

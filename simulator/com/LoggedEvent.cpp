@@ -5,34 +5,38 @@ namespace ZrSimulator {
 using ZrEventLoggerFnxProxyLib::LoggedEventType;
 
 LoggedEvent::LoggedEvent(std::shared_ptr<Border> border, EventRecord record)
-    : EventObject(std::move(border)), entry(std::move(record)) {}
+    : EventObject(std::move(border), std::move(record)) {}
 
 HRESULT LoggedEvent::get_EventType(LoggedEventType* type) {
-    return read(Operation::EventType, type, [&] {
-        return entry.content->kind == EventKind::alarm ? LoggedEventType::alarm
-                                                       : LoggedEventType::message;
+    return readContent(Operation::EventType, type, [](const EventContent& content) {
+        return content.kind == EventKind::alarm ? LoggedEventType::alarm : LoggedEventType::message;
     });
 }
 
 HRESULT LoggedEvent::get_RequiresConfirmation(VARIANT_BOOL* requiresIt) {
-    return read(Operation::RequiresConfirmation, requiresIt,
-                [&] { return toVariantBool(entry.content->requiresConfirmation); });
+    return readContent(
+        Operation::RequiresConfirmation, requiresIt,
+        [](const EventContent& content) { return toVariantBool(content.requiresConfirmation); });
 }
 
 HRESULT LoggedEvent::get_TimeCleared(FILETIME* time) {
-    return read(Operation::TimeCleared, time, [&] { return toFiletime(entry.cleared); });
+    return readRecord(Operation::TimeCleared, time,
+                      [](const EventRecord& event) { return toFiletime(event.cleared); });
 }
 
 HRESULT LoggedEvent::get_TimeConfirmed(FILETIME* time) {
-    return read(Operation::TimeConfirmed, time, [&] { return toFiletime(entry.confirmed); });
+    return readRecord(Operation::TimeConfirmed, time,
+                      [](const EventRecord& event) { return toFiletime(event.confirmed); });
 }
 
 HRESULT LoggedEvent::get_IsActive(VARIANT_BOOL* active) {
-    return read(Operation::IsActive, active, [&] { return toVariantBool(entry.live); });
+    return readRecord(Operation::IsActive, active,
+                      [](const EventRecord& event) { return toVariantBool(event.live); });
 }
 
 HRESULT LoggedEvent::get_InstanceId(ULONG* id) {
-    return read(Operation::InstanceId, id, [&] { return entry.instanceId; });
+    return readRecord(Operation::InstanceId, id,
+                      [](const EventRecord& event) { return event.instanceId; });
 }
 
 }  // namespace ZrSimulator

@@ -5,7 +5,7 @@
 namespace ZrSimulator {
 
 /// An entry of the log as it was when the log was asked for.
-class LoggedEvent final : public EventObject<ZrEventLoggerFnxProxyLib::IZrLoggedEvent,
+class LoggedEvent final : public EventObject<NoMutex, ZrEventLoggerFnxProxyLib::IZrLoggedEvent,
                                              ZrEventLoggerFnxProxyLib::IZrLoggedEvent2,
                                              ZrEventLoggerFnxProxyLib::IZrEventInstance> {
 public:
@@ -18,11 +18,6 @@ public:
     HRESULT STDMETHODCALLTYPE get_TimeConfirmed(FILETIME* time) override;
     HRESULT STDMETHODCALLTYPE get_IsActive(VARIANT_BOOL* active) override;
     HRESULT STDMETHODCALLTYPE get_InstanceId(ULONG* id) override;
-
-private:
-    EventRecord record() const override { return entry; }
-
-    const EventRecord entry;
 };
 
 }  // namespace ZrSimulator

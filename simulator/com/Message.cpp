@@ -3,7 +3,7 @@
 namespace ZrSimulator {
 
 Message::Message(std::shared_ptr<Border> border, EventRecord record)
-    : EventObject(std::move(border)), sent(std::move(record)) {}
+    : EventObject(std::move(border), std::move(record)) {}
 
 HRESULT Message::get_ArgumentCount(ULONG* count) {
     return readArgumentCount(count);

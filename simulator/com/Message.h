@@ -5,17 +5,12 @@
 namespace ZrSimulator {
 
 /// A message as it was sent.
-class Message final : public EventObject<ZrEventLoggerFnxProxyLib::IZrMessage> {
+class Message final : public EventObject<NoMutex, ZrEventLoggerFnxProxyLib::IZrMessage> {
 public:
     Message(std::shared_ptr<Border> border, EventRecord record);
 
     HRESULT STDMETHODCALLTYPE get_ArgumentCount(ULONG* count) override;
     HRESULT STDMETHODCALLTYPE get_Argument(ULONG index, VARIANT* argument) override;
-
-private:
-    EventRecord record() const override { return sent; }
-
-    const EventRecord sent;
 };
 
 }  // namespace ZrSimulator

@@ -55,15 +55,18 @@ std::vector<std::shared_ptr<Connection>> Notifier::connections() {
 
 void Notifier::post(const Notification& notification) {
     bool full = false;
+    bool isFirst = false;  // otherwise nobody waits for it
     {
         Lock lock(mutex);
+        isFirst = queue.empty();
         for (const auto& connection : opened)
             queue.push_back({connection, notification});
         full = queue.size() > maxQueued;
     }
     if (full)
         return closeAll();
-    changed.notify_all();
+    if (isFirst)
+        changed.notify_all();
 }
 
 void Notifier::hold(bool on) {
@@ -79,15 +82,16 @@ std::size_t Notifier::queued() {
     return queue.size() + (delivering ? 1 : 0);
 }
 
-void Notifier::settle(std::chrono::milliseconds time) {
+void Notifier::settle(std::size_t left, std::chrono::milliseconds time) {
     const auto deadline = std::chrono::steady_clock::now() + time;
     Lock lock(mutex);
     if (deliverer == std::this_thread::get_id())
         return;
-    while (!held && !stopping && (delivering || !queue.empty())) {
-        if (changed.wait_until(lock, deadline) == std::cv_status::timeout)
-            return;
+    ++settling;
+    while (!held && !stopping && queue.size() + (delivering ? 1 : 0) > left &&
+           changed.wait_until(lock, deadline) != std::cv_status::timeout) {
     }
+    --settling;
 }
 
 void Notifier::stop() {
@@ -118,7 +122,8 @@ void Notifier::run() {
         next.reset();
         lock.lock();
         delivering = false;
-        changed.notify_all();
+        if (settling > 0 && (queue.empty() || queue.size() == roomy))
+            changed.notify_all();
     }
 }
 

@@ -35,7 +35,10 @@ public:
     std::size_t queued();
     /// Waits until all are delivered or held back, for no longer than this. Does not wait when it
     /// is called from inside a notification.
-    void settle(std::chrono::milliseconds time);
+    void settle(std::chrono::milliseconds time) { settle(0, time); }
+    /// The same until there is room for more: whoever makes events is not faster than those who
+    /// take them.
+    void awaitRoom(std::chrono::milliseconds time) { settle(roomy, time); }
 
     /// Closes everything and waits for a running notification. Not from within one.
     void stop();
@@ -46,8 +49,10 @@ private:
         Notification notification;
     };
     static constexpr std::size_t maxQueued = 1'000'000;
+    static constexpr std::size_t roomy = maxQueued / 10;
 
     void run();
+    void settle(std::size_t left, std::chrono::milliseconds time);
     void deliver(const Delivery& delivery);
     void erase(Connection& connection, std::deque<Delivery>& released) REQUIRES(mutex);
 
@@ -58,6 +63,7 @@ private:
     std::deque<Delivery> queue GUARDED_BY(mutex);
     bool held GUARDED_BY(mutex) = false;
     bool delivering GUARDED_BY(mutex) = false;
+    std::size_t settling GUARDED_BY(mutex) = 0;  ///< who waits for deliveries
     std::thread::id deliverer GUARDED_BY(mutex);
     bool stopping GUARDED_BY(mutex) = false;
     std::thread thread;

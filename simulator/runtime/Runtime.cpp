@@ -64,6 +64,8 @@ HRESULT Runtime::confirm(const Alarm& alarm) {
 }
 
 std::optional<std::size_t> Runtime::apply(std::span<const Action> actions) {
+    constexpr std::chrono::milliseconds patience(1000);
+    notifier.awaitRoom(patience);
     Lock lock(mutex);
     if (const auto unknown = findUnknownAlarm(actions, ledger))
         return unknown;

@@ -1,8 +1,10 @@
 #include "platform/Text.h"
 
+#include <algorithm>
 #include <iterator>
 #include <limits>
 #include <new>
+#include <type_traits>
 
 #include <boost/nowide/utf/utf.hpp>
 
@@ -14,10 +16,13 @@ constexpr utf::code_point replacement = 0xFFFD;
 
 template <class Out, class In>
 std::basic_string<Out> convert(std::basic_string_view<In> text) {
-    std::basic_string<Out> converted;
-    converted.reserve(text.size());
+    // Most texts are ASCII, which is the same in both.
     const In* const end = text.data() + text.size();
-    for (const In* next = text.data(); next != end;) {
+    const In* const special = std::find_if(text.data(), end, [](In unit) {
+        return static_cast<std::make_unsigned_t<In>>(unit) > 0x7F;
+    });
+    std::basic_string<Out> converted(text.data(), special);
+    for (const In* next = special; next != end;) {
         const In* const start = next;
         utf::code_point character = utf::utf_traits<In>::decode(next, end);
         if (character == utf::illegal || character == utf::incomplete) {
