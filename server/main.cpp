@@ -4,11 +4,8 @@
 
 #include <boost/nowide/args.hpp>
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
 #include "server/Application.h"
+#include "server/HeapSettings.h"
 #include "server/Options.h"
 #include "server/StartError.h"
 #include "server/users/Password.h"
@@ -39,11 +36,7 @@ int main(int argc, char** argv) {
 #ifdef SIGPIPE
     std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone is an error of one write
 #endif
-#ifdef __GLIBC__
-    // Large blocks go back to the system when they are freed, instead of in pieces to later ones.
-    mallopt(M_MMAP_THRESHOLD, 256 << 10);
-    mallopt(M_ARENA_MAX, 4);
-#endif
+    hmi::configureHeap();
     try {
         return run(argc, argv);
     } catch (const hmi::StartError& error) {

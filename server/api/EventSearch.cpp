@@ -12,25 +12,10 @@
 
 namespace hmi {
 
-using ZrHmiSrv::Value;
-using ZrHmiSrv::ValueType;
-
 namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
-
-bool contains(std::string_view text, const std::string& folded) {
-    return foldCase(text).find(folded) != std::string::npos;
-}
-
-bool containsText(const Value& parameters, const std::string& folded) {
-    for (auto entry = parameters.begin(); entry != parameters.end(); ++entry) {
-        if (entry->type() == ValueType::string && contains(entry->get_text().view(), folded))
-            return true;
-    }
-    return false;
-}
 
 /// What the row of an event shows, as it is compared. Those without texts stand by their class.
 std::string nameOf(const EventSearch::Hit& hit) {
@@ -121,12 +106,15 @@ EventSearch::Result EventSearch::all() const {
 /// All that have the text, in their order. Pending are those that might have it.
 EventSearch::Result EventSearch::found() const {
     Result result;
-    for (EventRecordPtr& event : book.select(query.filter, 0, unlimited).events)
+    EventPage selected = book.select(query.filter, 0, unlimited);
+    result.hits.reserve(selected.events.size());
+    for (EventRecordPtr& event : selected.events)
         result.hits.push_back({std::move(event), {}});
     addTexts(result);
     if (!query.text.empty()) {
+        TextFinder finder(query.text);
         std::erase_if(result.hits, [&](const Hit& hit) {
-            const bool isHit = contains(hit);
+            const bool isHit = contains(hit, finder);
             result.textsPending += !isHit && query.isLocalized() && !hit.texts ? 1U : 0U;
             return !isHit;
         });
@@ -137,12 +125,12 @@ EventSearch::Result EventSearch::found() const {
     return result;
 }
 
-bool EventSearch::contains(const Hit& hit) const {
+bool EventSearch::contains(const Hit& hit, TextFinder& finder) {
     const ZrHmiSrv::Event& event = hit.event->event();
-    if (hmi::contains(event.name().view(), query.text) || containsText(event.payload(), query.text))
+    if (finder.isIn(event.name().view()) || finder.isIn(event.payload()))
         return true;
-    return hit.texts && (hmi::contains(hit.texts->text.view(), query.text) ||
-                         containsText(hit.texts->parameters, query.text));
+    return hit.texts &&
+           (finder.isIn(hit.texts->text.view()) || finder.isIn(hit.texts->parameters));
 }
 
 void EventSearch::sortByName(std::vector<Hit>& hits) const {

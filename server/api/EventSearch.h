@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "server/api/EventQuery.h"
+#include "server/api/TextFinder.h"
 #include "server/events/EventBook.h"
 #include "server/targets/TargetBook.h"
 #include "server/texts/EventTextService.h"
@@ -41,7 +42,7 @@ public:
 private:
     Result events(std::size_t first, std::size_t size) const;
     Result found() const;
-    bool contains(const Hit& hit) const;
+    static bool contains(const Hit& hit, TextFinder& finder);
     void sortByName(std::vector<Hit>& hits) const;
     bool isBefore(const Hit& a, const Hit& b) const;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,7 +11,6 @@
 
 #include "server/api/EventGroups.h"
 #include "server/api/EventsCsv.h"
-#include "server/api/LongList.h"
 #include "server/api/LongText.h"
 #include "server/csv/CsvRow.h"
 #include "server/json/EventJson.h"
@@ -39,11 +39,9 @@ Response localizationError(ErrorValue result) {
     }
 }
 
-json::object toJson(const EventSearch::Hit& hit, Extent extent, const json::storage_ptr& memory) {
-    json::object event = toJson(*hit.event, memory, extent);
-    if (hit.texts && hit.texts->result == ErrorValue::success)
-        addTexts(event, *hit.texts, extent);
-    return event;
+void append(std::string& to, const EventSearch::Hit& hit, Extent extent) {
+    const bool isLocalized = hit.texts && hit.texts->result == ErrorValue::success;
+    appendJson(to, *hit.event, extent, isLocalized ? hit.texts.get() : nullptr);
 }
 
 /// The answer's first members.
@@ -93,12 +91,19 @@ Response EventsResource::list(const Request& request) {
     if (isWanted(query, "group"))
         return grouped(search, asked, extent, counts);
     const auto found = std::make_shared<const EventSearch::Result>(search.page());
-    const auto item = [found, extent](std::size_t index, json::storage_ptr memory) {
+    const auto item = [found, extent](std::size_t index, std::string& to) {
         const EventSearch::Hit& hit = found->hits[index];
-        return hit.gap ? toJson(*hit.gap, memory) : toJson(hit, extent, memory);
+        if (hit.gap)
+            to += serialize(toJson(*hit.gap));
+        else
+            append(to, hit, extent);
     };
-    return LongList{headOf(*found, asked) + counts + ",\"events\":[", found->hits.size(),
-                    found->hits.size() * sizeof(EventSearch::Hit), item}
+    return LongText{headOf(*found, asked) + counts + ",\"events\":[",
+                    found->hits.size(),
+                    found->hits.size() * sizeof(EventSearch::Hit),
+                    ",",
+                    "]}",
+                    item}
         .response();
 }
 
@@ -116,14 +121,20 @@ Response EventsResource::grouped(const EventSearch& search, const EventQuery& as
     search.addTexts(all);
     const auto found = std::make_shared<const EventSearch::Result>(std::move(all));
     const auto shown = std::make_shared<const std::vector<EventGroup>>(std::move(groups));
-    const auto item = [found, shown, extent](std::size_t index, json::storage_ptr memory) {
-        json::object group = toJson((*shown)[index], memory);
-        group.emplace("newest", toJson(found->hits[index], extent, memory));
-        return group;
+    const auto item = [found, shown, extent](std::size_t index, std::string& to) {
+        to += serialize(toJson((*shown)[index], {}));
+        to.back() = ',';  // in the place of the end, so that one more member follows
+        to += "\"newest\":";
+        append(to, found->hits[index], extent);
+        to += '}';
     };
-    return LongList{
+    return LongText{
         headOf(*found, asked) + ",\"events\":" + std::to_string(events) + counts + ",\"groups\":[",
-        shown->size(), shown->size() * sizeof(EventGroup), item}
+        shown->size(),
+        shown->size() * sizeof(EventGroup),
+        ",",
+        "]}",
+        item}
         .response();
 }
 
@@ -143,8 +154,8 @@ Response EventsResource::table(const Request& request) {
         count * sizeof(EventSearch::Hit),
         "",
         "",
-        [found](std::size_t index) {
-            return csvRow(found->hits[index]);
+        [found](std::size_t index, std::string& to) {
+            to += csvRow(found->hits[index]);
         }}.response();
     response.contentType = "text/csv; charset=utf-8; header=present";
     response.headers.emplace_back("Content-Disposition", "attachment; filename=\"events.csv\"");
@@ -156,16 +167,17 @@ Response EventsResource::table(const Request& request) {
 Response EventsResource::one(const Request& request) {
     request.target.query.allowOnly({"locale"});
     const EventRecordPtr event = find(request);
-    json::object body = toJson(*event);
+    std::optional<EventTexts> localized;
     if (const std::string* const locale = request.target.query.find("locale")) {
-        const auto localized = extension.localize(*event, *locale);
+        localized = extension.localize(*event, *locale);
         if (!localized)
             return Response::error(503, "the extension localizes nothing");
         if (localized->result != ErrorValue::success)
             return localizationError(localized->result);
-        addTexts(body, *localized);
     }
-    return Response::json(std::move(body));
+    Response response;
+    appendJson(response.body, *event, Extent::whole, localized ? &*localized : nullptr);
+    return response;
 }
 
 EventRecordPtr EventsResource::find(const Request& request) const {

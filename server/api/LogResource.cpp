@@ -5,12 +5,10 @@
 #include <string>
 #include <utility>
 
-#include "server/api/LongList.h"
+#include "server/api/LongText.h"
 #include "server/json/EventJson.h"
 
 namespace hmi {
-
-namespace json = boost::json;
 
 void LogResource::addRoutes(Router& router) {
     router.add(Method::get, "/api/log", [this](const auto& r) { return read(r); });
@@ -23,10 +21,13 @@ Response LogResource::read(const Request& request) const {
     const auto page = std::make_shared<const LogBook::Page>(
         book.read(query.number("since", 0), static_cast<std::size_t>(limit)));
     const std::size_t count = page->entries.size();
-    return LongList{"{\"next\":" + std::to_string(page->next) + ",\"entries\":[", count,
+    return LongText{"{\"next\":" + std::to_string(page->next) + ",\"entries\":[",
+                    count,
                     count * sizeof(page->entries.front()),
-                    [page](std::size_t index, json::storage_ptr memory) {
-                        return toJson(*page->entries[index], std::move(memory));
+                    ",",
+                    "]}",
+                    [page](std::size_t index, std::string& to) {
+                        appendJson(to, *page->entries[index]);
                     }}
         .response();
 }

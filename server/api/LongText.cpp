@@ -7,6 +7,7 @@ namespace hmi {
 namespace {
 
 constexpr std::size_t partSize = 64 << 10;
+constexpr std::size_t fewItems = 50;
 
 /// Makes the parts, one a call.
 class Parts {
@@ -15,9 +16,12 @@ public:
 
     std::string operator()() {
         std::string part = std::exchange(text.head, {});
+        if (text.count - next > fewItems)
+            part.reserve(partSize + partSize / 8);
         while (next < text.count && part.size() < partSize) {
-            part += next == 0 ? std::string() : text.separator;
-            part += text.item(next++);
+            if (next > 0)
+                part += text.separator;
+            text.item(next++, part);
         }
         if (next == text.count && !std::exchange(ended, true))
             part += text.tail;

@@ -16,8 +16,9 @@ struct LongText {
     std::size_t held;       ///< bytes that the items keep alive
     std::string separator;  ///< between two items
     std::string tail;       ///< the text after the last item
-    /// Called for each item once, in their order; on one thread at a time.
-    std::function<std::string(std::size_t index)> item;
+    /// Writes an item to the end of the text. Called for each item once, in their order; on one
+    /// thread at a time.
+    std::function<void(std::size_t index, std::string& to)> item;
 
     Response response() &&;
 };

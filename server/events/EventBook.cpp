@@ -158,10 +158,11 @@ void EventBook::replaceTarget(const std::string& target, std::span<const Event> 
         isImported ? eventsOf(lastKnown, target) : std::vector<EventRecordPtr>();
     if (gone.empty() && added.size() == 0 && forgotten.empty())
         return;
-    lastKnown.makeRoomFor(lost);
-    current.replace(gone, added);
+    auto ofCurrent = current.prepare(gone, added);
+    auto ofLastKnown = lastKnown.prepare(forgotten, lost);
     // From here on nothing throws.
-    lastKnown.replace(forgotten, lost);
+    current.apply(std::move(ofCurrent));
+    lastKnown.apply(std::move(ofLastKnown));
     for (const EventRecordPtr& event : replacement->events)
         lastKnown.erase(event->id);
     sink.post({.type = ChangeType::reset, .replacement = std::move(replacement)});

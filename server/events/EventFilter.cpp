@@ -4,7 +4,7 @@ namespace hmi {
 
 namespace {
 
-bool isIn(EventState state, const EventRecord& event) {
+bool isIn(EventState state, const EventShape& event) {
     switch (state) {
         case EventState::active:
             return event.life == EventLife::active;
@@ -18,10 +18,15 @@ bool isIn(EventState state, const EventRecord& event) {
 
 }  // namespace
 
+bool EventFilter::matches(const EventShape& shape) const {
+    return (!kind || *kind == shape.kind) && severity <= shape.severity &&
+           (!state || isIn(*state, shape));
+}
+
 bool EventFilter::matches(const EventRecord& event) const {
-    return (!kind || *kind == event.kind) && severity <= event.severity &&
-           (!state || isIn(*state, event)) && (!target || *target == event.target) &&
-           (!from || *from <= event.position.time) && (!to || event.position.time <= *to);
+    return matches(static_cast<const EventShape&>(event)) &&
+           (!target || *target == event.target) && (!from || *from <= event.position.time) &&
+           (!to || event.position.time <= *to);
 }
 
 bool EventFilter::isBefore(const EventRecord& a, const EventRecord& b) const {
@@ -36,10 +41,6 @@ bool EventFilter::isInOrder(const EventRecord& a, const EventRecord& b) const {
     if (order == EventOrder::severity && a.severity != b.severity)
         return a.severity != noSeverity && (b.severity == noSeverity || b.severity < a.severity);
     return a.position < b.position;
-}
-
-int EventFilter::criteria() const {
-    return (target ? 1 : 0) + (kind ? 1 : 0) + (state ? 1 : 0) + (severity > 0 ? 1 : 0);
 }
 
 }  // namespace hmi

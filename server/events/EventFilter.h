@@ -27,10 +27,10 @@ struct EventFilter {
     bool lastKnown = false;  ///< also alarms whose target system was lost
 
     bool matches(const EventRecord& event) const;
+    /// The same but for target system and time.
+    bool matches(const EventShape& shape) const;
     /// Whether one comes before the other in the list.
     bool isBefore(const EventRecord& a, const EventRecord& b) const;
-    /// How many of the criteria are set, the times aside.
-    int criteria() const;
 
 private:
     bool isInOrder(const EventRecord& a, const EventRecord& b) const;

@@ -74,13 +74,12 @@ std::uint64_t priorityOf(EventLife life, bool unconfirmed, std::uint32_t severit
     return group << 32 | (severity == noSeverity ? noSeverity : noSeverity - 1 - severity);
 }
 
-std::size_t hashOfMessage(const EventContent& content, std::size_t payloadHash,
-                          Timestamp received) {
-    if (alarmOf(content))
-        return 0;
-    std::size_t hash = payloadHash;
-    boost::hash_combine(hash, received.nanoseconds());
-    return hash;
+EventShape shapeOf(const EventContent& content, bool ended) {
+    const EventLife life = lifeOf(content, ended);
+    const bool unconfirmed = isUnconfirmed(content);
+    const std::uint32_t severity = severityOf(content);
+    return {alarmOf(content) ? EventKind::alarm : EventKind::message, life, unconfirmed, severity,
+            priorityOf(life, unconfirmed, severity)};
 }
 
 }  // namespace
@@ -92,18 +91,22 @@ std::optional<EventContent> contentOf(const Event& event) {
 }
 
 EventRecord::EventRecord(EventContent from, std::uint64_t arrival, bool ended)
-    : content(std::move(from)),
+    : EventShape(shapeOf(from, ended)),
+      content(std::move(from)),
       ended(ended),
       position{timeReceived(content), arrival},
       id(idOf(content, arrival)),
-      kind(id.kind),
-      life(lifeOf(content, ended)),
-      unconfirmed(isUnconfirmed(content)),
-      severity(severityOf(content)),
-      priority(priorityOf(life, unconfirmed, severity)),
-      target(targetOf(event().payload())),
-      payloadHash(hashOf(event().payload())),
-      contentHash(hashOfMessage(content, payloadHash, position.time)) {}
+      target(targetOf(event().payload())) {}
+
+std::size_t EventRecord::payloadHash() const {
+    return hash.get([this] { return hashOf(event().payload()); });
+}
+
+std::size_t EventRecord::contentHash() const {
+    std::size_t hash = payloadHash();
+    boost::hash_combine(hash, position.time.nanoseconds());
+    return hash;
+}
 
 const Event& EventRecord::event() const noexcept {
     return baseOf(content);
@@ -118,7 +121,7 @@ std::string targetOf(const Value& parameters) {
 
 bool isSameMessage(const EventRecord& a, const EventRecord& b) {
     return a.kind == EventKind::message && b.kind == EventKind::message &&
-           a.contentHash == b.contentHash && a.position.time == b.position.time &&
+           a.position.time == b.position.time &&
            a.event().name() == b.event().name() && a.event().domain() == b.event().domain() &&
            a.event().payload() == b.event().payload();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -40,9 +42,41 @@ enum class EventLife : std::uint8_t {
     cleared,
 };
 
+/// What filters and orders tell events apart by, but for target system and time.
+struct EventShape {
+    EventKind kind;
+    EventLife life;
+    bool unconfirmed;
+    std::uint32_t severity;
+    std::uint64_t priority;  ///< what an operator has to look at first has the smallest
+
+    friend bool operator==(const EventShape&, const EventShape&) = default;
+};
+
+/// A number that is found out when somebody wants to know it. Thread-safe.
+class LazyHash {
+public:
+    LazyHash() = default;
+    LazyHash(const LazyHash& other) noexcept : known(other.known.load(std::memory_order_relaxed)) {}
+    LazyHash& operator=(const LazyHash&) = delete;
+
+    template <class Compute>
+    std::size_t get(Compute compute) const {
+        std::size_t hash = known.load(std::memory_order_relaxed);
+        if (hash == 0) {
+            hash = compute();
+            known.store(hash, std::memory_order_relaxed);
+        }
+        return hash;
+    }
+
+private:
+    mutable std::atomic<std::size_t> known = 0;
+};
+
 /// An event as the server keeps it. Immutable and shared between threads: a change of an event
 /// makes a new record.
-struct EventRecord {
+struct EventRecord : EventShape {
     /// `arrival` counts up over all records; a message is named by it. `ended`: the extension has
     /// ended the life of this alarm.
     EventRecord(EventContent content, std::uint64_t arrival, bool ended = false);
@@ -54,20 +88,19 @@ struct EventRecord {
     bool ended;
     EventPosition position;
     EventId id;
-    EventKind kind;
-    EventLife life;
-    bool unconfirmed;
-    std::uint32_t severity;
-    std::uint64_t priority;   ///< what an operator has to look at first has the smallest
-    std::string target;       ///< as `targetOf` tells it
-    std::size_t payloadHash;  ///< equal for equal parameters
-    std::size_t
-        contentHash;  ///< of a message: equal for messages that are the same to the extension
+    std::string target;  ///< as `targetOf` tells it
+    /// Equal for equal parameters.
+    std::size_t payloadHash() const;
+    /// Of messages: equal for those that are the same to the extension.
+    std::size_t contentHash() const;
 
     // Set before the record is shared.
     ConfirmationPtr confirmation = {};  ///< null until somebody asks for it
     /// Set when its target system was lost, and nobody can say whether it still holds.
     ZrHmiSrv::Timestamp lastKnownSince = {};
+
+private:
+    LazyHash hash;
 };
 
 using EventRecordPtr = std::shared_ptr<const EventRecord>;

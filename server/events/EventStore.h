@@ -3,17 +3,14 @@
 #include <array>
 #include <cstdint>
 #include <map>
-#include <set>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include <boost/multi_index/composite_key.hpp>
-#include <boost/multi_index/hashed_index.hpp>
-#include <boost/multi_index/member.hpp>
-#include <boost/multi_index/ranked_index.hpp>
-#include <boost/multi_index_container.hpp>
+#include <boost/unordered/unordered_flat_map.hpp>
 
 #include "server/events/EventFilter.h"
+#include "server/events/EventSequence.h"
 
 namespace hmi {
 
@@ -41,10 +38,12 @@ struct Attention {
     void add(const Attention& other);
 };
 
-/// A set of events with an index for each way to look at it. Not synchronised.
+/// A set of events. Those of one target system that no filter tells apart but by their time lie in
+/// one sequence, a cell, so that an event has one place, and a list is a merge of a few cells. Not
+/// synchronised.
 class EventStore {
 public:
-    std::size_t size() const noexcept { return records.size(); }
+    std::size_t size() const noexcept { return byId.size(); }
     /// Null when there is none of that id.
     EventRecordPtr find(EventId id) const;
     /// The oldest message that is the same to the extension, or null.
@@ -52,19 +51,19 @@ public:
     /// The last in the list, or null.
     EventRecordPtr oldest() const;
 
-    /// Takes the place of an event of the same id.
+    /// Takes the place of an event of the same id. With an exception nothing has changed.
     void insert(EventRecordPtr event);
-    void erase(EventId id);
-    /// Gets the memory that `replace` needs, so that it throws nothing.
-    void makeRoomFor(const EventStore& added);
-    /// Takes out some events, and takes all over that another store holds of one target system.
-    /// With an exception nothing has changed.
-    void replace(const std::vector<EventRecordPtr>& gone, EventStore& added);
+    void erase(EventId id) noexcept;
 
-    /// The selected events from `offset` on, at most `limit`, in the filter's order. One criterion
-    /// or none, and a stretch of time, costs O(log n + limit); of several, the rarest is walked. So
-    /// it is in other orders than that of time, except for all events in the order of priority or
-    /// of target systems, and for the unconfirmed ones in that of priority.
+    /// A step that has all the memory that it needs: some events leave, and all of another store
+    /// are taken over, which have the place of those with their ids.
+    class Prepared;
+    /// Nothing else may change this store until it is applied; both live as long.
+    Prepared prepare(const std::vector<EventRecordPtr>& gone, const EventStore& added);
+    void apply(Prepared prepared) noexcept;
+
+    /// The selected events from `offset` on, at most `limit`, in the filter's order. Nothing else
+    /// is looked at: a page costs its length, and a little for each cell that the filter selects.
     EventPage select(const EventFilter& filter, std::size_t offset, std::size_t limit) const;
     /// By name; targets without events have no entry.
     std::map<std::string, TargetCounts> countsByTarget() const;
@@ -72,59 +71,31 @@ public:
     Attention attention(const std::optional<std::string>& target) const;
 
 private:
-    template <auto Facet>
-    struct FacetOf;
-    template <class T, T EventRecord::*Facet>
-    struct FacetOf<Facet> {
-        using Key = boost::multi_index::composite_key<
-            EventRecord, boost::multi_index::member<EventRecord, const T, Facet>,
-            boost::multi_index::member<EventRecord, const EventPosition, &EventRecord::position>>;
+    struct Cell {
+        explicit Cell(const EventRecord& event) : shape(event) {}
+        EventShape shape;
+        EventSequence events;
     };
-    /// Ordered by one property, and within it as the list is.
-    template <class Tag, auto Facet>
-    using FacetIndex = boost::multi_index::ranked_unique<boost::multi_index::tag<Tag>,
-                                                         typename FacetOf<Facet>::Key>;
-    struct ById {};
-    struct ByPosition {};
-    struct ByTarget {};
-    struct ByKind {};
-    struct ByLife {};
-    struct ByConfirmation {};
-    struct ByPriority {};
-    struct ByContent {};
-    using Records = boost::multi_index_container<
-        EventRecordPtr,
-        boost::multi_index::indexed_by<
-            boost::multi_index::hashed_unique<
-                boost::multi_index::tag<ById>,
-                boost::multi_index::member<EventRecord, const EventId, &EventRecord::id>>,
-            boost::multi_index::ranked_unique<
-                boost::multi_index::tag<ByPosition>,
-                boost::multi_index::member<EventRecord, const EventPosition,
-                                           &EventRecord::position>>,
-            FacetIndex<ByTarget, &EventRecord::target>, FacetIndex<ByKind, &EventRecord::kind>,
-            FacetIndex<ByLife, &EventRecord::life>,
-            FacetIndex<ByConfirmation, &EventRecord::unconfirmed>,
-            FacetIndex<ByPriority, &EventRecord::priority>,
-            FacetIndex<ByContent, &EventRecord::contentHash>>>;
+    using Cells = std::vector<Cell>;  ///< none of them is empty
+    using Targets = std::map<std::string, Cells, std::less<>>;
 
-    struct OfTarget {
-        TargetCounts counts;
-        Attention attention;
-        std::set<EventPosition> unconfirmed;
+    static std::uint64_t keyOf(EventId id) noexcept;
+    static void insertInto(Cells& cells, const EventRecordPtr& event);
+    static void eraseFrom(Cells& cells, const EventRecord& event) noexcept;
+    void eraseFromTarget(const EventRecord& event) noexcept;
 
-        /// Takes over what another one counts; needs no memory.
-        void add(OfTarget& other);
-    };
+    Targets targets;
+    boost::unordered_flat_map<std::uint64_t, EventRecordPtr> byId;
+};
 
-    EventPage selectSorted(const EventFilter& filter, std::size_t offset, std::size_t limit) const;
-    template <class Serve>
-    auto narrowest(const EventFilter& filter, Serve serve) const;
-    void count(const EventRecord& event, bool added);
+class EventStore::Prepared {
+    friend class EventStore;
+    Prepared(const std::vector<EventRecordPtr>& gone, const EventStore& added)
+        : gone(gone), added(added) {}
 
-    Records records;
-    std::map<std::string, OfTarget> targets;
-    Attention all;
+    const std::vector<EventRecordPtr>& gone;
+    const EventStore& added;
+    Targets changed;  ///< those that get events, as they are afterwards
 };
 
 }  // namespace hmi

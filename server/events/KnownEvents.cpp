@@ -21,7 +21,7 @@ KnownEvents::KnownEvents(const std::vector<EventRecordPtr>& held) {
         if (event->kind == EventKind::alarm)
             alarms.emplace(event->id.number, event);
         else
-            messages.emplace(event->contentHash, event);
+            messages.emplace(event->contentHash(), event);
     }
 }
 
@@ -42,7 +42,7 @@ EventRecordPtr KnownEvents::take(const EventRecord& handedOver) {
         const auto node = alarms.extract(handedOver.id.number);
         return node ? node.mapped() : nullptr;
     }
-    const auto [first, last] = messages.equal_range(handedOver.contentHash);
+    const auto [first, last] = messages.equal_range(handedOver.contentHash());
     for (auto found = first; found != last; ++found) {
         if (isSameMessage(*found->second, handedOver))
             return messages.extract(found).mapped();

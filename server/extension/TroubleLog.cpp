@@ -59,13 +59,14 @@ std::uint64_t TroubleLog::forget(const std::string& target) {
 
 bool TroubleLog::pass(Message& message, Clock::time_point now) {
     const std::string_view name = message.name().view();
+    const bool isConnected = name == connected;
+    if (!isConnected && std::find(troubles.begin(), troubles.end(), name) == troubles.end())
+        return true;
     const std::string target = parameter(message, "0");
-    if (name == connected) {
+    if (isConnected) {
         log(LogLevel::info, target + ": connected" + timesText(forget(target)));
         return true;
     }
-    if (std::find(troubles.begin(), troubles.end(), name) == troubles.end())
-        return true;
     const std::string text = textOf(message, target);
     std::uint64_t repeated = 0;
     {

@@ -1,9 +1,10 @@
 #include "server/json/EventJson.h"
 
-#include <boost/json/monotonic_resource.hpp>
+#include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <boost/json/value_from.hpp>
 
+#include "server/json/JsonText.h"
 #include "server/json/TargetJson.h"
 #include "server/json/ValueJson.h"
 
@@ -20,80 +21,104 @@ constexpr const char* typeNames[] = {"raised",       "updated", "removed", "mess
                                      "forgotten",    "reset",   "log",     "texts",
                                      "confirmation", "target",  "gap",     "alive"};
 
-json::value idOf(EventId id, const json::storage_ptr& storage) {
+void appendId(std::string& to, EventId id) {
     if (id.kind == EventKind::alarm)
-        return id.number;
-    return json::string(id.text(), storage);
+        appendJson(to, id.number);
+    else
+        appendJson(to, std::string_view(id.text()));
 }
 
-json::object lifeOf(const Confirmation& confirmation, const json::storage_ptr& storage) {
-    constexpr const char* states[] = {"requested", "accepted", "confirmed", "failed", "unanswered"};
-    json::object object(8, storage);
-    object.emplace("state", states[static_cast<std::size_t>(confirmation.state)]);
-    object.emplace("by", toJson(std::string_view(confirmation.by), storage));
-    object.emplace("at", toJson(confirmation.at, storage));
+void appendLife(std::string& to, const Confirmation& confirmation) {
+    constexpr std::string_view states[] = {"requested", "accepted", "confirmed", "failed",
+                                           "unanswered"};
+    JsonObjectText object(to);
+    object.add("state", states[static_cast<std::size_t>(confirmation.state)]);
+    object.add("by", std::string_view(confirmation.by));
+    object.add("at", confirmation.at);
     if (!confirmation.comment.empty())
-        object.emplace("comment", toJson(std::string_view(confirmation.comment), storage));
+        object.add("comment", std::string_view(confirmation.comment));
     if (confirmation.result)
-        object.emplace("result", static_cast<std::uint32_t>(*confirmation.result));
+        object.add("result", static_cast<std::uint32_t>(*confirmation.result));
     if (!confirmation.text.empty())
-        object.emplace("text", toJson(std::string_view(confirmation.text), storage));
-    return object;
+        object.add("text", std::string_view(confirmation.text));
+    object.end();
 }
 
-json::object briefly(const ZrHmiSrv::Value& parameters, const json::storage_ptr& storage) {
-    json::object object(parameters.size(), storage);
+void appendBriefly(std::string& to, const ZrHmiSrv::Value& parameters) {
+    JsonObjectText object(to);
     for (auto entry = parameters.begin(); entry != parameters.end(); ++entry) {
         const std::string_view name = entry.name();
         if (entry->type() != ZrHmiSrv::ValueType::binary && name != "jsonAttribute")
-            object.emplace(toJson(name, storage), toJson(*entry, storage));
+            object.add(name, *entry);
     }
-    return object;
+    object.end();
+}
+
+void addTexts(JsonObjectText& event, const EventTexts& texts, Extent extent) {
+    event.add("text", texts.text.view());
+    for (const std::string_view name : localizedParameters) {
+        const bool isListed = name == "eventClassName" || name == "localizedSourceName";
+        if (extent == Extent::brief && !isListed)
+            continue;
+        if (const ZrHmiSrv::Value* const value = texts.parameters.lookup(name))
+            event.add(name, *value);
+    }
 }
 
 }  // namespace
 
-json::object toJson(const EventRecord& event, json::storage_ptr storage, Extent extent) {
+void appendJson(std::string& to, const EventRecord& event, Extent extent, const EventTexts* texts) {
     const ZrHmiSrv::Event& base = event.event();
-    const Alarm unset;
+    static const Alarm unset;
     const Alarm& alarm = event.alarm() ? *event.alarm() : unset;
     const ZrHmiSrv::Timestamp raised =
         std::visit([](const auto& content) { return content.time_raised(); }, event.content.event);
     const bool isAlarm = event.kind == EventKind::alarm;
 
-    json::object object(16, storage);
-    object.emplace("id", idOf(event.id, storage));
-    object.emplace("kind", isAlarm ? "alarm" : "message");
-    object.emplace("name", toJson(base.name().view(), storage));
-    object.emplace("domain", toJson(base.domain().view(), storage));
-    object.emplace("severity", event.severity);
-    object.emplace("timeReceived", toJson(event.position.time, storage));
-    object.emplace("timeRaised", toJson(raised, storage));
-    object.emplace("timeCleared", toJson(alarm.time_cleared(), storage));
-    object.emplace("timeConfirmed", toJson(alarm.time_confirmed(), storage));
-    object.emplace("alarmState", static_cast<std::uint32_t>(alarm.alarm_state()));
-    object.emplace("confirmationState", static_cast<std::uint32_t>(alarm.confirmation_state()));
-    object.emplace("active", event.life == EventLife::active);
+    JsonObjectText object(to);
+    appendId(object.member("id"), event.id);
+    object.add("kind", isAlarm ? "alarm"sv : "message"sv);
+    object.add("name", base.name().view());
+    object.add("domain", base.domain().view());
+    object.add("severity", event.severity);
+    object.add("timeReceived", event.position.time);
+    object.add("timeRaised", raised);
+    object.add("timeCleared", alarm.time_cleared());
+    object.add("timeConfirmed", alarm.time_confirmed());
+    object.add("alarmState", static_cast<std::uint32_t>(alarm.alarm_state()));
+    object.add("confirmationState", static_cast<std::uint32_t>(alarm.confirmation_state()));
+    object.add("active", event.life == EventLife::active);
     if (event.confirmation)
-        object.emplace("confirmation", lifeOf(*event.confirmation, storage));
+        appendLife(object.member("confirmation"), *event.confirmation);
     if (event.lastKnownSince.isset())
-        object.emplace("lastKnownSince", toJson(event.lastKnownSince, storage));
+        object.add("lastKnownSince", event.lastKnownSince);
     if (extent == Extent::brief && base.payload().is_map())
-        object.emplace("parameters", briefly(base.payload(), storage));
+        appendBriefly(object.member("parameters"), base.payload());
     else
-        object.emplace("parameters", toJson(base.payload(), storage));
-    return object;
+        object.add("parameters", base.payload());
+    if (texts)
+        addTexts(object, *texts, extent);
+    object.end();
 }
 
-void addTexts(json::object& event, const EventTexts& texts, Extent extent) {
-    event.emplace("text", toJson(texts.text.view(), event.storage()));
-    for (const char* name : localizedParameters) {
-        const bool isListed = name == "eventClassName"sv || name == "localizedSourceName"sv;
-        if (extent == Extent::brief && !isListed)
-            continue;
-        if (const ZrHmiSrv::Value* const value = texts.parameters.lookup(name))
-            event.emplace(name, toJson(*value, event.storage()));
-    }
+void appendJson(std::string& to, const LogEntry& entry) {
+    const Message& message = entry.message;
+    JsonObjectText object(to);
+    object.add("seq", entry.sequence);
+    object.add("name", message.name().view());
+    object.add("severity", static_cast<std::uint32_t>(message.severity()));
+    object.add("timeRaised", message.time_raised());
+    object.add("domain", message.domain().view());
+    object.add("parameters", message.parameters());
+    object.end();
+}
+
+json::object toJson(const EventRecord& event) {
+    std::string text;
+    appendJson(text, event);
+    json::parse_options options;
+    options.max_depth = 1000;
+    return json::parse(text, {}, options).as_object();
 }
 
 json::object toJson(const Attention& attention) {
@@ -102,38 +127,28 @@ json::object toJson(const Attention& attention) {
             {"oldestUnconfirmed", toJson(attention.oldestUnconfirmed)}};
 }
 
-json::object toJson(const LogEntry& entry, json::storage_ptr storage) {
-    const Message& message = entry.message;
-    json::object object(6, storage);
-    object.emplace("seq", entry.sequence);
-    object.emplace("name", toJson(message.name().view(), storage));
-    object.emplace("severity", static_cast<std::uint32_t>(message.severity()));
-    object.emplace("timeRaised", toJson(message.time_raised(), storage));
-    object.emplace("domain", toJson(message.domain().view(), storage));
-    object.emplace("parameters", toJson(message.parameters(), storage));
-    return object;
-}
-
 std::string_view nameOf(ChangeType type) {
     return typeNames[static_cast<std::size_t>(type)];
 }
 
 std::string toLine(const Change& change, std::uint64_t sequence) {
-    json::monotonic_resource memory;
-    json::object line(&memory);
-    line.emplace("seq", sequence);
-    line.emplace("type", nameOf(change.type));
+    std::string text;
+    text.reserve(1024);
+    JsonObjectText line(text);
+    line.add("seq", sequence);
+    line.add("type", nameOf(change.type));
     if (change.event)
-        line.emplace("event", toJson(*change.event, &memory));
+        appendJson(line.member("event"), *change.event);
     if (change.entry)
-        line.emplace("entry", toJson(*change.entry, &memory));
+        appendJson(line.member("entry"), *change.entry);
     if (change.target)
-        line.emplace("target", toJson(*change.target, &memory));
+        line.member("target") += json::serialize(toJson(*change.target));
     if (change.gap)
-        line.emplace("gap", toJson(*change.gap, &memory));
+        line.member("gap") += json::serialize(toJson(*change.gap));
     if (change.replacement)
-        line.emplace("target", toJson(std::string_view(change.replacement->target), &memory));
-    return json::serialize(line);
+        line.add("target", std::string_view(change.replacement->target));
+    line.end();
+    return text;
 }
 
 }  // namespace hmi

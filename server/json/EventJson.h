@@ -16,14 +16,15 @@ namespace hmi {
 /// binary parameters, causes and details).
 enum class Extent : std::uint8_t { whole, brief };
 
-/// An event as clients see it.
-boost::json::object toJson(const EventRecord& event, boost::json::storage_ptr storage = {},
-                           Extent extent = Extent::whole);
-/// Adds the texts of a localization that succeeded.
-void addTexts(boost::json::object& event, const EventTexts& texts, Extent extent = Extent::whole);
+/// An event as clients see it, with the texts of a localization that succeeded, written to the end
+/// of a text.
+void appendJson(std::string& to, const EventRecord& event, Extent extent = Extent::whole,
+                const EventTexts* texts = nullptr);
+void appendJson(std::string& to, const LogEntry& entry);
 
+/// The same as a document.
+boost::json::object toJson(const EventRecord& event);
 boost::json::object toJson(const Attention& attention);
-boost::json::object toJson(const LogEntry& entry, boost::json::storage_ptr storage = {});
 
 /// What the stream calls a change of this type.
 std::string_view nameOf(ChangeType type);

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <chrono>
-#include <cstdio>
 #include <limits>
 
 namespace hmi {
@@ -67,6 +66,13 @@ bool addProduct(std::int64_t& sum, std::int64_t count, std::int64_t unit) {
     return true;
 }
 
+/// Up to a place, over as many zeros as are needed. The years of 64 bits have four digits.
+template <class Number>
+void writeDigits(std::string& text, std::size_t end, Number number) {
+    for (; number != 0; number /= 10)
+        text[--end] = static_cast<char>('0' + number % 10);
+}
+
 }  // namespace
 
 std::string isoTime(ZrHmiSrv::Timestamp time) {
@@ -75,13 +81,15 @@ std::string isoTime(ZrHmiSrv::Timestamp time) {
     const auto day = floor<days>(point);
     const year_month_day date{day};
     const hh_mm_ss clock{point - day};
-    char text[40];
-    const int length = std::snprintf(
-        text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d.%07dZ", static_cast<int>(date.year()),
-        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-        static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
-    return std::string(text, static_cast<std::size_t>(length));
+    std::string text = "0000-00-00T00:00:00.0000000Z";
+    writeDigits(text, 4, static_cast<int>(date.year()));
+    writeDigits(text, 7, static_cast<unsigned>(date.month()));
+    writeDigits(text, 10, static_cast<unsigned>(date.day()));
+    writeDigits(text, 13, clock.hours().count());
+    writeDigits(text, 16, clock.minutes().count());
+    writeDigits(text, 19, clock.seconds().count());
+    writeDigits(text, 27, clock.subseconds().count());
+    return text;
 }
 
 std::optional<ZrHmiSrv::Timestamp> parseIsoTime(std::string_view text) {

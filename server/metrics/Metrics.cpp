@@ -27,12 +27,13 @@ double number(std::uint64_t count) {
 }  // namespace
 
 std::uint64_t& Metrics::logCounter(std::string name, std::string target) {
-    const auto found = logMessages.find({name, target});
+    const std::pair key(std::move(name), std::move(target));
+    const auto found = logMessages.find(key);
     if (found != logMessages.end())
         return found->second;
     if (logMessages.size() >= maxNames)
         return logMessages[{"other", ""}];
-    return logMessages[{std::move(name), std::move(target)}];
+    return logMessages[key];
 }
 
 void Metrics::countLogMessage(const ZrHmiSrv::Message& message) {

@@ -11,14 +11,14 @@ bool operator==(const TextKey& a, const TextKey& b) {
         return false;
     if (a.event == b.event)
         return true;
-    return a.event->payloadHash == b.event->payloadHash && a.event->kind == b.event->kind &&
+    return a.event->payloadHash() == b.event->payloadHash() && a.event->kind == b.event->kind &&
            a.event->event().name() == b.event->event().name() &&
            a.event->event().domain() == b.event->event().domain() &&
            a.event->event().payload() == b.event->event().payload();
 }
 
 std::size_t hash_value(const TextKey& key) noexcept {
-    std::size_t hash = key.event->payloadHash;
+    std::size_t hash = key.event->payloadHash();
     boost::hash_combine(hash, key.locale);
     return hash;
 }

@@ -1,6 +1,7 @@
 #include "server/unicode/CaseFolding.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 #include <boost/locale/utf.hpp>
@@ -52,6 +53,21 @@ std::string foldCase(std::string_view text) {
             folded.append(start, position);
     }
     return folded;
+}
+
+bool containsFolded(std::string_view text, std::string_view folded) {
+    std::array<char, 256> buffer;
+    if (text.size() > buffer.size())
+        return foldCase(text).find(folded) != std::string::npos;
+    // Most texts are short and ASCII, and take no memory.
+    char bits = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        bits = static_cast<char>(bits | text[i]);
+        buffer[i] = foldAscii(text[i]);
+    }
+    if (static_cast<unsigned char>(bits) < 0x80)
+        return std::string_view(buffer.data(), text.size()).find(folded) != std::string::npos;
+    return foldCase(text).find(folded) != std::string::npos;
 }
 
 }  // namespace hmi

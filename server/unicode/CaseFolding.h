@@ -20,4 +20,7 @@ extern const std::span<const Folding> foldings;
 /// "STRASSE". Bytes that are no UTF-8 stay as they are.
 std::string foldCase(std::string_view text);
 
+/// Whether `foldCase(text)` contains this.
+bool containsFolded(std::string_view text, std::string_view folded);
+
 }  // namespace hmi

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstdlib>
 #include <iterator>
 #include <map>
 #include <new>
@@ -10,24 +9,9 @@
 
 #include <gmock/gmock.h>
 
+#include "server/FailingHeap.h"
 #include "server/events/EventBook.h"
 #include "server/extension/EventRefresher.h"
-
-namespace {
-
-/// Before the one that fails, on this thread; none fails while it is negative.
-thread_local int allocationsLeft = -1;
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    void* const memory = allocationsLeft == 0 ? nullptr : std::malloc(size);
-    if (allocationsLeft >= 0)
-        --allocationsLeft;
-    return memory ? memory : throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 using testing::ElementsAre;
 using ZrHmiSrv::Alarm;
