@@ -1,12 +1,11 @@
 #include "events/AlarmKey.h"
 
-#include <string>
+#include <string_view>
 
 #include "events/EventSource.h"
-#include "targetsystem/proxy/Guid.h"
+#include "events/TextPool.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
-using ZrAtlCom::guidText;
 
 namespace ZrHmiEventLogger {
 
@@ -17,8 +16,13 @@ void combine(std::size_t& seed, const std::optional<T>& part) {
     boost::hash_combine(seed, part ? std::hash<T>()(*part) + 1 : 0);
 }
 
+std::optional<std::string_view> viewOf(const std::optional<ZrHmiSrv::Text>& text) {
+    return text ? std::optional(text->view()) : std::nullopt;
+}
+
 std::size_t classOf(const EventContext& context, IZrEvent& event) {
-    return std::hash<std::string>()(guidText(context.read(event, &IZrEvent::get_EventClass)));
+    const auto text = texts().of(context.read(event, &IZrEvent::get_EventClass));
+    return std::hash<std::string_view>()(text.view());
 }
 
 std::size_t originOf(const EventContext& context, IZrEvent& event) {
@@ -26,8 +30,8 @@ std::size_t originOf(const EventContext& context, IZrEvent& event) {
     std::size_t seed = classOf(context, event);
     boost::hash_combine(seed, context.read(event, &IZrEvent::get_EventId));
     combine(seed, source.id);
-    combine(seed, source.name);
-    combine(seed, source.guid);
+    combine(seed, viewOf(source.name));
+    combine(seed, viewOf(source.guid));
     return seed;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "events/EventParameters.h"
 #include "events/ProxyValue.h"
@@ -129,7 +130,8 @@ void toHostEvent(Event& event, IZrLoggedEvent& source, const EventContext& conte
 }
 
 void setHostId(Event& event, std::int32_t hostId) {
-    Alarm alarm = event.payload().get_alarm();
+    Alarm alarm = std::as_const(event).payload().get_alarm();
+    event.set_payload(Value());  // so that the alarm need not be copied
     alarm.set_id(hostId);
     event.set_payload(Value(std::move(alarm)));
 }

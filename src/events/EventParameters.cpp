@@ -1,25 +1,21 @@
 #include "events/EventParameters.h"
 
-#include <array>
 #include <cstddef>
 #include <optional>
 #include <span>
-#include <vector>
+
+#include <boost/container/small_vector.hpp>
 
 #include "events/EventSource.h"
 #include "events/MalformedEvent.h"
 #include "events/ProxyValue.h"
-#include "platform/Mutex.h"
+#include "events/TextPool.h"
+#include "platform/Text.h"
 #include "targetsystem/proxy/CAtlException.h"
-#include "targetsystem/proxy/Guid.h"
-#include "targetsystem/proxy/ReceiveText.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::check;
-using ZrAtlCom::guidText;
-using ZrAtlCom::receiveText;
 using ZrHmiSrv::Binary;
-using ZrHmiSrv::Text;
 using ZrHmiSrv::Value;
 using ZrHmiSrv::ValueType;
 
@@ -34,34 +30,6 @@ namespace {
 
 constexpr std::int64_t maxArgumentBlock = 16 * 1024 * 1024;
 constexpr std::size_t parameterCount = 10;
-
-/// Events of a plant have few classes: those that were met lately share their text. Any thread; for
-/// all threads in common, because not every compiler for Windows destroys what belongs to a thread
-/// before it frees its memory.
-class ClassTexts {
-public:
-    Text of(const GUID& eventClass) {
-        Lock lock(mutex);
-        Known& known = lately[eventClass.Data1 % lately.size()];
-        if (known.text.empty() || known.eventClass != eventClass)
-            known = {eventClass, Text(guidText(eventClass))};
-        return known.text;
-    }
-
-private:
-    struct Known {
-        GUID eventClass{};
-        Text text;
-    };
-
-    Mutex mutex;  ///< guards the texts, for one look at a time
-    std::array<Known, 16> lately GUARDED_BY(mutex);
-};
-
-Text classText(const GUID& eventClass) {
-    static ClassTexts texts;
-    return texts.of(eventClass);
-}
 
 std::int64_t sizeOf(const ArgumentBlockLayout& layout) {
     return std::int64_t{layout.typesSize} + layout.dataSize;
@@ -105,11 +73,13 @@ void addBlock(const EventContext& context, Value& parameters, IZrEventArguments&
     const auto part = [](LONG value) { return static_cast<std::size_t>(value); };
     if (!isRead(layout))
         return;
-    std::vector<std::byte> block(static_cast<std::size_t>(sizeOf(layout)));
+    constexpr std::size_t usualSize = 256;
+    boost::container::small_vector<std::byte, usualSize> block(
+        static_cast<std::size_t>(sizeOf(layout)));
     context.proceed();
     check(arguments.GetBlock(reinterpret_cast<BYTE*>(block.data()),
                              static_cast<ULONG>(block.size())));
-    const std::span<const std::byte> bytes(block);
+    const std::span<const std::byte> bytes(block.data(), block.size());
     parameters.insert(keys().types,
                       Binary(bytes.subspan(part(layout.typesOffset), part(layout.typesSize))));
     parameters.insert(keys().data,
@@ -147,20 +117,21 @@ Value parametersOf(const EventContext& context, Source& source) {
     Value parameters(ValueType::structure);
     parameters.reserve(parameterCount);
     parameters.insert(keys().targetName, context.targetName);
-    parameters.insert(keys().eventClass, classText(context.read(source, &IZrEvent::get_EventClass)));
+    parameters.insert(keys().eventClass, texts().of(context.read(source, &IZrEvent::get_EventClass)));
     parameters.insert(keys().eventId,
                       static_cast<double>(context.read(source, &IZrEvent::get_EventId)));
     const EventSource origin(context, source);
     if (origin.id)
         parameters.insert(keys().sourceId, static_cast<double>(*origin.id));
     if (origin.name)
-        parameters.insert(keys().sourceName, Text(*origin.name));
+        parameters.insert(keys().sourceName, *origin.name);
     if (origin.guid)
-        parameters.insert(keys().sourceGuid, Text(*origin.guid));
+        parameters.insert(keys().sourceGuid, *origin.guid);
     if (const auto json = context.query<IZrJsonAttribute>(source)) {
         context.proceed();
-        parameters.insert(keys().jsonAttribute,
-                          Text(receiveText(&IZrJsonAttribute::get_JsonAttribute, *json)));
+        ScopedBstr received;
+        check(json->get_JsonAttribute(received.put()));
+        parameters.insert(keys().jsonAttribute, texts().of(received.get()));
     }
     addArguments(context, parameters, source);
     return parameters;

@@ -1,8 +1,8 @@
 #include "events/EventSource.h"
 
+#include "events/TextPool.h"
+#include "platform/Text.h"
 #include "targetsystem/proxy/CAtlException.h"
-#include "targetsystem/proxy/Guid.h"
-#include "targetsystem/proxy/ReceiveText.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 
@@ -24,10 +24,12 @@ EventSource::EventSource(const EventContext& context, IZrEvent& event) {
         id = context.read(event, &IZrEvent::get_SourceId);
     if (has(context, event, SourceAttribute::name)) {
         context.proceed();
-        name = ZrAtlCom::receiveText(&IZrEvent::get_SourceName, event);
+        ScopedBstr received;
+        ZrAtlCom::check(event.get_SourceName(received.put()));
+        name = texts().of(received.get());
     }
     if (has(context, event, SourceAttribute::guid))
-        guid = ZrAtlCom::guidText(context.read(event, &IZrEvent::get_SourceGuid));
+        guid = texts().of(context.read(event, &IZrEvent::get_SourceGuid));
 }
 
 }  // namespace ZrHmiEventLogger

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 
 #include "events/EventContext.h"
+#include "host/Text.h"
 #include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
 
 namespace ZrHmiEventLogger {
@@ -15,8 +15,8 @@ struct EventSource {
     EventSource(const EventContext& context, ZrEventLoggerFnxProxyLib::IZrEvent& event);
 
     std::optional<std::uint32_t> id;
-    std::optional<std::string> name;
-    std::optional<std::string> guid;
+    std::optional<ZrHmiSrv::Text> name;
+    std::optional<ZrHmiSrv::Text> guid;
 };
 
 }  // namespace ZrHmiEventLogger

@@ -91,11 +91,19 @@ private:
             boost::multi_index::const_mem_fun<Node, std::optional<std::uint32_t>, &Node::number>,
             boost::multi_index::const_mem_fun<Node, std::size_t, &Node::origin>,
             boost::multi_index::const_mem_fun<Node, std::int64_t, &Node::storeKey>>>;
+    /// Objects that were made one after another stand side by side, as they are looked for.
+    struct HashOfObject {
+        std::size_t operator()(const Interface* object) const {
+            constexpr std::size_t size = 64;  // no object is much smaller
+            return reinterpret_cast<std::uintptr_t>(object) / size;
+        }
+    };
     using Nodes = boost::multi_index_container<
         Node, boost::multi_index::indexed_by<
                   boost::multi_index::hashed_non_unique<
                       boost::multi_index::tag<ByObject>,
-                      boost::multi_index::member<Node, const Interface*, &Node::object>>,
+                      boost::multi_index::member<Node, const Interface*, &Node::object>,
+                      HashOfObject>,
                   boost::multi_index::hashed_non_unique<
                       boost::multi_index::tag<ByHostId>,
                       boost::multi_index::member<Node, std::optional<int>, &Node::hostId>,

@@ -2,6 +2,15 @@
 
 namespace ZrHmiSrv::detail {
 
+namespace {
+
+/// Names that differ mostly do so in their length or at their end.
+bool is_equal(std::string_view a, std::string_view b) noexcept {
+    return a.size() == b.size() && (a.empty() || (a.back() == b.back() && a == b));
+}
+
+}  // namespace
+
 MapNode::MapNode(const MapNode& other)
     : Shareable(other),
       entries(other.entries),
@@ -10,7 +19,7 @@ MapNode::MapNode(const MapNode& other)
 const MapEntry* MapNode::find(std::string_view name) const noexcept {
     if (!index)
         return std::find_if(begin(), end(),
-                            [name](const MapEntry& entry) { return entry.name.view() == name; });
+                            [name](const MapEntry& entry) { return is_equal(entry.name.view(), name); });
     const auto found = index->find(name);
     return found == index->end() ? end() : begin() + found->second;
 }

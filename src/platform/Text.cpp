@@ -56,6 +56,16 @@ std::string systemTextToUtf8(std::string_view text) {
 }
 
 BSTR newBstr(std::string_view utf8) {
+    const bool isAscii = std::all_of(utf8.begin(), utf8.end(), [](char c) {
+        return static_cast<unsigned char>(c) < 0x80;
+    });
+    if (isAscii && utf8.size() <= std::numeric_limits<UINT>::max()) {
+        BSTR copy = SysAllocStringLen(nullptr, static_cast<UINT>(utf8.size()));
+        if (!copy)
+            throw std::bad_alloc();
+        std::copy(utf8.begin(), utf8.end(), copy);
+        return copy;
+    }
     const Utf16String text = toUtf16(utf8);
     if (text.size() > std::numeric_limits<UINT>::max())
         throw std::bad_alloc();

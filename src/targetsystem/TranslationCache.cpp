@@ -4,37 +4,57 @@ using ZrHmiSrv::Value;
 
 namespace ZrHmiEventLogger {
 
+namespace {
+
+/// A small cache keeps to its order of use exactly.
+std::size_t shardCount(std::size_t capacity) {
+    return capacity < 1024 ? 1 : 16;
+}
+
+}  // namespace
+
+TranslationCache::TranslationCache(std::size_t capacity)
+    : shards(shardCount(capacity)), capacity(capacity / shards.size()) {}
+
+TranslationCache::Shard& TranslationCache::shardOf(const TranslationKey& key) {
+    // Not the bits that its container uses first.
+    return shards[key.hash() / 4096 % shards.size()];
+}
+
 TranslationCache::Finding TranslationCache::find(const TranslationKey& key) {
-    Lock lock(mutex);
+    Shard& shard = shardOf(key);
+    Lock lock(shard.mutex);
+    auto& entries = shard.entries;
     const auto found = entries.get<ByKey>().find(key);
     if (found != entries.get<ByKey>().end()) {
-        hits.fetch_add(1, std::memory_order_relaxed);
+        shard.hits.fetch_add(1, std::memory_order_relaxed);
         auto& byUse = entries.get<ByUse>();
         byUse.relocate(byUse.end(), entries.project<ByUse>(found));
         return {found->value, nullptr, false};
     }
-    misses.fetch_add(1, std::memory_order_relaxed);
-    if (const auto asked = questions.find(key); asked != questions.end())
+    shard.misses.fetch_add(1, std::memory_order_relaxed);
+    if (const auto asked = shard.questions.find(key); asked != shard.questions.end())
         return {Value(), asked->second, false};
     auto question = std::make_shared<Question>();
-    questions.emplace(key, question);
+    shard.questions.emplace(key, question);
     return {Value(), std::move(question), true};
 }
 
 void TranslationCache::settle(const TranslationKey& key, const Question& question,
                               const Answer& answer) {
     Entries::node_type evicted;  // freed after the lock
-    Lock lock(mutex);
-    if (!withdraw(key, question) || !answer.keep)
+    Shard& shard = shardOf(key);
+    Lock lock(shard.mutex);
+    if (!shard.withdraw(key, question) || !answer.keep)
         return;
-    auto& byUse = entries.get<ByUse>();
+    auto& byUse = shard.entries.get<ByUse>();
     byUse.push_back({key, answer.translation.value});
     if (byUse.size() > capacity)
         evicted = byUse.extract(byUse.begin());
 }
 
 /// False when the cache was cleared since the question was asked.
-bool TranslationCache::withdraw(const TranslationKey& key, const Question& question) {
+bool TranslationCache::Shard::withdraw(const TranslationKey& key, const Question& question) {
     const auto found = questions.find(key);
     if (found == questions.end() || found->second.get() != &question)
         return false;
@@ -42,13 +62,27 @@ bool TranslationCache::withdraw(const TranslationKey& key, const Question& quest
     return true;
 }
 
-void TranslationCache::clear() {
+void TranslationCache::Shard::clear() {
     // What they hold is released after the lock.
     Entries formerEntries;
     Questions formerQuestions;
     Lock lock(mutex);
     entries.swap(formerEntries);
     questions.swap(formerQuestions);
+}
+
+void TranslationCache::clear() {
+    for (Shard& shard : shards)
+        shard.clear();
+}
+
+CacheStatistics TranslationCache::statistics() const {
+    CacheStatistics sum;
+    for (const Shard& shard : shards) {
+        sum.hits += shard.hits.load(std::memory_order_relaxed);
+        sum.misses += shard.misses.load(std::memory_order_relaxed);
+    }
+    return sum;
 }
 
 }  // namespace ZrHmiEventLogger

@@ -8,6 +8,7 @@
 #include <optional>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include <boost/multi_index/hashed_index.hpp>
 #include <boost/multi_index/member.hpp>
@@ -33,8 +34,10 @@ struct CacheStatistics {
     friend bool operator==(const CacheStatistics&, const CacheStatistics&) = default;
 };
 
-/// Translations that were looked up before; the least recently used goes first. Threads that miss
-/// the same key at a time share one question. Any thread.
+/// Translations that were looked up before; the least recently used goes first. A large cache is
+/// made of shards, each with its own share of the capacity and its own order of use, so that
+/// threads that look up different keys seldom wait for each other. Threads that miss the same key
+/// at a time share one question. Any thread.
 class TranslationCache {
 public:
     /// Of one target system.
@@ -45,7 +48,7 @@ public:
         bool keep = false;
     };
 
-    explicit TranslationCache(std::size_t capacity = defaultCapacity) : capacity(capacity) {}
+    explicit TranslationCache(std::size_t capacity = defaultCapacity);
 
     /// The kept translation, otherwise what `ask` answers: an Answer. It is called without a lock,
     /// on the thread that misses the key first; those that miss it meanwhile wait without a lock
@@ -55,8 +58,8 @@ public:
     template <class Ask>
     Translation get(const TranslationKey& key, Ask ask);
 
-    void clear() EXCLUDES(mutex);
-    CacheStatistics statistics() const { return {hits, misses}; }
+    void clear();
+    CacheStatistics statistics() const;
 
 private:
     /// A question that is being asked. None is its answer when asking threw.
@@ -88,20 +91,27 @@ private:
                        HashOfTranslationKey>,
                    boost::multi_index::sequenced<boost::multi_index::tag<ByUse>>>>;
 
-    Finding find(const TranslationKey& key) EXCLUDES(mutex);
+    /// On cache lines of its own.
+    struct alignas(64) Shard {
+        /// Never held across a question, a wait or the end of a translation's life.
+        Mutex mutex;
+        Entries entries GUARDED_BY(mutex);      ///< in their order of use, the latest last
+        Questions questions GUARDED_BY(mutex);  ///< those that an answer may be kept of
+        std::atomic<std::uint64_t> hits = 0;
+        std::atomic<std::uint64_t> misses = 0;
+
+        bool withdraw(const TranslationKey& key, const Question& question) REQUIRES(mutex);
+        void clear() EXCLUDES(mutex);
+    };
+
+    Shard& shardOf(const TranslationKey& key);
+    Finding find(const TranslationKey& key);
     template <class Ask>
     Translation lead(const TranslationKey& key, Question& question, Ask& ask);
-    void settle(const TranslationKey& key, const Question& question, const Answer& answer)
-        EXCLUDES(mutex);
-    bool withdraw(const TranslationKey& key, const Question& question) REQUIRES(mutex);
+    void settle(const TranslationKey& key, const Question& question, const Answer& answer);
 
-    const std::size_t capacity;
-    /// Never held across a question, a wait or the end of a translation's life.
-    Mutex mutex;
-    Entries entries GUARDED_BY(mutex);      ///< in their order of use, the latest last
-    Questions questions GUARDED_BY(mutex);  ///< those that an answer may be kept of
-    std::atomic<std::uint64_t> hits = 0;
-    std::atomic<std::uint64_t> misses = 0;
+    std::vector<Shard> shards;
+    const std::size_t capacity;  ///< of a shard
 };
 
 template <class Ask>
