@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/endtoend/ProcessUse.h"
 #include "bench/endtoend/ServerInProcess.h"
 
 namespace {
@@ -23,8 +24,11 @@ void list(benchmark::State& state, const char* target) {
     ServerInProcess& server = filledServer();
     server.get(target);  // so that texts are known
     std::size_t bytes = 0;
+    const ProcessUse before = ProcessUse::now();
     for (auto _ : state)
         bytes = server.get(target).size();
+    state.counters["cpu_us"] = ProcessUse::now().since(before).microseconds /
+                               static_cast<double>(state.iterations());
     state.counters["bytes"] = static_cast<double>(bytes);
 }
 

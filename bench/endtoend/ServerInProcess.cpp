@@ -21,6 +21,7 @@
 #include <boost/json/serialize.hpp>
 
 #include "server/Application.h"
+#include "server/HeapSettings.h"
 #include "simulator/Control.h"
 
 namespace asio = boost::asio;
@@ -135,6 +136,7 @@ struct ServerInProcess::Client {
 };
 
 ServerInProcess::ServerInProcess(unsigned eventLimit) : files(std::make_unique<Files>(eventLimit)) {
+    hmi::configureHeap();
     hmi::configureLog(hmi::LogLevel::off, hmi::LogFormat::text);
     hmi::Options options;
     options.extension = boost::dll::shared_library::decorate(

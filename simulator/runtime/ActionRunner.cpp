@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 #include "simulator/runtime/Runtime.h"
 #include "targetsystem/proxy/ZrEventLoggerFnxProxy.h"
@@ -30,14 +31,21 @@ template <class Add>
 void ActionRunner::forEach(const EventSeries& series, Add add) {
     const FileTime step = series.timeRaised ? 0 : 1;
     FileTime time = series.timeRaised ? *series.timeRaised : ledger.takeTimes(series.count);
-    for (std::uint32_t index = 0; index < series.count; ++index, time += step)
-        add(index, time);
+    constexpr std::size_t portion = 256;  // so that their receiver does not wait for each of them
+    std::vector<Notification> notifications;
+    for (std::uint32_t index = 0; index < series.count; ++index, time += step) {
+        notifications.push_back(add(index, time));
+        if (notifications.size() == portion || index + 1 == series.count) {
+            notifier.post(notifications);
+            notifications.clear();
+        }
+    }
 }
 
 void ActionRunner::operator()(const RaiseAction& action) {
     forEach(action.series, [&](std::uint32_t index, FileTime time) {
-        const auto alarm = ledger.raise(action.nameAt(index), action.series.content, time, origin);
-        notifier.post(Notification::alarmRaised(alarm));
+        return Notification::alarmRaised(
+            ledger.raise(action.nameAt(index), action.series.content, time, origin));
     });
 }
 
@@ -55,7 +63,7 @@ void ActionRunner::operator()(const ConfirmAction& action) {
 void ActionRunner::operator()(const MessageAction& action) {
     forEach(action.series, [&](std::uint32_t, FileTime time) {
         const auto record = ledger.addMessage(action.series.content, time);
-        notifier.post(Notification::messageSent(new Message(origin.border, record)));
+        return Notification::messageSent(new Message(origin.border, record));
     });
 }
 

@@ -1,6 +1,6 @@
 #include "simulator/runtime/Notification.h"
 
-#include <vector>
+#include <array>
 
 namespace ZrSimulator {
 
@@ -84,11 +84,12 @@ Notification Notification::withoutEvent() const {
 }
 
 void Notification::deliverTo(IDispatch& sink) const {
-    std::vector<VARIANT> reversed;  // the last argument comes first
+    std::array<VARIANT, 2> reversed;  // the last argument comes first
+    UINT count = 0;
     if (removed)
-        reversed.push_back(variantOf(*removed));
-    reversed.push_back(eventInterface ? variantOf(*eventInterface) : variantOf(reason));
-    DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
+        reversed[count++] = variantOf(*removed);
+    reversed[count++] = eventInterface ? variantOf(*eventInterface) : variantOf(reason);
+    DISPPARAMS parameters{reversed.data(), nullptr, count, 0};
     sink.Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
 }
 

@@ -53,14 +53,15 @@ std::vector<std::shared_ptr<Connection>> Notifier::connections() {
     return opened;
 }
 
-void Notifier::post(const Notification& notification) {
+void Notifier::post(std::span<const Notification> notifications) {
     bool full = false;
     bool isFirst = false;  // otherwise nobody waits for it
     {
         Lock lock(mutex);
         isFirst = queue.empty();
-        for (const auto& connection : opened)
-            queue.push_back({connection, notification});
+        for (const auto& notification : notifications)
+            for (const auto& connection : opened)
+                queue.push_back({connection, notification});
         full = queue.size() > maxQueued;
     }
     if (full)

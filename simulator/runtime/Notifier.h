@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
+#include <span>
 #include <thread>
 #include <vector>
 
@@ -28,7 +29,8 @@ public:
     void closeAll();
     std::vector<std::shared_ptr<Connection>> connections();
 
-    void post(const Notification& notification);
+    void post(const Notification& notification) { post(std::span(&notification, 1)); }
+    void post(std::span<const Notification> notifications);
     /// Keeps notifications back until they are released.
     void hold(bool on);
     /// How many are not delivered yet; one counts until its sinks have returned.

@@ -53,9 +53,9 @@ void SinkList::end() {
     ended.notify_all();
 }
 
-std::vector<DWORD> SinkList::cookies() {
+boost::container::small_vector<DWORD, 4> SinkList::cookies() {
     Lock lock(mutex);
-    std::vector<DWORD> all;
+    boost::container::small_vector<DWORD, 4> all;
     for (const auto& entry : sinks)
         all.push_back(entry.first);
     return all;

@@ -3,7 +3,8 @@
 #include <condition_variable>
 #include <map>
 #include <thread>
-#include <vector>
+
+#include <boost/container/small_vector.hpp>
 
 #include "platform/Mutex.h"
 #include "simulator/runtime/Notification.h"
@@ -27,7 +28,7 @@ public:
 private:
     IDispatch* begin(DWORD cookie);
     void end();
-    std::vector<DWORD> cookies();
+    boost::container::small_vector<DWORD, 4> cookies();
 
     Mutex mutex;
     std::condition_variable_any ended;
