@@ -122,7 +122,11 @@ struct ServerInProcess::Server {
 };
 
 struct ServerInProcess::Client {
-    explicit Client(std::uint16_t port) : port(port), requests(io), lines(io) {
+    explicit Client(std::uint16_t port) : port(port), requests(io), lines(io) { connect(); }
+
+    void connect() {
+        requests.close();
+        requestBuffer.clear();
         requests.connect(loopback(port));
         requests.socket().set_option(tcp::no_delay(true));
     }
@@ -175,13 +179,22 @@ std::string ServerInProcess::exchange(const char* method, const std::string& tar
     if (!body.empty())
         request.set(http::field::content_type, "application/json");
     request.prepare_payload();
-    client->requests.expires_after(std::chrono::minutes(1));
-    http::write(client->requests, request);
-    http::response_parser<http::string_body> response;
-    response.body_limit(boost::none);
-    http::read(client->requests, client->requestBuffer, response);
-    expect(response.get().result_int() == 200, target + ": " + response.get().body());
-    return std::move(response.get().body());
+    for (bool isAgain = false;; isAgain = true) {
+        http::response_parser<http::string_body> response;
+        response.body_limit(boost::none);
+        beast::error_code error;
+        client->requests.expires_after(std::chrono::minutes(1));
+        http::write(client->requests, request, error);
+        if (!error)
+            http::read(client->requests, client->requestBuffer, response, error);
+        if (error && !isAgain) {
+            client->connect();  // the server ends connections that have been idle for long
+            continue;
+        }
+        expect(!error, target + ": " + error.message());
+        expect(response.get().result_int() == 200, target + ": " + response.get().body());
+        return std::move(response.get().body());
+    }
 }
 
 std::string ServerInProcess::get(const std::string& target) {
