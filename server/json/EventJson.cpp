@@ -1,5 +1,7 @@
 #include "server/json/EventJson.h"
 
+#include <utility>
+
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <boost/json/value_from.hpp>
@@ -65,6 +67,12 @@ void addTexts(JsonObjectText& event, const EventTexts& texts, Extent extent) {
     }
 }
 
+json::object documentOf(const std::string& text) {
+    json::parse_options options;
+    options.max_depth = 1000;  // as deep as an event's parameters may be
+    return json::parse(text, {}, options).as_object();
+}
+
 }  // namespace
 
 void appendJson(std::string& to, const EventRecord& event, Extent extent, const EventTexts* texts) {
@@ -116,9 +124,17 @@ void appendJson(std::string& to, const LogEntry& entry) {
 json::object toJson(const EventRecord& event) {
     std::string text;
     appendJson(text, event);
-    json::parse_options options;
-    options.max_depth = 1000;
-    return json::parse(text, {}, options).as_object();
+    return documentOf(text);
+}
+
+void addTexts(json::object& event, const EventTexts& texts, Extent extent) {
+    std::string text;
+    JsonObjectText members(text);
+    addTexts(members, texts, extent);
+    members.end();
+    json::object document = documentOf(text);
+    for (json::key_value_pair& member : document)
+        event.emplace(member.key(), std::move(member.value()));
 }
 
 json::object toJson(const Attention& attention) {

@@ -22,8 +22,9 @@ void appendJson(std::string& to, const EventRecord& event, Extent extent = Exten
                 const EventTexts* texts = nullptr);
 void appendJson(std::string& to, const LogEntry& entry);
 
-/// The same as a document.
+/// The same in documents.
 boost::json::object toJson(const EventRecord& event);
+void addTexts(boost::json::object& event, const EventTexts& texts, Extent extent = Extent::whole);
 boost::json::object toJson(const Attention& attention);
 
 /// What the stream calls a change of this type.
