@@ -34,10 +34,13 @@ find_file(UNICODE_CASE_FOLDING unicode/CaseFolding.txt PATHS /usr/share NO_CMAKE
 set(ZLIB_USE_STATIC_LIBS ${WIN32})  # no further library to ship
 find_package(ZLIB REQUIRED)
 
-# There are no Windows packages of these: the server has neither TLS nor users there.
+# There are no Windows packages of these: the server has neither TLS, users nor a history there.
 add_library(bridge_tls INTERFACE)
 add_library(bridge_passwords INTERFACE)
+add_library(bridge_database INTERFACE)
 if(NOT WIN32)
+    find_package(SQLite3 REQUIRED)
+    target_link_libraries(bridge_database INTERFACE SQLite::SQLite3)
     find_path(SODIUM_INCLUDE_DIR sodium.h REQUIRED)
     find_library(SODIUM_LIBRARY sodium REQUIRED)
     target_include_directories(bridge_passwords SYSTEM INTERFACE ${SODIUM_INCLUDE_DIR})

@@ -18,8 +18,8 @@ install() {
 }
 
 native_packages=(g++ cmake ninja-build libboost1.81-dev libboost-thread1.81-dev
-    libcli11-dev libspdlog-dev libssl-dev libsodium-dev zlib1g-dev libffi-dev libgmock-dev
-    libbenchmark-dev python3 unicode-data)
+    libcli11-dev libspdlog-dev libssl-dev libsodium-dev libsqlite3-dev zlib1g-dev libffi-dev
+    libgmock-dev libbenchmark-dev python3 unicode-data)
 test_packages=(prometheus)  # for promtool
 lint_packages=(clang-14)
 fuzz_packages=(clang-14 libclang-rt-14-dev)

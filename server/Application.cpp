@@ -1,6 +1,7 @@
 #include "server/Application.h"
 
 #include <cstdio>
+#include <limits>
 #include <memory>
 
 #include <boost/asio/ip/address.hpp>
@@ -39,6 +40,7 @@ Application::Application(const Options& given)
       texts([this](const EventRecord& event,
                    const std::string& locale) { return backend.calls.localize(event, locale); },
             lanes, feed),
+      history(makeHistory()),
       backend(options.config, ZrHmiSrv::Context(domainOf(options.extension)), feed, metrics,
               [this](const std::string& target) { return targets.isImported(target); }),
       confirmations(
@@ -57,6 +59,31 @@ Application::Application(const Options& given)
     feed.add("texts", texts);  // before those that tell readers to ask again
     feed.add("statistics", raises);
     feed.add("stream", hub);
+    if (!history)
+        return;
+    feed.add("history", *history);
+    history->start();
+    audit.setKeeper([this](const AuditEntry& entry) { history->keep(entry); });
+}
+
+std::unique_ptr<IHistory> Application::makeHistory() {
+    if (options.history.empty())
+        return nullptr;
+    return openHistory(
+        {.file = options.history,
+         .days = options.historyDays,
+         .bytes = options.historySize << 20},
+        {[this](std::span<const EventRecordPtr> events, std::chrono::milliseconds wait) {
+             return texts.get(events, options.historyLocale, wait);
+         },
+         [this] {
+             constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
+             return backend.events.select({}, 0, all).events;
+         },
+         [this](const HistoryStatus& status) {
+             feed.post({.type = ChangeType::history,
+                        .history = std::make_shared<const HistoryStatus>(status)});
+         }});
 }
 
 Application::~Application() {
@@ -75,6 +102,7 @@ void Application::addRoutes() {
     configCheckResource.addRoutes(router);
     commandsResource.addRoutes(router);
     logResource.addRoutes(router);
+    historyResource.addRoutes(router);
     metricsResource.addRoutes(router);
     PageResource::addRoutes(router);
     if (simulator) {
@@ -141,6 +169,8 @@ void Application::stop(std::future<void>& started) {
     }
     backend.stop();
     lanes.join();
+    if (history)
+        history->stop();
     simulator.reset();
     io.stop(std::chrono::seconds(1));
 }

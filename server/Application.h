@@ -14,6 +14,7 @@
 #include "server/api/ConfigResource.h"
 #include "server/api/ConfirmationsResource.h"
 #include "server/api/EventsResource.h"
+#include "server/api/HistoryResource.h"
 #include "server/api/LogResource.h"
 #include "server/api/MetricsResource.h"
 #include "server/api/SimulatorResource.h"
@@ -21,6 +22,7 @@
 #include "server/api/TargetsResource.h"
 #include "server/events/ChangeFeed.h"
 #include "server/extension/SimulatorControl.h"
+#include "server/history/History.h"
 #include "server/lanes/WorkerLanes.h"
 #include "server/metrics/Metrics.h"
 #include "server/net/HttpServer.h"
@@ -42,6 +44,7 @@ public:
     void run();
 
 private:
+    std::unique_ptr<IHistory> makeHistory();
     void addRoutes();
     /// Returns when the process is to stop.
     void serve(StopSignal& signal);
@@ -57,6 +60,7 @@ private:
     EventTextService texts;
     TargetBook targets;
     RaiseBook raises;
+    std::unique_ptr<IHistory> history;  ///< null: none is kept
     std::unique_ptr<SimulatorControl>
         simulator;  ///< outlives the extension, which uses its library
     Backend backend;
@@ -77,7 +81,10 @@ private:
     ConfigCheckResource configCheckResource{backend.configuration, backend.events};
     CommandsResource commandsResource{backend.calls};
     LogResource logResource{backend.log};
-    MetricsResource metricsResource{metrics, backend.events, backend.calls, feed, lanes, texts};
+    HistoryResource historyResource{history.get()};
+    MetricsResource metricsResource{metrics, backend.events, backend.calls,
+                                    feed,    lanes,          texts,
+                                    history.get()};
     std::unique_ptr<SimulatorResource> simulatorResource;
     HttpServer server;
     std::optional<ReloadSignal> reload;

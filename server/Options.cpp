@@ -21,7 +21,7 @@ std::filesystem::path toPath(const std::string& utf8) {
 
 /// The command line as typed, before it is checked as a whole.
 struct Typed {
-    std::string extension, config, plant, users, certificate, key;
+    std::string extension, config, plant, users, certificate, key, history;
     std::string level = "info";
     std::string format = "text";
 };
@@ -71,6 +71,18 @@ void describe(CLI::App& app, Options& options, Typed& typed) {
         "Certificate chain for TLS (PEM), read again on SIGHUP")
         ->check(notEmpty);
     add(app, "--key", "FILE", typed.key, "The certificate's private key (PEM)")->check(notEmpty);
+    add(app, "--history", "FILE", typed.history,
+        "Keep every change of every event in this database; it is made when it is not there")
+        ->check(notEmpty);
+    add(app, "--history-locale", "NAME", options.historyLocale, "The language of its texts")
+        ->check(notEmpty)
+        ->capture_default_str();
+    add(app, "--history-days", "N", options.historyDays, "What is older goes")
+        ->check(CLI::Range(1, 36'500))
+        ->capture_default_str();
+    add(app, "--history-size", "MIB", options.historySize, "Of what is beyond it the oldest goes")
+        ->check(CLI::Range(1, 16'777'216))
+        ->capture_default_str();
     add(app, "--log-level", "L", typed.level, "debug, info, warning, error or off")
         ->check(CLI::IsMember({"debug", "info", "warning", "error", "off"}))
         ->capture_default_str();
@@ -99,6 +111,7 @@ void finish(Options& options, const Typed& typed) {
     options.users = toPath(typed.users);
     options.certificate = toPath(typed.certificate);
     options.key = toPath(typed.key);
+    options.history = toPath(typed.history);
     const auto level = std::find(std::begin(levels), std::end(levels), typed.level);
     options.logLevel = static_cast<LogLevel>(std::distance(std::begin(levels), level));
     options.logFormat = typed.format == "json" ? LogFormat::json : LogFormat::text;

@@ -23,6 +23,10 @@ struct Options {
     bool open = false;                  ///< to everybody, though nobody is asked
     std::filesystem::path certificate;  ///< empty: no TLS
     std::filesystem::path key;
+    std::filesystem::path history;  ///< empty: none is kept
+    std::string historyLocale = "en-US";
+    std::int64_t historyDays = 90;
+    std::int64_t historySize = 4096;  ///< MiB
     LogLevel logLevel = LogLevel::info;
     LogFormat logFormat = LogFormat::text;
 

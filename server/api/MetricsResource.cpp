@@ -72,6 +72,8 @@ Response MetricsResource::read() {
     writeFeed(text);
     lanes.write(text);
     texts.write(text);
+    if (history)
+        history->write(text);
     Response response;
     response.contentType = "text/plain; version=0.0.4; charset=utf-8";
     response.body = text.text();

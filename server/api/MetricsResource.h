@@ -3,6 +3,7 @@
 #include "server/events/ChangeFeed.h"
 #include "server/events/EventBook.h"
 #include "server/extension/ExtensionCalls.h"
+#include "server/history/History.h"
 #include "server/http/Router.h"
 #include "server/lanes/WorkerLanes.h"
 #include "server/metrics/Metrics.h"
@@ -15,13 +16,15 @@ namespace hmi {
 class MetricsResource {
 public:
     MetricsResource(const Metrics& metrics, const EventBook& book, ExtensionCalls& extension,
-                    const ChangeFeed& feed, const WorkerLanes& lanes, const EventTextService& texts)
+                    const ChangeFeed& feed, const WorkerLanes& lanes, const EventTextService& texts,
+                    const IHistory* history)
         : metrics(metrics),
           book(book),
           extension(extension),
           feed(feed),
           lanes(lanes),
-          texts(texts) {}
+          texts(texts),
+          history(history) {}
 
     void addRoutes(Router& router);
 
@@ -37,6 +40,7 @@ private:
     const ChangeFeed& feed;
     const WorkerLanes& lanes;
     const EventTextService& texts;
+    const IHistory* const history;  ///< null: none is kept
 };
 
 }  // namespace hmi

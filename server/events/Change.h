@@ -30,8 +30,9 @@ enum class ChangeType : std::uint8_t {
     target,        ///< a target system is in another state
     gap,           ///< events of a target system may be missing
     alive,         ///< nothing, but the server lives
+    history,       ///< the history is in another state
 };
-inline constexpr std::size_t changeTypes = 12;
+inline constexpr std::size_t changeTypes = 13;
 
 /// The events that a target system has handed over as all of its own, in no order.
 struct Replacement {
@@ -41,9 +42,10 @@ struct Replacement {
 
 struct TargetStatus;
 struct Gap;
+struct HistoryStatus;
 
 /// Something that happened to the events or the log. `event` is there for a single event, `entry`
-/// for the log, `target` and `gap` for theirs. A reset with a replacement: the target system has
+/// for the log, `target`, `gap` and `history` for theirs. A reset with a replacement: the target system has
 /// these events and no others; one without: all target systems have handed over theirs.
 struct Change {
     ChangeType type;
@@ -52,6 +54,7 @@ struct Change {
     std::shared_ptr<const Replacement> replacement = {};
     std::shared_ptr<const TargetStatus> target = {};
     std::shared_ptr<const Gap> gap = {};
+    std::shared_ptr<const HistoryStatus> history = {};
 };
 
 /// Where changes are told, in the order in which they happened. Called with the mutex of the book

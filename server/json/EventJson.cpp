@@ -6,6 +6,7 @@
 #include <boost/json/serialize.hpp>
 #include <boost/json/value_from.hpp>
 
+#include "server/json/HistoryJson.h"
 #include "server/json/JsonText.h"
 #include "server/json/TargetJson.h"
 #include "server/json/ValueJson.h"
@@ -21,7 +22,8 @@ namespace {
 
 constexpr const char* typeNames[] = {"raised",       "updated", "removed", "message",
                                      "forgotten",    "reset",   "log",     "texts",
-                                     "confirmation", "target",  "gap",     "alive"};
+                                     "confirmation", "target",  "gap",     "alive",
+                                     "history"};
 
 void appendId(std::string& to, EventId id) {
     if (id.kind == EventKind::alarm)
@@ -161,6 +163,8 @@ std::string toLine(const Change& change, std::uint64_t sequence) {
         line.member("target") += json::serialize(toJson(*change.target));
     if (change.gap)
         line.member("gap") += json::serialize(toJson(*change.gap));
+    if (change.history)
+        line.member("history") += json::serialize(toJson(*change.history));
     if (change.replacement)
         line.add("target", std::string_view(change.replacement->target));
     line.end();

@@ -6,8 +6,8 @@ namespace hmi {
 
 namespace {
 
-constexpr std::array<std::string_view, 8> labels{
-    "local",    "lists",         "long_lists", "confirmations",
+constexpr std::array<std::string_view, 9> labels{
+    "local",    "lists",         "long_lists", "history", "confirmations",
     "commands", "configuration", "details",    "texts"};
 
 bool callsExtension(std::size_t lane) {

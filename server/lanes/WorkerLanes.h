@@ -27,9 +27,10 @@ private:
     CappedLane& of(Lane lane) { return lanes[static_cast<std::size_t>(lane)]; }
 
     // A lane of the extension has a thread for each call that may hang. In the order of `Lane`.
-    std::array<CappedLane, 8> lanes{{{"requests", {4, 4, 1000, 1000}},
+    std::array<CappedLane, 9> lanes{{{"requests", {4, 4, 1000, 1000}},
                                      {"lists", {64, 64, 1000, 1000}},
                                      {"long lists", {2, 2, 1000, 1000}},
+                                     {"searches of the history", {4, 4, 1000, 1000}},
                                      {"confirmations", {400, 2, 32, 1000}},
                                      {"commands", {400, 2, 32, 1000}},
                                      {"changes of the configuration", {400, 1, 16, 1000}},

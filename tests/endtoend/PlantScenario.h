@@ -3,6 +3,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <boost/json/parse.hpp>
 #include <gtest/gtest.h>
@@ -15,6 +16,9 @@ inline const std::string packer = "5.10.20.31.1.1";
 /// The real extension, with two runtimes and one that does not exist.
 class PlantScenario : public testing::Test {
 protected:
+    explicit PlantScenario(const std::vector<std::string>& furtherArguments = {})
+        : server(EXTENSION_FILE, config(), plant(), furtherArguments) {}
+
     static boost::json::value config() {
         return boost::json::parse(R"({
             "TIMEOUT": "PT2S", "LIMIT_EVENT_COUNT": 100, "PRELOAD_TRANSLATIONS": false,
@@ -86,5 +90,5 @@ protected:
         return server.hasMetric("hmi_target_state{target=\"Packer\",state=\"" + state + "\"} 1");
     }
 
-    ServerFixture server{EXTENSION_FILE, config(), plant()};
+    ServerFixture server;
 };
