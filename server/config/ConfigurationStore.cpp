@@ -130,7 +130,7 @@ ConfigurationChange ConfigurationStore::change(const ConfigurationPath& path,
         keep(proposal);
     } catch (const std::system_error& error) {
         done.notKept = "in force, but not kept in " + file.string() + ": " + error.code().message();
-    } catch (const ConfigurationConflict& error) {
+    } catch (const std::runtime_error& error) {  // a conflict, or too much
         done.notKept = std::string("in force, but not kept: ") + error.what();
     }
     if (!done.notKept.empty())
@@ -150,9 +150,12 @@ ConfigurationPreview ConfigurationStore::checked(const ConfigurationPath& path,
         throw ConfigurationError("the path has more than 32 names");
     expectFileAsKnown();
     ConfigurationPreview preview{};
+    json::value together;
     {
         Lock lock(mutex);
         preview.before = accepted;
+        if (!proposals.empty())
+            together = state.document;
     }
     preview.after = preview.before;
     if (!apply(preview.after, path, value))
@@ -163,6 +166,8 @@ ConfigurationPreview ConfigurationStore::checked(const ConfigurationPath& path,
         throw ConfigurationError(fault->line());
     preview.isComplete = !firstFault(findings, Finding::Weight::entry);
     expectReadable(prettyJson(preview.after));
+    if (!together.is_null() && apply(together, path, value))
+        expectReadable(prettyJson(together));  // should the others be accepted, too
     return preview;
 }
 
@@ -193,6 +198,7 @@ void ConfigurationStore::keep(Proposals::iterator proposal) {
         text = prettyJson(accepted);
     }
     expectFileAsKnown();
+    expectReadable(text);  // others of its time may have been refused that took something away
     ReplacementFile(file, text).commit();
     fileText = std::move(text);
 }

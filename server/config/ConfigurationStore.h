@@ -84,7 +84,8 @@ private:
         REQUIRES(fileMutex);
     Proposals::iterator propose(Proposal proposal);
     void withdraw(Proposals::iterator proposal);
-    /// Throws ConfigurationConflict or std::system_error when the file stays as it was.
+    /// Throws ConfigurationConflict, ConfigurationError or std::system_error when the file stays as
+    /// it was.
     void keep(Proposals::iterator proposal);
     void expectFileAsKnown() const REQUIRES(fileMutex);
     void rebuild() REQUIRES(mutex);

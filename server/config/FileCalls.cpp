@@ -50,6 +50,12 @@ int cutAt(int descriptor, std::size_t size) {
 int flush(int descriptor) {
     return _commit(descriptor);
 }
+int goToBegin(int descriptor) {
+    return _lseek(descriptor, 0, SEEK_SET);
+}
+int reserveRoom(int, std::size_t) {
+    return 0;
+}
 void closeFile(int descriptor) {
     _close(descriptor);
 }
@@ -82,6 +88,16 @@ int cutAt(int descriptor, std::size_t size) {
 }
 int flush(int descriptor) {
     return fsync(descriptor);
+}
+off_t goToBegin(int descriptor) {
+    return lseek(descriptor, 0, SEEK_SET);
+}
+int reserveRoom([[maybe_unused]] int descriptor, [[maybe_unused]] std::size_t size) {
+#ifdef __linux__
+    if (fallocate(descriptor, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) != 0)
+        return errno == EOPNOTSUPP || errno == ENOSYS ? 0 : -1;
+#endif
+    return 0;
 }
 void closeFile(int descriptor) {
     close(descriptor);
@@ -153,8 +169,15 @@ WritableFile::~WritableFile() {
         closeFile(descriptor);
 }
 
+void WritableFile::reserve(std::size_t size) {
+    if (size > 0 && reserveRoom(descriptor, size) != 0)
+        throwLastError(name);
+}
+
 void WritableFile::write(std::string_view content) {
     const std::size_t size = content.size();
+    if (goToBegin(descriptor) != 0)
+        throwLastError(name);
     while (!content.empty()) {
         const auto written = writeSome(descriptor, content.data(), content.size());
         if (written < 0 && errno == EINTR)
@@ -171,6 +194,9 @@ void WritableFile::write(std::string_view content) {
 bool WritableFile::takeRightsOf(const fs::path&) {
     return true;  // a folder's files inherit theirs from it
 }
+bool areOnOneDisk(const fs::path&, const fs::path&) noexcept {
+    return true;
+}
 void flushDirectoryOf(const fs::path&) noexcept {}
 #else
 bool WritableFile::takeRightsOf(const fs::path& other) {
@@ -183,6 +209,12 @@ bool WritableFile::takeRightsOf(const fs::path& other) {
     const bool isOwners = own.st_uid == status.st_uid && own.st_gid == status.st_gid;
     return (isOwners || fchown(descriptor, status.st_uid, status.st_gid) == 0) &&
            fchmod(descriptor, status.st_mode & 07777) == 0;
+}
+bool areOnOneDisk(const fs::path& one, const fs::path& other) noexcept {
+    struct stat first {};
+    struct stat second {};
+    return stat(one.c_str(), &first) != 0 || stat(other.c_str(), &second) != 0 ||
+           first.st_dev == second.st_dev;
 }
 void flushDirectoryOf(const fs::path& file) noexcept {
     const fs::path directory = file.has_parent_path() ? file.parent_path() : fs::path(".");

@@ -17,6 +17,8 @@ public:
     ~WritableFile();
 
     const std::filesystem::path& path() const noexcept { return name; }
+    /// Takes room on the disk for so many bytes, where the system can; the content stays.
+    void reserve(std::size_t size);
     /// The content from the beginning to the end, on the disk when it returns.
     void write(std::string_view content);
     /// Gives it the owner and the access rights of another file. False when that is not allowed.
@@ -33,6 +35,9 @@ private:
 /// Removes what `createBeside` has left of a process that was killed. Files of others, links, and
 /// files that somebody still has open for writing stay.
 void removeLeftBeside(const std::filesystem::path& file) noexcept;
+
+/// Whether one could be renamed to the other.
+bool areOnOneDisk(const std::filesystem::path& one, const std::filesystem::path& other) noexcept;
 
 /// Without it a new name might not survive a power failure.
 void flushDirectoryOf(const std::filesystem::path& file) noexcept;

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "server/JsonFile.h"
 #include "server/config/FileCalls.h"
 
 namespace hmi {
@@ -13,7 +14,7 @@ namespace fs = std::filesystem;
 ReplacementFile::ReplacementFile(fs::path target, std::string text)
     : file(std::move(target)), content(std::move(text)) {
     if (!writeBeside())
-        WritableFile::open(file);  // at least it must be one that we may write to
+        WritableFile::open(file).reserve(content.size());  // at least it must be possible
 }
 
 ReplacementFile::~ReplacementFile() {
@@ -33,7 +34,7 @@ bool ReplacementFile::writeBeside() {
     temporary = beside->path();
     bool isReplacement = false;
     try {
-        isReplacement = beside->takeRightsOf(file);
+        isReplacement = areOnOneDisk(temporary, file) && beside->takeRightsOf(file);
         if (isReplacement)
             beside->write(content);
     } catch (...) {
@@ -45,8 +46,17 @@ bool ReplacementFile::writeBeside() {
     return isReplacement;
 }
 
+/// When it fails halfway the file gets its old content back, for which there was room.
 void ReplacementFile::writeOver() {
-    WritableFile::open(file).write(content);
+    const std::string old = readFile(file);
+    WritableFile over = WritableFile::open(file);
+    over.reserve(content.size());
+    try {
+        over.write(content);
+    } catch (const std::system_error&) {
+        over.write(old);
+        throw;
+    }
 }
 
 void ReplacementFile::commit() {

@@ -8,8 +8,8 @@ namespace hmi {
 /// New content for a file: written beside it and on the disk when constructed, in its place after
 /// `commit`. A crash leaves the old file or the new one, never a part. Removed when not committed.
 /// The file keeps its owner and its rights. Where it cannot be replaced by another (a folder that
-/// may not be written, a file that is mounted alone) it is written over instead, and only there a
-/// crash may leave a part.
+/// may not be written, a file that is mounted alone) it is written over instead; a full disk gives
+/// it back its old content, and only a crash may leave a part.
 class ReplacementFile {
 public:
     /// Throws std::system_error when neither can work.

@@ -5,6 +5,11 @@
 #include <limits>
 #include <random>
 
+#ifndef _WIN32
+#include <csignal>
+#include <sys/resource.h>
+#endif
+
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
 
@@ -132,6 +137,14 @@ TEST_F(ConfigurationStoreTest, AcceptsOnlyWhatItCouldStartWithAgain) {
     EXPECT_EQ(store.get({}), before);
     EXPECT_TRUE(store.change(path("NEW::A"), deep(30), [] { return ResultPair(); }).answer.succeeded());
     EXPECT_NO_THROW(ConfigurationStore{file}) << "as deep as a file may be";
+    const json::value half(std::string(std::size_t{33} << 20, 'x'));
+    store.change(path("HALF"), half, [&] {
+        EXPECT_THROW(store.change(path("OTHER_HALF"), half, [] { return ResultPair(); }),
+                     ConfigurationError)
+            << "though neither is in force yet";
+        return ResultPair();
+    });
+    EXPECT_NO_THROW(ConfigurationStore{file});
     // An entry without its fields is the extension's to refuse; should it not, the server does.
     for (const json::value& entry : {json::value(5), json::value{{"ADDRESS", "local"}}}) {
         EXPECT_FALSE(store.change(path("TARGET_SYSTEMS::A"), entry, [] { return ResultPair(); })
@@ -191,6 +204,30 @@ TEST_F(ConfigurationStoreTest, ReplacesItsFileWithoutHarmToOthers) {
     std::ofstream(file) << "{}";
     EXPECT_THROW(change(store, 4), ConfigurationConflict) << "edited by hand";
     EXPECT_EQ(fs::file_size(file), 2U) << "and not overwritten";
+}
+
+TEST_F(ConfigurationStoreTest, AFullDiskLeavesAFileThatCanOnlyBeWrittenOver) {
+    const fs::path alone = directory / std::string(255, 'c');  // there can be no longer name
+    fs::copy_file(file, alone);
+    ConfigurationStore store(alone);
+    rlimit usual{};
+    getrlimit(RLIMIT_FSIZE, &usual);
+    const auto former = std::signal(SIGXFSZ, SIG_IGN);
+    const auto change = [&](const std::string& value, rlim_t room) {
+        const auto done = store.change(path("NEW"), json::value(value), [&] {
+            const rlimit limited{room, usual.rlim_max};
+            setrlimit(RLIMIT_FSIZE, &limited);
+            return ResultPair();
+        });
+        setrlimit(RLIMIT_FSIZE, &usual);
+        return done.notKept;
+    };
+    EXPECT_EQ(change("small", usual.rlim_cur), "");
+    EXPECT_THAT(change(std::string(20'000, 'x'), 4096), testing::StartsWith("in force, but not"));
+    EXPECT_EQ(ConfigurationStore(alone).get(path("NEW")), json::value("small"));
+    EXPECT_EQ(change("other", usual.rlim_cur), "");
+    EXPECT_EQ(ConfigurationStore(alone).get(path("NEW")), json::value("other"));
+    std::signal(SIGXFSZ, former);
 }
 #endif
 
