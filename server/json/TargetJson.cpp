@@ -8,7 +8,6 @@ namespace json = boost::json;
 
 namespace {
 
-constexpr const char* stateNames[] = {"connecting", "importing", "good", "lost", "disabled"};
 constexpr const char* reasonNames[] = {"disconnected", "forgotten", "database_changed", "rejected"};
 
 json::object reportOf(const TargetImport& import, const json::storage_ptr& storage) {
@@ -29,7 +28,7 @@ json::object toJson(const TargetStatus& target, json::storage_ptr storage) {
     json::object object(12, storage);
     object.emplace("name", toJson(std::string_view(target.name), storage));
     object.emplace("address", toJson(std::string_view(target.address), storage));
-    object.emplace("state", stateNames[static_cast<std::size_t>(target.state)]);
+    object.emplace("state", nameOf(target.state));
     object.emplace("since", toJson(target.since, storage));
     if (target.error)
         object.emplace("error",

@@ -110,8 +110,10 @@ void TargetBook::onLog(const ZrHmiSrv::Message& message) {
 }
 
 void TargetBook::onConnected(Entry& entry) {
-    if (entry.status.state == TargetState::good)
+    if (entry.status.state == TargetState::good) {  // it was lost for a moment
         gapBook.open(entry.status.name, entry.wellAt, GapReason::disconnected);
+        enter(entry, TargetState::lost);
+    }
     entry.status.error.reset();
     enter(entry, TargetState::importing);
 }
@@ -157,9 +159,15 @@ void TargetBook::lose(Entry& entry) {
 void TargetBook::enter(Entry& entry, TargetState state) {
     if (entry.status.state == state && entry.status.since.isset())
         return;
+    const bool isNew = !entry.status.since.isset();
     entry.status.state = state;
     entry.status.since = Timestamp::now();
     entry.changed = true;
+    if (isNew || lines.size() >= maxLines)
+        return;
+    const bool isTrouble = state == TargetState::lost && entry.status.error;
+    lines.push_back(entry.status.name + ": " + std::string(nameOf(state)) +
+                    (isTrouble ? ", " + entry.status.error->text : ""));
 }
 
 TargetBook::Entry* TargetBook::find(const std::string& target) {
@@ -256,6 +264,11 @@ std::vector<GapPtr> TargetBook::gaps(const std::optional<std::string>& target,
                                      const std::optional<Timestamp>& to) const {
     Lock lock(mutex);
     return gapBook.select(target, from, to);
+}
+
+std::vector<std::string> TargetBook::takeLines() {
+    Lock lock(mutex);
+    return std::exchange(lines, {});
 }
 
 std::vector<Change> TargetBook::takeNews() {

@@ -39,6 +39,8 @@ public:
 
     /// What readers have not been told yet, one change each.
     std::vector<Change> takeNews();
+    /// What people have not been told yet of states that were entered, in order, a line each.
+    std::vector<std::string> takeLines();
 
 private:
     using Time = ZrHmiSrv::Timestamp;
@@ -63,10 +65,12 @@ private:
     Entry* findOrAdd(const std::string& target) REQUIRES(mutex);
 
     static constexpr std::size_t maxTargets = 10'000;
+    static constexpr std::size_t maxLines = 1'000;
 
     mutable Mutex mutex;  ///< guards all below; nothing is called under it
     std::map<std::string, Entry> entries GUARDED_BY(mutex);
     GapBook gapBook GUARDED_BY(mutex);
+    std::vector<std::string> lines GUARDED_BY(mutex);
 };
 
 }  // namespace hmi

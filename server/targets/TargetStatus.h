@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "host/Time.h"
 #include "host/Value.h"
@@ -10,6 +11,11 @@
 namespace hmi {
 
 enum class TargetState : std::uint8_t { connecting, importing, good, lost, disabled };
+
+constexpr std::string_view nameOf(TargetState state) {
+    constexpr std::string_view names[] = {"connecting", "importing", "good", "lost", "disabled"};
+    return names[static_cast<std::size_t>(state)];
+}
 
 /// The newest import of a target system, as its log entry tells it.
 struct TargetImport {

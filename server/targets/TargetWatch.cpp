@@ -51,6 +51,8 @@ void TargetWatch::look() {
 }
 
 void TargetWatch::tell() {
+    for (const std::string& line : targets.takeLines())
+        log(LogLevel::info, line);
     for (Change& change : targets.takeNews())
         sink.post(std::move(change));
 }
