@@ -1,6 +1,5 @@
 #include "server/Log.h"
 
-#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -83,9 +82,7 @@ bool isLogged(LogLevel level) noexcept {
 void log(LogLevel level, std::string_view text) noexcept try {
     if (!isLogged(level))
         return;
-    std::string line = toValidUtf8(text);
-    std::replace_if(
-        line.begin(), line.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
+    const std::string line = oneLine(text);
     logger().log(levelOf(level), spdlog::string_view_t(line.data(), line.size()));
 } catch (...) {
     // Without memory for the line there is nothing left to tell.

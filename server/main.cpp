@@ -8,6 +8,7 @@
 #include "server/HeapSettings.h"
 #include "server/Options.h"
 #include "server/StartError.h"
+#include "server/json/Utf8.h"
 #include "server/users/Password.h"
 #include "server/users/ReadPassword.h"
 
@@ -40,7 +41,7 @@ int main(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const hmi::StartError& error) {
-        std::fprintf(stderr, "hmi-server: %s\n", error.what());
+        std::fprintf(stderr, "hmi-server: %s\n", hmi::oneLine(error.what()).c_str());
         return 2;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "hmi-server: unexpected: %s\n", error.what());

@@ -46,6 +46,19 @@ std::string toValidUtf8(std::string_view text) {
     return valid;
 }
 
+std::string oneLine(std::string_view text) {
+    std::string line = toValidUtf8(text);
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(line[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < line.size() ? line[i + 1] : 0);
+        if (byte < 0x20 || byte == 0x7F)
+            line[i] = ' ';
+        else if (byte == 0xC2 && next < 0xA0)  // U+0080 to U+009F
+            line.replace(i, 2, " ");
+    }
+    return line;
+}
+
 std::string toLowerAscii(std::string_view text) {
     std::string lower(text);
     std::transform(lower.begin(), lower.end(), lower.begin(),
