@@ -28,6 +28,9 @@ TlsContextPtr TlsFiles::load() const {
         SSL_CTX_set_min_proto_version(made->native_handle(), TLS1_2_VERSION);
         made->set_options(ssl::context::default_workarounds | ssl::context::no_compression |
                           SSL_OP_NO_RENEGOTIATION | SSL_OP_CIPHER_SERVER_PREFERENCE);
+        // A key under a passphrase cannot be used: nobody sits at a terminal to be asked.
+        made->set_password_callback(
+            [](std::size_t, ssl::context::password_purpose) { return std::string(); });
         made->use_certificate_chain_file(certificate.string());
         reading = &key;
         made->use_private_key_file(key.string(), ssl::context::pem);
