@@ -85,7 +85,8 @@ private:
     std::optional<hmi::CommandsResource> commands;
     std::optional<hmi::ConfigResource> config;
     std::optional<hmi::LogResource> log;
-    hmi::AccessControl access{hmi::OriginPolicy({"hmi.example"}), {}};
+    hmi::Audit audit;
+    hmi::AccessControl access{hmi::OriginPolicy({"hmi.example"}), {}, audit};
 };
 
 }  // namespace
@@ -111,7 +112,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     if (error || !parser.is_done() || hmi::faultOf(parser.get()))
         return 0;
     const std::string target(parser.get().target());
-    hmi::Request request = hmi::takeRequest(parser.get());
+    hmi::Request request = hmi::requestOf(parser.get());
+    request.body = std::move(parser.get().body());
     const bool changes = request.method == hmi::Method::put ||
                          request.method == hmi::Method::remove;
     server->serve(std::move(request), target);

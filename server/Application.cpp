@@ -50,10 +50,12 @@ Application::Application(const Options& given)
       targetWatch(
           targets, backend.events, feed,
           {[this] { return backend.calls.diagnostics(); }, [this] { return backend.addresses(); }}),
-      access(OriginPolicy(options.allowedHosts), options.users),
-      dispatcher(router, lanes, metrics),
-      server(io.context(), {options.address, options.port, options.certificate, options.key},
-             {access, dispatcher, audit, hub}) {
+      access(OriginPolicy(options.allowedHosts), options.users, audit),
+      dispatcher(router, lanes, metrics, audit),
+      server(io.context(),
+             {options.address, options.port, options.certificate, options.key,
+              options.trustedProxies},
+             {access, dispatcher, hub}) {
     expectAllowedAddress(options);
     feed.add("targets", targets);
     feed.add("texts", texts);  // before those that tell readers to ask again
@@ -126,13 +128,21 @@ void Application::run() {
         simulator = std::make_unique<SimulatorControl>(options.extension);
         simulator->loadPlant(options.plant);
     }
+    addRoutes();
+    server.start();
+    hmi::log(LogLevel::debug, "the extension starts; " + server.url() + "/readyz says when it has");
     // On a thread of its own, so that a signal is heard meanwhile.
     std::future<void> started = std::async(std::launch::async, [&] {
         const std::shared_ptr<void> atTheEnd(nullptr, [&](void*) { signal.wake(); });
         backend.start(options.extension);
     });
     if (!signal.wait()) {
-        started.get();
+        try {
+            started.get();
+        } catch (const StartError&) {
+            stop(started);
+            throw;
+        }
         serve(signal);
     }
     hmi::log(LogLevel::info, "stopping");
@@ -142,10 +152,9 @@ void Application::run() {
 }
 
 void Application::serve(StopSignal& signal) {
-    addRoutes();
-    aboutResource.setReady(true);
     targetWatch.start();
-    server.start();
+    dispatcher.open();
+    aboutResource.setReady(true);
     std::printf("listening on %s\n", server.url().c_str());
     std::fflush(stdout);
     while (!signal.wait()) {

@@ -68,13 +68,13 @@ private:
     TargetWatch targetWatch;
 
     Router router;
-    AccessControl access;
     Audit audit;
+    AccessControl access;
     Dispatcher dispatcher;
     SessionResource sessionResource{access, !options.certificate.empty()};
     AboutResource aboutResource;
     EventsResource eventsResource{backend.events, targets, backend.calls, texts};
-    ConfirmationsResource confirmationsResource{confirmations, backend.events, lanes};
+    ConfirmationsResource confirmationsResource{confirmations, backend.events, lanes, audit};
     TargetsResource targetsResource{targets};
     StatisticsResource statisticsResource{raises, backend.events, targets, texts};
     ConfigResource configResource{backend.configuration, backend.calls};

@@ -59,6 +59,11 @@ void describe(CLI::App& app, Options& options, Typed& typed) {
         ->allow_extra_args(false)
         ->delimiter(',')
         ->check(notEmpty);
+    add(app, "--trusted-proxy", "ADDRESS", options.trustedProxies,
+        "Address of a reverse proxy that names the clients in X-Forwarded-For; repeatable")
+        ->allow_extra_args(false)
+        ->delimiter(',')
+        ->check(notEmpty);
     add(app, "--users", "FILE", typed.users,
         "Who may do what (JSON); without it everybody may do everything, and only on a loopback "
         "address")
@@ -89,13 +94,6 @@ void describe(CLI::App& app, Options& options, Typed& typed) {
     add(app, "--log-format", "F", typed.format, "text or json: one object a line")
         ->check(CLI::IsMember({"text", "json"}))
         ->capture_default_str();
-}
-
-/// One line, whatever was typed.
-std::string oneLine(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
-    return text;
 }
 
 void finish(Options& options, const Typed& typed) {
@@ -138,7 +136,7 @@ Options Options::parse(std::span<const char* const> arguments) {
     } catch (const CLI::CallForVersion& asked) {
         options.information = std::string(asked.what()) + "\n";
     } catch (const CLI::Error& error) {
-        throw StartError(oneLine(error.what()));
+        throw StartError(error.what());
     }
     return options;
 }

@@ -19,6 +19,7 @@ struct Options {
     std::uint16_t port = 8080;    ///< 0: any free one
     std::string address = "127.0.0.1";
     std::vector<std::string> allowedHosts;
+    std::vector<std::string> trustedProxies;
     std::filesystem::path users;        ///< empty: nobody is asked who they are
     bool open = false;                  ///< to everybody, though nobody is asked
     std::filesystem::path certificate;  ///< empty: no TLS

@@ -20,15 +20,15 @@ Response description() {
 }  // namespace
 
 void AboutResource::addRoutes(Router& router) {
-    router.add(Method::get, "/healthz", [](const Request&) {
+    router.addEarly(Method::get, "/healthz", [](const Request&) {
         return Response::json({{"status", "alive"}});
     });
-    router.add(Method::get, "/readyz", [this](const Request&) {
+    router.addEarly(Method::get, "/readyz", [this](const Request&) {
         return ready ? Response::json({{"status", "ready"}})
                      : Response::error(503, "the extension has not started");
     });
     router.add(Method::get, "/api/openapi.json", [](const Request&) { return description(); });
-    router.add(Method::get, "/api/version", [](const Request&) {
+    router.addEarly(Method::get, "/api/version", [](const Request&) {
         return Response::json({{"name", "hmi-server"}, {"version", version}, {"build", build}});
     });
 }

@@ -5,11 +5,13 @@
 #include <vector>
 
 #include <boost/json/array.hpp>
+#include <boost/json/serialize.hpp>
 
 #include "server/Log.h"
 #include "server/api/ConfirmationBody.h"
 #include "server/confirmations/ConfirmationBatch.h"
 #include "server/json/EventJson.h"
+#include "server/json/IsoTime.h"
 #include "server/json/ValueJson.h"
 
 namespace hmi {
@@ -23,6 +25,10 @@ EventId idOf(const Request& request) {
     if (!id)
         throw RequestError(404, "there is no such event");
     return *id;
+}
+
+json::value idJson(EventId id) {
+    return id.kind == EventKind::alarm ? json::value(id.number) : json::value(id.text());
 }
 
 json::object answerOf(const ConfirmationOutcome& outcome) {
@@ -84,14 +90,27 @@ Response ConfirmationsResource::many(const Request& request) {
     const auto outcomes = batch->await(service.patience());
     json::array answers;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
+        record(request, body->wishes[i], body->asker.comment, outcomes[i]);
         json::object answer = answerOf(outcomes[i]);
-        const EventId id = body->wishes[i].id;
-        answer.emplace(
-            "id", id.kind == EventKind::alarm ? json::value(id.number) : json::value(id.text()));
+        answer.emplace("id", idJson(body->wishes[i].id));
         answer.emplace("status", outcomes[i].status);
         answers.push_back(std::move(answer));
     }
-    return Response::json(std::move(answers));
+    Response response = Response::json(std::move(answers));
+    response.audited = true;
+    return response;
+}
+
+void ConfirmationsResource::record(const Request& request, const ConfirmationWish& wish,
+                                   const std::string& comment,
+                                   const ConfirmationOutcome& outcome) const {
+    json::object asked{{"id", idJson(wish.id)}};
+    if (wish.timeRaised)
+        asked.emplace("timeRaised", isoTime(*wish.timeRaised));
+    if (!comment.empty())
+        asked.emplace("comment", toJson(std::string_view(comment)));
+    audit.record({request.user, request.peer, "POST /api/confirmations " + json::serialize(asked),
+                  outcome.status, json::serialize(answerOf(outcome))});
 }
 
 ConfirmationOutcome ConfirmationsResource::confirm(const ConfirmationWish& wish,

@@ -24,6 +24,7 @@ void SimulatorResource::addRoutes(Router& router) {
             throw RequestError(400, "a NUL character is no JSON");
         return toResponse(simulator.apply(request.target.path[1], request.body));
     });
+    router.limitBody("/sim/*", 10 << 20);
 }
 
 }  // namespace hmi

@@ -31,19 +31,15 @@ Response responseOf(Function function) {
 }  // namespace
 
 void Dispatcher::dispatch(Request request, std::optional<Response> refused, Reply reply) {
-    if (refused) {
-        metrics.countRequest(refused->status);
-        return reply(std::move(*refused));
-    }
+    if (refused)
+        return refuse(request, std::move(*refused), reply);
     const Route* route = nullptr;
     Response refusal = responseOf([&]() -> Response {
         route = &router.find(request);
-        return {};
+        return notOpen();
     });
-    if (!route) {
-        metrics.countRequest(refusal.status);
-        return reply(std::move(refusal));
-    }
+    if (!route || !(isOpened || route->early))
+        return refuse(request, std::move(refusal), reply);
     const std::shared_ptr<Exchange> exchange(
         new Exchange{*route, std::move(request), std::move(reply)});
     if (route->placement)
@@ -66,19 +62,15 @@ void Dispatcher::place(const std::shared_ptr<Exchange>& exchange) {
 
 void Dispatcher::handle(const Place& place, const std::shared_ptr<Exchange>& exchange) {
     run(place, exchange, [this, exchange] {
-        answer(*exchange, responseOf([&] {
-            Response response = exchange->route.handler(exchange->request);
-            fit(exchange->request, response);
-            return response;
-        }));
+        answer(*exchange, responseOf([&] { return exchange->route.handler(exchange->request); }));
     });
 }
 
 void Dispatcher::run(const Place& place, const std::shared_ptr<Exchange>& exchange,
                      std::function<void()> work) {
     const auto unlessAbandoned = [this, exchange, work = std::move(work)] {
-        const auto& abandoned = exchange->request.abandoned;
-        if (abandoned && *abandoned)
+        const auto& client = exchange->request.client;
+        if (client && client->isOver())
             metrics.countAbandonedRequest();
         else
             work();
@@ -89,7 +81,25 @@ void Dispatcher::run(const Place& place, const std::shared_ptr<Exchange>& exchan
     lanes.run(place, {unlessAbandoned, refuse});
 }
 
+Response Dispatcher::notOpen() {
+    Response response = Response::error(503, "the extension has not started");
+    response.headers.emplace_back("Retry-After", "1");
+    return response;
+}
+
+/// A request that was not even looked at: its body may be anything, a password too.
+void Dispatcher::refuse(const Request& request, Response response, const Reply& reply) {
+    metrics.countRequest(response.status);
+    audit.recordRefused(request, response);
+    reply(std::move(response));
+}
+
 void Dispatcher::answer(const Exchange& exchange, Response response) {
+    audit.record(exchange.request, response);
+    response = responseOf([&] {
+        fit(exchange.request, response);
+        return std::move(response);
+    });
     metrics.countRequest(response.status);
     metrics.observeRequest(std::chrono::steady_clock::now() - exchange.start);
     exchange.reply(std::move(response));
@@ -104,8 +114,12 @@ bool Dispatcher::isStream(std::string_view target) {
     return Target::pathOf(target) == "/api/stream";
 }
 
-std::uint64_t Dispatcher::bodyLimit(std::string_view target) {
-    return Target::pathOf(target).starts_with("/sim/") ? 10 << 20 : 1 << 20;
+std::uint64_t Dispatcher::bodyLimit(std::string_view target) const {
+    try {
+        return router.bodyLimit(Target::parse(Target::pathOf(target)).path);
+    } catch (const RequestError&) {
+        return router.bodyLimit({});  // it is going to be refused
+    }
 }
 
 }  // namespace hmi

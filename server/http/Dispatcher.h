@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -8,6 +9,7 @@
 #include "server/http/Router.h"
 #include "server/lanes/WorkerLanes.h"
 #include "server/metrics/Metrics.h"
+#include "server/users/Audit.h"
 
 namespace hmi {
 
@@ -15,8 +17,13 @@ namespace hmi {
 /// into an error response.
 class Dispatcher {
 public:
-    Dispatcher(const Router& router, WorkerLanes& lanes, Metrics& metrics)
-        : router(router), lanes(lanes), metrics(metrics) {}
+    Dispatcher(const Router& router, WorkerLanes& lanes, Metrics& metrics, const Audit& audit)
+        : router(router), lanes(lanes), metrics(metrics), audit(audit) {}
+
+    /// The extension has started. Before that only early routes are served. Any thread.
+    void open() noexcept { isOpened = true; }
+    bool isOpen() const noexcept { return isOpened; }
+    static Response notOpen();
 
     using Reply = std::function<void(Response)>;
 
@@ -28,7 +35,7 @@ public:
     void work(std::function<void()> task, std::function<void()> refused);
     static bool isStream(std::string_view target);
     /// The largest body that a target takes, in bytes.
-    static std::uint64_t bodyLimit(std::string_view target);
+    std::uint64_t bodyLimit(std::string_view target) const;
 
 private:
     struct Exchange {
@@ -44,10 +51,13 @@ private:
     void run(const Place& place, const std::shared_ptr<Exchange>& exchange,
              std::function<void()> work);
     void answer(const Exchange& exchange, Response response);
+    void refuse(const Request& request, Response response, const Reply& reply);
 
     const Router& router;
     WorkerLanes& lanes;
     Metrics& metrics;
+    const Audit& audit;
+    std::atomic<bool> isOpened = false;
 };
 
 }  // namespace hmi

@@ -4,6 +4,7 @@
 #include <boost/url/parse.hpp>
 #include <boost/url/url_view.hpp>
 
+#include "server/StartError.h"
 #include "server/json/Utf8.h"
 
 namespace hmi {
@@ -30,8 +31,13 @@ std::string portOf(const urls::authority_view& authority, std::string_view schem
 }  // namespace
 
 OriginPolicy::OriginPolicy(const std::vector<std::string>& given) : names{"localhost"} {
-    for (const std::string& name : given)
-        names.insert(toLowerAscii(name));
+    for (const std::string& name : given) {
+        const auto parsed = urls::parse_authority(name);
+        if (!parsed || parsed->has_userinfo() || parsed->has_port() || parsed->host().empty())
+            throw StartError("--allow-host: " + name +
+                             " is not a host name alone, without scheme and port");
+        names.insert(hostOf(*parsed));
+    }
 }
 
 bool OriginPolicy::allows(const Request& request) const {

@@ -12,7 +12,8 @@ namespace hmi {
 /// server through that browser. Immutable.
 class OriginPolicy {
 public:
-    /// The names by which the server is known, besides `localhost` and addresses.
+    /// The names by which the server is known, besides `localhost` and addresses. Throws StartError
+    /// for what is no name alone.
     explicit OriginPolicy(const std::vector<std::string>& names);
 
     /// False for a host name that is not ours (a foreign name may lead here by a manipulated name

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
 
+#include "server/http/Presence.h"
 #include "server/http/Target.h"
 
 namespace hmi {
@@ -26,8 +26,10 @@ struct Request {
 
     std::string peer;  ///< the client's address, without a port
     std::string user;  ///< who asks; empty when nobody is asked who they are
-    /// Set when nobody waits for the answer any more; null when that is never known.
-    std::shared_ptr<const std::atomic<bool>> abandoned;
+    /// Fingerprint of the password by which the user was admitted; sessions end with it.
+    std::string proof;
+    /// Whether somebody waits for the answer; null when that is never known.
+    std::shared_ptr<const Presence> client;
 };
 
 }  // namespace hmi

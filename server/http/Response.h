@@ -25,6 +25,7 @@ struct Response {
     std::size_t held = 0;  ///< bytes that the parts keep alive
     std::string contentType = "application/json";
     bool keepable = false;  ///< a client may keep it, and ask whether it still holds
+    bool audited = false;   ///< who did what has been recorded by the handler itself
     /// Further ones, each name at most once.
     std::vector<std::pair<std::string, std::string>> headers;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@ struct Route {
     std::vector<std::string> path;  ///< "*" stands for any one name
     Placement placement;            ///< none: on the local lane
     Handler handler;
+    bool early = false;  ///< served before the extension has started, too
 };
 
 /// Finds the handler of a request. Filled before the first request, then read by any thread.
@@ -29,13 +31,25 @@ public:
     void add(Method method, std::string_view path, Handler handler) {
         add(method, path, {}, std::move(handler));
     }
+    void addEarly(Method method, std::string_view path, Handler handler) {
+        add(method, path, {}, std::move(handler));
+        routes.back().early = true;
+    }
     /// For a request that may have to wait.
     void add(Method method, std::string_view path, Placement placement, Handler handler);
+    /// The largest body that a path takes, in bytes, where it is another than usual.
+    void limitBody(std::string_view path, std::uint64_t bytes);
+    std::uint64_t bodyLimit(const std::vector<std::string>& path) const noexcept;
     /// Throws RequestError 404, MethodError when there are only other methods.
     const Route& find(const Request& request) const;
 
 private:
+    struct BodyLimit {
+        std::vector<std::string> path;
+        std::uint64_t bytes;
+    };
     std::vector<Route> routes;
+    std::vector<BodyLimit> bodyLimits;
 };
 
 /// 405, with the methods that a path has.

@@ -59,6 +59,9 @@ urls::url_view parseText(std::string_view text) {
 }  // namespace
 
 void Query::add(std::string name, std::string value) {
+    constexpr std::size_t most = 32;
+    if (parameters.size() >= most)
+        throw RequestError(400, "there are more than 32 parameters");
     for (const auto& parameter : parameters) {
         if (parameter.first == name)
             throw RequestError(400, "parameter " + name + " is given twice");
@@ -99,7 +102,8 @@ std::uint64_t Query::number(std::string_view name, std::uint64_t otherwise) cons
 Target Target::parse(std::string_view text) {
     const std::string encoded = encodeRest(text);
     const urls::url_view url = parseText(encoded);
-    if (!text.starts_with('/') && url.scheme() != "http" && url.scheme() != "https")
+    const std::string scheme = toLowerAscii(std::string_view(url.scheme()));
+    if (!text.starts_with('/') && scheme != "http" && scheme != "https")
         throw RequestError(400, "the address is of another protocol");
     Target target;
     target.authority = url.encoded_authority();

@@ -149,11 +149,10 @@ std::string_view nameOf(ChangeType type) {
     return typeNames[static_cast<std::size_t>(type)];
 }
 
-std::string toLine(const Change& change, std::uint64_t sequence) {
+std::string toLine(const Change& change) {
     std::string text;
     text.reserve(1024);
     JsonObjectText line(text);
-    line.add("seq", sequence);
     line.add("type", nameOf(change.type));
     if (change.event)
         appendJson(line.member("event"), *change.event);

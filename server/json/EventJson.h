@@ -29,7 +29,7 @@ boost::json::object toJson(const Attention& attention);
 
 /// What the stream calls a change of this type.
 std::string_view nameOf(ChangeType type);
-/// A change as one line of the stream; `sequence` counts the lines.
-std::string toLine(const Change& change, std::uint64_t sequence);
+/// A change as one line of the stream.
+std::string toLine(const Change& change);
 
 }  // namespace hmi

@@ -2,16 +2,11 @@
 
 #include <algorithm>
 
+#include "server/http/ClientAddress.h"
+
 namespace hmi {
 
 using Clock = std::chrono::steady_clock;
-
-namespace {
-
-/// A client that has taken something within this time is not one that takes nothing.
-constexpr auto stalled = std::chrono::seconds(1);
-
-}  // namespace
 
 Connection::Connection(std::shared_ptr<Connections> list, const boost::asio::ip::address& from)
     : all(std::move(list)), peer(from), since(Clock::now()) {
@@ -36,56 +31,59 @@ bool Connection::hold(std::size_t bytes) {
     return true;
 }
 
-Connections::Peer Connections::peerOf(const boost::asio::ip::address& address) {
-    Peer peer{};
-    if (address.is_v4()) {
-        const auto bytes = address.to_v4().to_bytes();
-        std::copy(bytes.begin(), bytes.end(), peer.end() - 4);
-    } else {
-        const auto bytes = address.to_v6().to_bytes();
-        const bool mapped = address.to_v6().is_v4_mapped();
-        std::copy_n(bytes.begin(), mapped ? 0 : 8, peer.begin());
-        if (mapped)
-            std::copy(bytes.end() - 4, bytes.end(), peer.end() - 4);
-    }
-    return peer;
-}
-
 void Connections::add(Connection* connection) {
     open.insert(connection);
-    ++counts[peerOf(connection->peer)];
+    ++counts[networkOf(connection->peer)];
 }
 
 void Connections::remove(Connection* connection) {
     if (open.erase(connection) == 0)
         return;
-    const auto count = counts.find(peerOf(connection->peer));
+    const auto count = counts.find(networkOf(connection->peer));
     if (--count->second == 0)
         counts.erase(count);
 }
 
 bool Connections::makeRoomFor(const Connection& added) {
-    const Peer peer = peerOf(added.peer);
-    if (counts[peer] > limits.perPeer &&
-        !end(longest(Connection::Phase::idle, [&](Connection& candidate) {
-            return &candidate != &added && peerOf(candidate.peer) == peer;
+    const Address network = networkOf(added.peer);
+    if (counts[network] > limits.perPeer && !isTrusted(added.peer) &&
+        !end(leastUseful([&](const Connection& candidate) {
+            return &candidate != &added && networkOf(candidate.peer) == network;
         })))
         return false;
-    if (open.size() <= limits.connections)
-        return true;
-    return end(longest(Connection::Phase::idle,
-                       [&](Connection& candidate) { return &candidate != &added; })) ||
-           end(longestStalled(added));
+    return open.size() <= limits.connections ||
+           end(leastUseful([&](const Connection& candidate) { return &candidate != &added; }));
+}
+
+bool Connections::mayFollow(const Address& client) const {
+    const Address network = networkOf(client);
+    std::size_t followers = 0;
+    std::size_t ofClient = 0;
+    for (const Connection* const connection : open) {
+        if (connection->phase != Phase::following)
+            continue;
+        ++followers;
+        ofClient += networkOf(connection->peer) == network ? 1U : 0U;
+    }
+    return followers < limits.followers && ofClient < limits.followersPerPeer;
 }
 
 bool Connections::reserve(const Connection& from, std::size_t bytes) {
     if (bytes > limits.heldBytes)
         return false;
+    const auto helps = [&](const Connection& candidate) {
+        return &candidate != &from && candidate.held > 0 && isSlow(candidate);
+    };
     while (heldBytes + bytes > limits.heldBytes) {
-        if (!end(longestStalled(from)))
+        Connection* const sender = longest(Phase::sending, helps);
+        if (!end(sender ? sender : longest(Phase::receiving, helps)))
             return false;
     }
     return true;
+}
+
+bool Connections::isSlow(const Connection& connection) const {
+    return Clock::now() - connection.since > limits.patience;
 }
 
 /// It counts no longer from now on, though its operations may keep it alive for a moment.
@@ -98,8 +96,7 @@ bool Connections::end(Connection* victim) {
     return true;
 }
 
-Connection* Connections::longest(Connection::Phase phase,
-                                 const std::function<bool(Connection&)>& among) {
+Connection* Connections::longest(Phase phase, const Condition& among) const {
     Connection* found = nullptr;
     for (Connection* const candidate : open) {
         if (candidate->phase == phase && (!found || candidate->since < found->since) &&
@@ -109,10 +106,14 @@ Connection* Connections::longest(Connection::Phase phase,
     return found;
 }
 
-Connection* Connections::longestStalled(const Connection& except) {
-    return longest(Connection::Phase::sending, [&](Connection& candidate) {
-        return &candidate != &except && Clock::now() - candidate.since > stalled;
+/// Null when the server is at work for all of them.
+Connection* Connections::leastUseful(const Condition& among) const {
+    if (Connection* const idle = longest(Phase::idle, among))
+        return idle;
+    Connection* const stalled = longest(Phase::sending, [&](const Connection& candidate) {
+        return isSlow(candidate) && among(candidate);
     });
+    return stalled ? stalled : longest(Phase::receiving, among);
 }
 
 void Connections::closeAll() {

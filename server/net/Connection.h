@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -31,12 +30,15 @@ public:
 
 protected:
     enum class Phase : std::uint8_t {
-        idle,      ///< no request has begun to arrive
-        busy,      ///< receives or serves a request, or follows the stream
-        sending,   ///< the client is to take an answer
+        idle,       ///< no request has begun to arrive
+        receiving,  ///< one has, and is not complete
+        serving,    ///< the server is at work
+        sending,    ///< the client is to take an answer
+        following,  ///< the client is told changes for as long as it likes
     };
-    /// Also notes that something has moved.
+    /// Also notes the time: of a request its beginning, of an answer that something has moved.
     void enter(Phase next) noexcept;
+    bool isIn(Phase which) const noexcept { return phase == which; }
     /// The memory that the connection holds for its client from now on. False, with nothing
     /// changed, when all connections together would hold too much.
     bool hold(std::size_t bytes);
@@ -57,30 +59,43 @@ public:
     struct Limits {
         std::size_t connections = 4096;
         std::size_t perPeer = 1024;  ///< for each address; of IP version 6 for each /64
+        std::size_t followers = 1024;
+        std::size_t followersPerPeer = 256;
         std::size_t heldBytes = 64 << 20;
+        /// Who has taken something, or begun with a request, within this time is not slow.
+        std::chrono::milliseconds patience{1000};
     };
-    explicit Connections(Limits limits) : limits(limits) {}
+    using Address = boost::asio::ip::address;
+    /// A trusted peer speaks for many, and may have as many connections as there are.
+    Connections(Limits limits, std::function<bool(const Address&)> isTrusted)
+        : limits(limits), isTrusted(std::move(isTrusted)) {}
 
     /// Whether a connection that was just added may stay. Another goes for it where there are too
-    /// many: the one that is idle for the longest, or whose client takes nothing for the longest.
+    /// many: the one that is idle for the longest, else whose client takes nothing for the
+    /// longest, else whose request has been arriving for the longest.
     bool makeRoomFor(const Connection& added);
+    /// Whether one more of this client may follow the changes. Followers are never sent away for
+    /// others, so they get a part of the connections only.
+    bool mayFollow(const Address& client) const;
     void closeAll();
 
 private:
     friend class Connection;
-    using Peer = std::array<unsigned char, 16>;
-    static Peer peerOf(const boost::asio::ip::address& address);
+    using Phase = Connection::Phase;
+    using Condition = std::function<bool(const Connection&)>;
 
     void add(Connection* connection);
     void remove(Connection* connection);
     bool reserve(const Connection& from, std::size_t bytes);
+    bool isSlow(const Connection& connection) const;
     bool end(Connection* victim);
-    Connection* longest(Connection::Phase phase, const std::function<bool(Connection&)>& among);
-    Connection* longestStalled(const Connection& except);
+    Connection* longest(Phase phase, const Condition& among) const;
+    Connection* leastUseful(const Condition& among) const;
 
     const Limits limits;
+    const std::function<bool(const Address&)> isTrusted;
     std::set<Connection*> open;
-    std::map<Peer, std::size_t> counts;
+    std::map<Address, std::size_t> counts;  ///< by network
     std::size_t heldBytes = 0;
 };
 

@@ -28,8 +28,7 @@ public:
           socket(io),
           retry(io),
           tls(settings.certificate, settings.key),
-          context(std::make_shared<SessionContext>(SessionContext{
-              parts.access, parts.dispatcher, parts.audit, parts.hub, Connections(limits())})) {
+          context(makeContext(parts, TrustedProxies(settings.trustedProxies))) {
         socket.open(endpoint.protocol());
 #ifndef _WIN32
         socket.set_option(tcp::acceptor::reuse_address(true));  // on Windows it means to share it
@@ -69,6 +68,16 @@ public:
     }
 
 private:
+    static std::shared_ptr<SessionContext> makeContext(const Parts& parts,
+                                                       const TrustedProxies& proxies) {
+        const auto isTrusted = [proxies](const asio::ip::address& peer) {
+            return proxies.contains(peer);
+        };
+        return std::make_shared<SessionContext>(
+            SessionContext{parts.access, parts.dispatcher, parts.hub, proxies,
+                           Connections(limits(), isTrusted)});
+    }
+
     static Connections::Limits limits() {
         Connections::Limits limits;
         constexpr std::size_t others = 128;  // files and pipes that are no connections

@@ -4,13 +4,13 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <boost/asio/io_context.hpp>
 
 #include "server/http/Dispatcher.h"
 #include "server/net/StreamHub.h"
 #include "server/users/AccessControl.h"
-#include "server/users/Audit.h"
 
 namespace hmi {
 
@@ -22,12 +22,12 @@ public:
         std::uint16_t port;  ///< 0: any free one
         std::filesystem::path certificate;
         std::filesystem::path key;
+        std::vector<std::string> trustedProxies;
     };
     /// What requests go through.
     struct Parts {
         AccessControl& access;
         Dispatcher& dispatcher;
-        const Audit& audit;
         StreamHub& hub;
     };
     /// Takes the port, but no connection yet. Throws StartError.

@@ -23,10 +23,11 @@ namespace {
 constexpr std::uint32_t headerLimit = 16 << 10;
 /// What is read but not yet parsed; also the longest extension or trailer of a chunk.
 constexpr std::size_t bufferLimit = 64 << 10;
+constexpr std::size_t firstRead = 1 << 10;  ///< kept ready for each idle client
 /// Bodies and answers up to here are not counted against what all clients may hold together.
 constexpr std::size_t smallSize = 16 << 10;
 constexpr auto handshakeTimeout = std::chrono::seconds(10);
-constexpr auto requestTimeout = std::chrono::seconds(30);
+constexpr auto requestTimeout = std::chrono::seconds(30);  ///< from its first byte to its last
 constexpr auto progressTimeout = std::chrono::seconds(30);  ///< of a client that takes nothing
 constexpr auto idleTimeout = std::chrono::seconds(75);
 constexpr auto lingerTimeout = std::chrono::seconds(2);
@@ -36,8 +37,8 @@ std::size_t sizeOf(const Response& reply) {
     return size > smallSize ? size : 0;
 }
 
-Response busy() {
-    Response reply = Response::error(503, "too many answers are on their way to other clients");
+Response busy(const char* why) {
+    Response reply = Response::error(503, why);
     reply.headers.emplace_back("Retry-After", "1");
     return reply;
 }
@@ -54,7 +55,7 @@ HttpSession::HttpSession(ClientStream client, const asio::ip::address& from,
 
 void HttpSession::close() {
     closing = true;
-    if (idle)
+    if (isIn(Phase::idle) || isIn(Phase::receiving))
         abort();
 }
 
@@ -73,33 +74,52 @@ void HttpSession::start() {
 }
 
 void HttpSession::readRequest() {
-    enter(Phase::idle);
-    idle = true;
     parser.emplace();
     parser->header_limit(headerLimit);
     parser->body_limit(boost::none);  // known when the target is
-    expireAfter(buffer.size() == 0 ? idleTimeout : requestTimeout);
+    manner = {};
+    if (buffer.size() > 0)
+        return readHeader();
+    enter(Phase::idle);
+    buffer.shrink_to_fit();
+    expireAfter(idleTimeout);
+    stream.async_read_some(buffer.prepare(firstRead),
+                           [self = shared_from_this()](Error error, std::size_t size) {
+                               if (error)
+                                   return;
+                               self->buffer.commit(size);
+                               self->readHeader();
+                           });
+}
+
+void HttpSession::readHeader() {
+    enter(Phase::receiving);
+    expireAfter(requestTimeout);
     http::async_read_header(
         stream, buffer, *parser,
         [self = shared_from_this()](Error error, std::size_t) { self->onHeader(error); });
 }
 
+/// All that the request says is taken now: what stands behind its body says nothing.
 void HttpSession::onHeader(Error error) {
     if (error)
         return onReadFailed(error);
-    enter(Phase::busy);
-    idle = false;
-    if (auto fault = faultOf(parser->get()))
+    const auto& head = parser->get();
+    manner = {head.version(), head.method() == http::verb::head, head.keep_alive()};
+    if (auto fault = faultOf(head))
         return refuse(std::move(*fault));
-    const std::uint64_t limit = Dispatcher::bodyLimit(parser->get().target());
+    client = context->proxies.clientOf(peer, forwardedForOf(head));
+    request = requestOf(head);
+    request.peer = client.to_string();
+    target = std::string(head.target());
+    upgrades = beast::websocket::is_upgrade(head) && Dispatcher::isStream(target);
+    if (parser->is_done())
+        return serve();
+    const std::uint64_t limit = context->dispatcher.bodyLimit(target);
     parser->body_limit(limit);
-    const std::uint64_t length = parser->content_length().value_or(parser->chunked() ? limit : 0);
-    if (length > limit)
+    if (parser->content_length().value_or(0) > limit)
         return onReadFailed(http::error::body_limit);
-    if (length > smallSize && !hold(static_cast<std::size_t>(length)))
-        return refuse(busy());
-    expireAfter(requestTimeout);
-    if (beast::iequals(parser->get()[http::field::expect], "100-continue"))
+    if (beast::iequals(head[http::field::expect], "100-continue"))
         return sendContinue();
     readBody();
 }
@@ -114,20 +134,29 @@ void HttpSession::sendContinue() {
 }
 
 void HttpSession::readBody() {
-    http::async_read(
+    http::async_read_some(
         stream, buffer, *parser,
         [self = shared_from_this()](Error error, std::size_t) { self->onBody(error); });
 }
 
+/// What has come of it counts, and not what was announced.
 void HttpSession::onBody(Error error) {
     if (error)
         return onReadFailed(error);
-    if (beast::websocket::is_upgrade(parser->get()) && Dispatcher::isStream(parser->get().target()))
-        return follow();
+    const std::size_t size = parser->get().body().size();
+    if (size > smallSize) {
+        if (!hold(size))
+            return refuse(busy("too much is on its way from and to other clients"));
+        buffer.reserve(bufferLimit);
+    }
+    if (!parser->is_done())
+        return readBody();
+    request.body = std::move(parser->get().body());
     serve();
 }
 
 void HttpSession::onReadFailed(Error error) {
+    manner.headOnly = parser->get().method() == http::verb::head;
     if (error == http::error::header_limit)
         return refuse(Response::error(431, "the header is too long"));
     if (error == http::error::buffer_overflow)
@@ -140,52 +169,40 @@ void HttpSession::onReadFailed(Error error) {
     refuse(Response::error(400, "not an HTTP request"));
 }
 
-Request HttpSession::request() {
-    Request taken = takeRequest(parser->get());
-    taken.peer = peer.to_string();
-    return taken;
-}
-
 void HttpSession::serve() {
+    enter(Phase::serving);
     stream.next_layer().expires_never();
-    const auto& head = parser->get();
-    const Manner manner{head.version(), head.method() == http::verb::head, head.keep_alive()};
-    const std::string target(head.target());
-    Request taken = request();
-    taken.abandoned = watchClient();
+    if (upgrades)
+        return follow();
+    request.client = watchClient();
     context->access.admit(
-        std::move(taken), target,
-        [self = sharedWithWorkers(), manner](Request admitted, std::optional<Response> refusal) {
-            self->dispatch(std::move(admitted), std::move(refusal), manner);
+        std::move(request), target,
+        [self = sharedWithWorkers()](Request admitted, std::optional<Response> refusal) {
+            self->context->dispatcher.dispatch(
+                std::move(admitted), std::move(refusal), [self](Response response) {
+                    asio::post(self->executor, [self, response = std::move(response)]() mutable {
+                        self->send(std::move(response));
+                    });
+                });
         });
 }
 
-/// Any thread.
-void HttpSession::dispatch(Request admitted, std::optional<Response> refusal,
-                           const Manner& manner) {
-    const auto audited = Audit::entryOf(admitted);
-    context->dispatcher.dispatch(
-        std::move(admitted), std::move(refusal),
-        [self = sharedWithWorkers(), manner, audited](Response response) {
-            if (audited)
-                self->context->audit.record(*audited, response);
-            asio::post(self->executor,
-                       [self, manner, response = std::move(response)]() mutable {
-                           self->send(std::move(response), manner);
-                       });
-        });
-}
-
-/// Becomes true when the client ends the connection before it has its answer. One that sends its
-/// next request already is not watched any more.
-std::shared_ptr<const std::atomic<bool>> HttpSession::watchClient() {
-    auto gone = std::make_shared<std::atomic<bool>>(false);
-    stream.next_layer().socket().async_wait(
-        asio::ip::tcp::socket::wait_read, [self = shared_from_this(), gone](Error error) {
-            if (!error)
-                *gone = self->stream.next_layer().socket().available(error) == 0;
-        });
-    return gone;
+/// Until the answer is sent. A client that sends its next request already is not watched for the
+/// end of what it sends.
+std::shared_ptr<const Presence> HttpSession::watchClient() {
+    auto presence = std::make_shared<Presence>();
+    auto& socket = stream.next_layer().socket();
+    socket.async_wait(asio::ip::tcp::socket::wait_read,
+                      [self = shared_from_this(), presence](Error error) {
+                          if (!error && self->stream.next_layer().socket().available(error) == 0)
+                              presence->hasEndedItsSide();
+                      });
+    socket.async_wait(asio::ip::tcp::socket::wait_error,
+                      [self = shared_from_this(), presence](Error error) {
+                          if (!error)
+                              presence->hasGone();
+                      });
+    return presence;
 }
 
 std::shared_ptr<HttpSession> HttpSession::sharedWithWorkers() {
@@ -196,10 +213,8 @@ std::shared_ptr<HttpSession> HttpSession::sharedWithWorkers() {
 }
 
 void HttpSession::follow() {
-    stream.next_layer().expires_never();
-    const std::string target(parser->get().target());
     context->access.admit(
-        request(), target,
+        std::move(request), target,
         [self = sharedWithWorkers()](Request admitted, std::optional<Response> refusal) {
             asio::post(self->executor, [self, admitted = std::move(admitted),
                                         refusal = std::move(refusal)]() mutable {
@@ -209,28 +224,46 @@ void HttpSession::follow() {
 }
 
 void HttpSession::accept(const Request& admitted, std::optional<Response> refusal) {
+    std::optional<StreamTypes> types = StreamTypes::parse(target);
+    if (!refusal)
+        refusal = whyNotToFollow(admitted.user, types);
     if (refusal)
         return refuse(std::move(*refusal));
-    const auto types = StreamTypes::parse(std::string(parser->get().target()));
-    if (!types)
-        return refuse(Response::error(400, "types are names of changes"));
     handedOver = true;
-    std::make_shared<StreamSession>(std::move(stream), peer, context)
+    std::make_shared<StreamSession>(std::move(stream), client, context)
         ->accept(parser->release(), *types, context->access.admissionOf(admitted));
+}
+
+/// The log is no type of change for those who may not read it.
+std::optional<Response> HttpSession::whyNotToFollow(const std::string& user,
+                                                    std::optional<StreamTypes>& types) const {
+    if (!types)
+        return Response::error(400, "types are names of changes");
+    if (!context->dispatcher.isOpen())
+        return Dispatcher::notOpen();
+    if (!all->mayFollow(client))
+        return busy("too many follow the changes");
+    if (context->access.roleOf(user) >= Role::engineer || !types->contains(ChangeType::log))
+        return std::nullopt;
+    if (types->areNamed())
+        return Response::error(403, "the log takes the role engineer");
+    types->remove(ChangeType::log);
+    return std::nullopt;
 }
 
 /// What follows on the connection might not be read as it was meant.
 void HttpSession::refuse(Response reply) {
-    send(std::move(reply), {11, false, false});
+    manner = {11, manner.headOnly, false};
+    send(std::move(reply));
 }
 
-void HttpSession::send(Response reply, Manner manner) {
+void HttpSession::send(Response reply) {
     Error ignored;
     stream.next_layer().socket().cancel(ignored);  // the client is not watched any more
     enter(Phase::sending);
     hold(0);
     if (!hold(sizeOf(reply)))
-        reply = busy();
+        reply = busy("too many answers are on their way to other clients");
     manner.keepAlive = manner.keepAlive && !closing;
     answer.emplace(std::move(reply), manner);
     write();

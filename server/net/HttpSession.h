@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -9,13 +8,13 @@
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/string_body.hpp>
 
+#include "server/http/ClientAddress.h"
 #include "server/http/Dispatcher.h"
 #include "server/net/Answer.h"
 #include "server/net/ClientStream.h"
 #include "server/net/Connection.h"
 #include "server/net/StreamHub.h"
 #include "server/users/AccessControl.h"
-#include "server/users/Audit.h"
 
 namespace hmi {
 
@@ -23,8 +22,8 @@ namespace hmi {
 struct SessionContext {
     AccessControl& access;
     Dispatcher& dispatcher;
-    const Audit& audit;
     StreamHub& hub;
+    const TrustedProxies proxies;
     Connections connections;
 
     static std::shared_ptr<Connections> connectionsOf(const std::shared_ptr<SessionContext>& of) {
@@ -48,22 +47,23 @@ private:
     using Parser = boost::beast::http::request_parser<boost::beast::http::string_body>;
 
     void readRequest();
+    void readHeader();
     void onHeader(Error error);
     void readBody();
     void sendContinue();
     void onBody(Error error);
     void onReadFailed(Error error);
     void serve();
-    void dispatch(Request admitted, std::optional<Response> refusal, const Manner& manner);
     /// Whoever lets go last, on whatever thread, the session ends on its own.
     std::shared_ptr<HttpSession> sharedWithWorkers();
-    std::shared_ptr<const std::atomic<bool>> watchClient();
+    std::shared_ptr<const Presence> watchClient();
     void follow();
     void accept(const Request& admitted, std::optional<Response> refusal);
-    Request request();
+    std::optional<Response> whyNotToFollow(const std::string& user,
+                                           std::optional<StreamTypes>& types) const;
 
     void refuse(Response reply);
-    void send(Response reply, Manner manner);
+    void send(Response reply);
     void write();
     void onWritten(Error error);
     void fetchPart();
@@ -77,10 +77,16 @@ private:
     const ClientStream::executor_type executor;
     boost::beast::flat_buffer buffer;
     std::optional<Parser> parser;
+    // Of the request that is being received or served, as its head tells.
+    Request request;
+    std::string target;
+    Manner manner;
+    boost::asio::ip::address client;  ///< the peer, or whom a proxy names
+    bool upgrades = false;            ///< to follow the stream
+
     std::optional<Answer> answer;
-    bool idle = true;      ///< no request has begun to arrive
     bool handedOver = false;  ///< the stream has gone to another session
-    bool closing = false;  ///< no request after this one
+    bool closing = false;     ///< no request after this one
 };
 
 }  // namespace hmi

@@ -70,18 +70,25 @@ std::optional<Response> faultOf(const http::request_header<>& head) {
     return std::nullopt;
 }
 
-Request takeRequest(http::request<http::string_body>& message) {
+Request requestOf(const http::request_header<>& head) {
     Request request;
-    request.method = methodOf(message.method());
-    request.host = fieldOf(message, http::field::host);
-    request.origin = fieldOf(message, http::field::origin);
-    request.authorization = fieldOf(message, http::field::authorization);
-    request.cookie = fieldOf(message, http::field::cookie);
-    request.ifNoneMatch = fieldOf(message, http::field::if_none_match);
-    request.acceptsGzip = acceptsGzip(message);
-    request.fromPage = message.find("Sec-Fetch-Mode") != message.end();
-    request.body = std::move(message.body());
+    request.method = methodOf(head.method());
+    request.host = fieldOf(head, http::field::host);
+    request.origin = fieldOf(head, http::field::origin);
+    request.authorization = fieldOf(head, http::field::authorization);
+    request.cookie = fieldOf(head, http::field::cookie);
+    request.ifNoneMatch = fieldOf(head, http::field::if_none_match);
+    request.acceptsGzip = acceptsGzip(head);
+    request.fromPage = head.find("Sec-Fetch-Mode") != head.end();
     return request;
+}
+
+std::string forwardedForOf(const http::request_header<>& head) {
+    std::string all;
+    const auto range = head.equal_range("X-Forwarded-For");
+    for (auto field = range.first; field != range.second; ++field)
+        all.append(all.empty() ? "" : ",").append(field->value());
+    return all;
 }
 
 }  // namespace hmi

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include <boost/beast/http/fields.hpp>
 #include <boost/beast/http/message.hpp>
-#include <boost/beast/http/string_body.hpp>
 
 #include "server/http/Request.h"
 #include "server/http/Response.h"
@@ -15,8 +15,9 @@ namespace hmi {
 /// where it ends, or whom it is for, would be read in another way by a proxy in front of us.
 std::optional<Response> faultOf(const boost::beast::http::request_header<>& head);
 
-/// Takes the body out of the message.
-Request takeRequest(
-    boost::beast::http::request<boost::beast::http::string_body>& message);
+/// All but its target and its body.
+Request requestOf(const boost::beast::http::request_header<>& head);
+/// Whom the proxies on the way have noted, the nearest last.
+std::string forwardedForOf(const boost::beast::http::request_header<>& head);
 
 }  // namespace hmi

@@ -30,23 +30,26 @@ bool StreamHub::post(const Change& change) noexcept {
     return !overflown;
 }
 
-void StreamHub::join(std::shared_ptr<IStreamClient> client, StreamTypes types) {
-    if (clients.emplace(std::move(client), types).second)
+StreamLines::Position StreamHub::join(std::shared_ptr<IStreamClient> client) {
+    if (clients.insert(std::move(client)).second)
         metrics.countStreamClients(1);
     if (!beating)
         beat();
     Lock lock(mutex);
     followed = true;
+    return recent.end();
 }
 
 void StreamHub::leave(const IStreamClient* client) {
     const auto found = std::find_if(clients.begin(), clients.end(), [&](const auto& joined) {
-        return joined.first.get() == client;
+        return joined.get() == client;
     });
     if (found == clients.end())
         return;
     clients.erase(found);
     metrics.countStreamClients(-1);
+    if (clients.empty())
+        recent.dropBefore(recent.end());
     Lock lock(mutex);
     followed = !clients.empty();
 }
@@ -75,20 +78,25 @@ std::deque<Change> StreamHub::takeChanges() {
 
 void StreamHub::drain() {
     for (const Change& change : takeChanges())
-        send(change);
+        recent.add(change.type, toLine(change));
+    deliver();
 }
 
-void StreamHub::send(const Change& change) {
-    const auto line = std::make_shared<const std::string>(toLine(change, ++sequence));
+/// Each client takes its lines as fast as it can; what all have taken goes.
+void StreamHub::deliver() {
+    StreamLines::Position taken = recent.end();
     const auto receivers = clients;  // a client that is disconnected leaves meanwhile
-    for (const auto& [client, types] : receivers) {
-        const bool isWanted = change.type == ChangeType::alive || types.contains(change.type);
-        if (!isWanted || client->send(line))
+    for (const auto& client : receivers) {
+        if (client->position() < recent.begin()) {
+            log(LogLevel::warning, "a client of the stream was too slow");
+            metrics.countSlowClient();
+            client->disconnect();
             continue;
-        log(LogLevel::warning, "a client of the stream was too slow");
-        metrics.countSlowClient();
-        client->disconnect();
+        }
+        client->wake();
+        taken = std::min(taken, client->position());
     }
+    recent.dropBefore(taken);
 }
 
 /// As long as there are clients.
@@ -101,14 +109,15 @@ void StreamHub::beat() {
     heartbeat.async_wait([this](const boost::system::error_code& error) {
         if (error)
             return;
-        send({.type = ChangeType::alive});
+        recent.add(ChangeType::alive, toLine({.type = ChangeType::alive}));
+        deliver();
         beat();
     });
 }
 
 void StreamHub::disconnectAll() {
     const auto receivers = clients;
-    for (const auto& [client, types] : receivers) {
+    for (const auto& client : receivers) {
         metrics.countSlowClient();
         client->disconnect();
     }

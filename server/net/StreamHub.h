@@ -1,9 +1,8 @@
 #pragma once
 
 #include <deque>
-#include <map>
 #include <memory>
-#include <string>
+#include <set>
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -11,17 +10,17 @@
 #include "platform/Mutex.h"
 #include "server/events/ChangeFeed.h"
 #include "server/metrics/Metrics.h"
-#include "server/net/StreamTypes.h"
+#include "server/net/StreamLines.h"
 
 namespace hmi {
-
-using StreamLine = std::shared_ptr<const std::string>;
 
 /// One that follows the changes. Used on the I/O thread only.
 class IStreamClient {
 public:
-    /// False when the client has fallen too far behind to go on.
-    virtual bool send(StreamLine line) = 0;
+    /// There may be lines that it has not been given.
+    virtual void wake() = 0;
+    /// Of the next line that it asks for.
+    virtual StreamLines::Position position() const = 0;
     virtual void disconnect() = 0;
 
 protected:
@@ -29,8 +28,8 @@ protected:
 };
 
 /// Takes changes from any thread and brings them, in their order, to all clients on the I/O
-/// thread. A client that joins gets all changes of its types from then on, or is disconnected; and
-/// a sign of life when nothing happens.
+/// thread. A client that joins can have all changes from then on, or is disconnected; and a sign of
+/// life when nothing happens.
 class StreamHub final : public IChangeListener {
 public:
     StreamHub(boost::asio::io_context& io, Metrics& metrics)
@@ -39,24 +38,28 @@ public:
     bool post(const Change& change) noexcept override;
 
     // On the I/O thread.
-    void join(std::shared_ptr<IStreamClient> client, StreamTypes types);
+    /// Answers where the client is to begin.
+    StreamLines::Position join(std::shared_ptr<IStreamClient> client);
     void leave(const IStreamClient* client);
+    const StreamLines& lines() const noexcept { return recent; }
 
 private:
     void drain();
     std::deque<Change> takeChanges();
-    void send(const Change& change);
+    void deliver();
     void beat();
     void disconnectAll();
 
     /// Changes that wait for the I/O thread beyond this number cost all clients their connection.
     static constexpr std::size_t maxWaiting = 200'000;
+    /// What all clients together have still to be sent; who is further behind is too slow.
+    static constexpr std::size_t maxBytes = 32 << 20;
 
     boost::asio::io_context& io;
     Metrics& metrics;
     // I/O thread only.
-    std::map<std::shared_ptr<IStreamClient>, StreamTypes> clients;
-    std::uint64_t sequence = 0;  ///< of the lines
+    std::set<std::shared_ptr<IStreamClient>> clients;
+    StreamLines recent{maxBytes};
     boost::asio::steady_timer heartbeat;
     bool beating = false;
 

@@ -1,5 +1,6 @@
 #include "server/net/StreamSession.h"
 
+#include <array>
 #include <chrono>
 
 #include <boost/asio/buffer.hpp>
@@ -12,7 +13,6 @@ namespace websocket = beast::websocket;
 
 namespace {
 
-constexpr std::size_t maxWaitingBytes = 32 << 20;
 constexpr std::size_t maxReceivedBytes = 4 << 10;
 
 }  // namespace
@@ -26,16 +26,17 @@ StreamSession::StreamSession(ClientStream from, const asio::ip::address& client,
     stream.set_option(websocket::stream_base::timeout::suggested(beast::role_type::server));
     stream.read_message_max(maxReceivedBytes);
     stream.text(true);
-    enter(Phase::busy);
+    enter(Phase::following);
 }
 
 void StreamSession::accept(beast::http::request<beast::http::string_body> upgrade,
-                           StreamTypes types, AccessControl::Admission admitted) {
+                           StreamTypes wanted, AccessControl::Admission admitted) {
     admission = std::move(admitted);
     request = std::move(upgrade);
+    types = wanted;
     // Before the client learns that it is accepted: what it reads of the list from then on and
     // what it is told must leave no gap.
-    context->hub.join(shared_from_this(), types);
+    next = context->hub.join(shared_from_this());
     stream.async_accept(
         request, [self = shared_from_this()](beast::error_code error) { self->onAccepted(error); });
 }
@@ -45,7 +46,7 @@ void StreamSession::onAccepted(beast::error_code error) {
         return disconnect();
     accepted = true;
     read();
-    write();
+    wake();
     if (context->access.hasUsers())
         watchAdmission();
 }
@@ -73,28 +74,24 @@ void StreamSession::read() {
     });
 }
 
-bool StreamSession::send(StreamLine line) {
-    waitingBytes += line->size();
-    lines.push_back(std::move(line));
-    if (waitingBytes > maxWaitingBytes)
-        return false;
-    write();
-    return true;
+void StreamSession::wake() {
+    if (!accepted || line)
+        return;
+    line = context->hub.lines().next(next, types);
+    if (line)
+        write();
 }
 
 void StreamSession::write() {
-    if (!accepted || writing || lines.empty())
-        return;
-    writing = true;
-    stream.async_write(asio::buffer(*lines.front()),
-                       [self = shared_from_this()](beast::error_code error, std::size_t) {
-                           if (error)
-                               return self->disconnect();
-                           self->writing = false;
-                           self->waitingBytes -= self->lines.front()->size();
-                           self->lines.pop_front();
-                           self->write();
-                       });
+    beginning = "{\"seq\":" + std::to_string(++sequence) + ",";
+    const std::array<asio::const_buffer, 2> parts{asio::buffer(beginning),
+                                                  asio::buffer(*line) + 1};  // without its brace
+    stream.async_write(parts, [self = shared_from_this()](beast::error_code error, std::size_t) {
+        if (error)
+            return self->disconnect();
+        self->line.reset();
+        self->wake();
+    });
 }
 
 void StreamSession::disconnect() {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <deque>
 #include <memory>
+#include <string>
 
 #include <boost/asio/steady_timer.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
@@ -25,7 +25,8 @@ public:
 
     void accept(boost::beast::http::request<boost::beast::http::string_body> request,
                 StreamTypes types, AccessControl::Admission admitted);
-    bool send(StreamLine line) override;
+    void wake() override;
+    StreamLines::Position position() const override { return next; }
     void disconnect() override;
     void close() override;
     void abort() override { disconnect(); }
@@ -44,10 +45,12 @@ private:
     AccessControl::Admission admission;
     boost::asio::steady_timer admissionCheck;
     boost::beast::flat_buffer received;
-    std::deque<StreamLine> lines;  ///< the first is being written when `writing`
-    std::size_t waitingBytes = 0;
+    StreamTypes types;
+    StreamLines::Position next = 0;
+    std::uint64_t sequence = 0;  ///< of the lines that this client was sent
+    StreamLine line;             ///< being written; null: none
+    std::string beginning;       ///< and what is written before it
     bool accepted = false;
-    bool writing = false;
 };
 
 }  // namespace hmi

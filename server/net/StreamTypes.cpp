@@ -27,6 +27,7 @@ std::optional<StreamTypes> StreamTypes::parse(std::string_view target) try {
         parsed.types.set();
         return parsed;
     }
+    parsed.named = true;
     for (std::string_view rest = *wanted; !rest.empty();) {
         const std::size_t end = std::min(rest.find(','), rest.size());
         const auto index = indexOf(rest.substr(0, end));

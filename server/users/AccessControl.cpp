@@ -47,6 +47,10 @@ Response unauthorized(const Request& request, std::string_view text) {
     return response;
 }
 
+Response wrongPassword(const Request& request) {
+    return unauthorized(request, "wrong name or password");
+}
+
 Response tooMany(std::chrono::seconds wait) {
     Response response = Response::error(429, "too many wrong passwords; wait " +
                                                  std::to_string(wait.count()) + " seconds");
@@ -54,16 +58,16 @@ Response tooMany(std::chrono::seconds wait) {
     return response;
 }
 
-void logRefused(const Request& request, const std::string& user, const char* why) {
-    constexpr std::size_t longest = 64;
-    log(LogLevel::warning, "audit: sign-in refused user=" + user.substr(0, longest) +
-                               " peer=" + request.peer + ": " + why);
+/// Stands for one password of one user, and tells nothing about it.
+std::string fingerprintOf(const std::string& user, const std::string& password,
+                          const std::string& proof) {
+    return fingerprint(user + '\0' + password + '\0' + proof);
 }
 
 }  // namespace
 
-AccessControl::AccessControl(OriginPolicy given, std::filesystem::path file)
-    : policy(std::move(given)), userFile(std::move(file)) {
+AccessControl::AccessControl(OriginPolicy given, std::filesystem::path file, const Audit& to)
+    : policy(std::move(given)), userFile(std::move(file)), audit(to) {
     if (hasUsers())
         users = std::make_shared<const Users>(readUsers(userFile));
 }
@@ -80,7 +84,6 @@ void AccessControl::reload() {
         auto read = std::make_shared<const Users>(readUsers(userFile));
         Lock lock(mutex);
         users.swap(read);
-        remembered.clear();
     } catch (const StartError& error) {
         return log(LogLevel::error, std::string("the users stay as they were: ") + error.what());
     }
@@ -120,8 +123,7 @@ void AccessControl::admit(Request request, std::string_view target, Decided deci
         return decided(std::move(request), Response::error(error.status, error.what()));
     }
     const std::string token = tokenOf(request.cookie);
-    if (!token.empty())
-        request.user = sessions.userOf(token, Clock::now()).value_or("");
+    request.user = sessionUserOf(token);
     decide(std::move(request), decided);
 }
 
@@ -149,7 +151,7 @@ std::optional<AccessControl::Credentials> AccessControl::credentialsOf(const Req
 AccessControl::Admission AccessControl::admissionOf(const Request& admitted) const {
     Admission admission{admitted.user, {}, userOf(admitted.user)};
     const std::string token = tokenOf(admitted.cookie);
-    if (sessions.userOf(token, Clock::now()) == admitted.user)
+    if (!token.empty() && sessionUserOf(token) == admitted.user)
         admission.token = token;
     return admission;
 }
@@ -159,11 +161,16 @@ bool AccessControl::holds(const Admission& admission) const {
         return true;
     return admission.as && userOf(admission.user) == admission.as &&
            (admission.token.empty() ||
-            sessions.userOf(admission.token, Clock::now()) == admission.user);
+            sessionUserOf(admission.token) == admission.user);
 }
 
 void AccessControl::admitWith(Credentials credentials, Request request, Decided decided) {
-    if (!isSignIn(request) && isRemembered(credentials)) {
+    if (credentials.user.size() > longestUserName) {  // nobody's
+        Response refusal = wrongPassword(request);
+        return refuseSignIn(std::move(request), credentials.user, std::move(refusal), decided);
+    }
+    if (!isSignIn(request) && isRemembered(fingerprintOf(credentials.user, credentials.password,
+                                                         proofOf(credentials.user)))) {
         request.user = credentials.user;
         return decide(std::move(request), decided);
     }
@@ -194,25 +201,32 @@ void AccessControl::verify(const Credentials& credentials, Request request,
                            const Decided& decided) {
     const auto now = Clock::now();
     const auto wait = limiter.wait(request.peer, credentials.user, now);
-    if (wait.count() > 0) {
-        logRefused(request, credentials.user, "too many wrong passwords");
-        return decided(std::move(request), tooMany(wait));
-    }
+    if (wait.count() > 0)
+        return refuseSignIn(std::move(request), credentials.user, tooMany(wait), decided);
     // A name that nobody has takes as long as one that somebody has.
     static const std::string nobody = hashPassword(randomToken());
     const auto known = currentUsers();
     const auto user = known->find(credentials.user);
     const bool exists = user != known->end();
-    if (!isPassword(credentials.password, exists ? user->second.passwordHash : nobody) || !exists) {
+    const std::string& hash = exists ? user->second.passwordHash : nobody;
+    if (!isPassword(credentials.password, hash) || !exists) {
         limiter.failed(request.peer, credentials.user, now);
-        logRefused(request, credentials.user, "wrong name or password");
-        Response refusal = unauthorized(request, "wrong name or password");
-        return decided(std::move(request), std::move(refusal));
+        Response refusal = wrongPassword(request);
+        return refuseSignIn(std::move(request), credentials.user, std::move(refusal), decided);
     }
     limiter.succeeded(credentials.user);
-    remember(credentials);
     request.user = credentials.user;
+    request.proof = fingerprint(hash);
+    remember(fingerprintOf(credentials.user, credentials.password, request.proof));
     decide(std::move(request), decided);
+}
+
+void AccessControl::refuseSignIn(Request request, const std::string& user, Response refusal,
+                                 const Decided& decided) const {
+    audit.record({user.substr(0, longestUserName), request.peer, "sign-in", refusal.status,
+                  refusal.body},
+                 LogLevel::warning);
+    decided(std::move(request), std::move(refusal));
 }
 
 void AccessControl::decide(Request request, const Decided& decided) const {
@@ -226,15 +240,24 @@ void AccessControl::decide(Request request, const Decided& decided) const {
     decided(std::move(request), std::move(refusal));
 }
 
-bool AccessControl::isRemembered(const Credentials& credentials) const {
-    const std::string key = fingerprint(credentials.user + '\0' + credentials.password);
+std::string AccessControl::sessionUserOf(const std::string& token) const {
+    const auto session = sessions.find(token, Clock::now());
+    return session && session->proof == proofOf(session->user) ? session->user : std::string();
+}
+
+/// Of the password that a user has now; empty when there is no such user.
+std::string AccessControl::proofOf(const std::string& user) const {
+    const auto known = userOf(user);
+    return known ? fingerprint(known->passwordHash) : std::string();
+}
+
+bool AccessControl::isRemembered(const std::string& key) const {
     Lock lock(mutex);
     const auto found = remembered.find(key);
     return found != remembered.end() && found->second > Clock::now();
 }
 
-void AccessControl::remember(const Credentials& credentials) {
-    const std::string key = fingerprint(credentials.user + '\0' + credentials.password);
+void AccessControl::remember(const std::string& key) {
     const auto now = Clock::now();
     Lock lock(mutex);
     if (remembered.size() >= maxRemembered)
@@ -243,8 +266,8 @@ void AccessControl::remember(const Credentials& credentials) {
         remembered[key] = now + memoryTime;
 }
 
-std::string AccessControl::openSession(const std::string& user) {
-    return std::string(cookieName) + sessions.open(user, Clock::now());
+std::string AccessControl::openSession(const Request& admitted) {
+    return std::string(cookieName) + sessions.open(admitted.user, admitted.proof, Clock::now());
 }
 
 void AccessControl::closeSession(const std::string& cookie) {

@@ -15,6 +15,7 @@
 #include "server/http/OriginPolicy.h"
 #include "server/http/Request.h"
 #include "server/http/Response.h"
+#include "server/users/Audit.h"
 #include "server/users/Sessions.h"
 #include "server/users/SignInLimiter.h"
 #include "server/users/UserFile.h"
@@ -26,7 +27,7 @@ namespace hmi {
 class AccessControl {
 public:
     /// An empty path: no users. Throws StartError.
-    AccessControl(OriginPolicy policy, std::filesystem::path userFile);
+    AccessControl(OriginPolicy policy, std::filesystem::path userFile, const Audit& audit);
     ~AccessControl() { stop(); }
     /// No password is checked any more; returns when none is being checked.
     void stop();
@@ -51,8 +52,8 @@ public:
     /// Reads the file again; one that cannot be used changes nothing, and is told in the log.
     void reload();
 
-    // Sessions of users who have been admitted.
-    std::string openSession(const std::string& user);
+    /// The cookie of a session of the user who was admitted; it lasts as long as his password.
+    std::string openSession(const Request& admitted);
     void closeSession(const std::string& cookie);
 
 private:
@@ -65,21 +66,28 @@ private:
     void admitWith(Credentials credentials, Request request, Decided decided);
     bool queueUp();
     void verify(const Credentials& credentials, Request request, const Decided& decided);
+    void refuseSignIn(Request request, const std::string& user, Response refusal,
+                      const Decided& decided) const;
     /// Decides for a request whose user is known by now, or not at all.
     void decide(Request request, const Decided& decided) const;
     std::shared_ptr<const Users> currentUsers() const;
     std::optional<User> userOf(const std::string& name) const;
-    bool isRemembered(const Credentials& credentials) const;
-    void remember(const Credentials& credentials);
+    /// Of the session that still holds; empty when there is none.
+    std::string sessionUserOf(const std::string& token) const;
+    std::string proofOf(const std::string& user) const;
+    bool isRemembered(const std::string& key) const;
+    void remember(const std::string& key);
 
     const OriginPolicy policy;
     const std::filesystem::path userFile;
+    const Audit& audit;
     Sessions sessions;
     SignInLimiter limiter;
 
     mutable Mutex mutex;  ///< guards what follows; nothing is called under it
     std::shared_ptr<const Users> users GUARDED_BY(mutex);
-    /// Passwords found right a short time ago, by fingerprint, and when they are checked again.
+    /// Passwords found right a short time ago, by fingerprint of them and of the hash that they
+    /// were checked against, and when they are checked again.
     std::map<std::string, std::chrono::steady_clock::time_point> remembered GUARDED_BY(mutex);
     std::size_t waiting GUARDED_BY(mutex) = 0;  ///< for their password to be checked
 

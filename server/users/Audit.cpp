@@ -1,5 +1,7 @@
 #include "server/users/Audit.h"
 
+#include <boost/json/serialize.hpp>
+
 #include "server/Log.h"
 #include "server/http/MethodName.h"
 #include "server/json/Utf8.h"
@@ -15,32 +17,47 @@ std::string shortened(std::string_view text) {
     return text.size() > longestText ? part + "..." : part;
 }
 
-}  // namespace
-
-std::optional<AuditEntry> Audit::entryOf(const Request& request) {
+bool isChange(const Request& request) {
     const auto& path = request.target.path;
-    if (request.method == Method::get || request.method == Method::other || path.size() < 2 ||
-        path[0] != "api" || path[1] == "session")
-        return std::nullopt;
     const bool isTrial = request.method == Method::post && path.size() == 3 && path[1] == "config";
-    if (isTrial)
-        return std::nullopt;
-    std::string what = nameOf(request.method);
-    what += ' ';
-    for (const std::string& name : path)
-        what.append("/").append(name);
-    if (!request.body.empty())
-        what.append(" ").append(request.body);
-    return AuditEntry{request.user, request.peer, shortened(what), 0, {}};
+    return request.method != Method::get && request.method != Method::other && path.size() >= 2 &&
+           path[0] == "api" && path[1] != "session" && !isTrial;
 }
 
-void Audit::record(AuditEntry entry, const Response& response) const {
-    entry.status = response.status;
-    if (response.headers.empty())  // else it may be packed
-        entry.answer = shortened(response.body);
-    log(LogLevel::info, "audit: user=" + (entry.user.empty() ? "-" : entry.user) +
-                            " peer=" + entry.peer + " " + entry.what + " -> " +
-                            std::to_string(entry.status) + " " + entry.answer);
+std::string whatOf(const Request& request, std::string_view body) {
+    std::string what = nameOf(request.method);
+    what += ' ';
+    for (const std::string& name : request.target.path)
+        what.append("/").append(name);
+    if (!body.empty())
+        what.append(" ").append(body.substr(0, longestText));
+    return what;
+}
+
+/// Nothing in it looks like another part of the line.
+std::string quoted(std::string_view text) {
+    return boost::json::serialize(boost::json::string_view(text.data(), text.size()));
+}
+
+}  // namespace
+
+void Audit::record(const Request& request, const Response& response) const {
+    if (isChange(request) && !response.audited)
+        record({request.user, request.peer, whatOf(request, request.body), response.status,
+                response.body});
+}
+
+void Audit::recordRefused(const Request& request, const Response& response) const {
+    if (isChange(request))
+        record({request.user, request.peer, whatOf(request, {}), response.status, response.body});
+}
+
+void Audit::record(AuditEntry entry, LogLevel level) const {
+    entry.what = shortened(entry.what);
+    entry.answer = shortened(entry.answer);
+    log(level, "audit: user=" + (entry.user.empty() ? "-" : quoted(entry.user)) +
+                   " peer=" + entry.peer + " " + quoted(entry.what) + " -> " +
+                   std::to_string(entry.status) + " " + quoted(entry.answer));
     if (keeper)
         keeper(entry);
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 
+#include "server/Log.h"
 #include "server/http/Request.h"
 #include "server/http/Response.h"
 
@@ -11,7 +11,7 @@ namespace hmi {
 
 /// Something that a user changed or tried to change.
 struct AuditEntry {
-    std::string user;  ///< empty: nobody was asked
+    std::string user;  ///< empty: nobody was asked; of a refused sign-in the name that was given
     std::string peer;
     std::string what;  ///< method, path, and what was sent
     unsigned status = 0;
@@ -19,7 +19,7 @@ struct AuditEntry {
 };
 
 /// Who did what: each change that somebody asked for is a line of the log, and goes to whoever
-/// keeps a history. Any thread.
+/// keeps a history. What others have sent is quoted in the line. Any thread.
 class Audit {
 public:
     using Keeper = std::function<void(const AuditEntry&)>;
@@ -27,9 +27,12 @@ public:
     /// Set before the first request.
     void setKeeper(Keeper to) { keeper = std::move(to); }
 
-    /// Nothing for a request that changes nothing, or that is about secrets.
-    static std::optional<AuditEntry> entryOf(const Request& request);
-    void record(AuditEntry entry, const Response& response) const;
+    /// A request that was served, with its body; nothing when it changes nothing, is about secrets,
+    /// or its handler has told more exactly.
+    void record(const Request& request, const Response& response) const;
+    /// One that was not: its body was meant for nothing here, and may be a secret.
+    void recordRefused(const Request& request, const Response& response) const;
+    void record(AuditEntry entry, LogLevel level = LogLevel::info) const;
 
 private:
     Keeper keeper;

@@ -13,6 +13,7 @@ void SessionResource::addRoutes(Router& router) {
                [this](const Request& request) { return open(request); });
     router.add(Method::remove, "/api/session",
                [this](const Request& request) { return close(request); });
+    router.limitBody("/api/session", 4 << 10);
 }
 
 Response SessionResource::who(const Request& request) const {
@@ -32,7 +33,7 @@ Response SessionResource::open(const Request& request) {
     if (!access.hasUsers())
         throw RequestError(404, "nobody is asked who they are");
     using std::chrono::seconds;
-    return withCookie(who(request), access.openSession(request.user),
+    return withCookie(who(request), access.openSession(request),
                       seconds(Sessions::lifetime).count());
 }
 

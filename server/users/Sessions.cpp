@@ -6,11 +6,12 @@
 
 namespace hmi {
 
-std::string Sessions::open(const std::string& user, Clock::time_point now) {
+std::string Sessions::open(const std::string& user, const std::string& proof,
+                           Clock::time_point now) {
     std::string token = randomToken();
     Lock lock(mutex);
     makeRoom(user, now);
-    sessions.emplace(fingerprint(token), Session{user, now + lifetime});
+    sessions.emplace(fingerprint(token), Session{user, proof, now + lifetime});
     return token;
 }
 
@@ -29,14 +30,15 @@ void Sessions::makeRoom(const std::string& user, Clock::time_point now) {
         sessions.erase(oldest);
 }
 
-std::optional<std::string> Sessions::userOf(const std::string& token, Clock::time_point now) const {
+std::optional<Sessions::Session> Sessions::find(const std::string& token,
+                                                Clock::time_point now) const {
     // By the fingerprint: how long the look-up takes tells nothing about other tokens.
     const std::string key = fingerprint(token);
     Lock lock(mutex);
     const auto found = sessions.find(key);
     if (found == sessions.end() || found->second.end <= now)
         return std::nullopt;
-    return found->second.user;
+    return found->second;
 }
 
 void Sessions::close(const std::string& token) {

@@ -16,16 +16,18 @@ public:
     using Clock = std::chrono::steady_clock;
     static constexpr std::chrono::hours lifetime{12};
 
+    struct Session {
+        std::string user;
+        std::string proof;  ///< fingerprint of the password's hash by which it was opened
+        Clock::time_point end;
+    };
+
     /// The token of a new session. Of too many of one user the oldest ends.
-    std::string open(const std::string& user, Clock::time_point now);
-    std::optional<std::string> userOf(const std::string& token, Clock::time_point now) const;
+    std::string open(const std::string& user, const std::string& proof, Clock::time_point now);
+    std::optional<Session> find(const std::string& token, Clock::time_point now) const;
     void close(const std::string& token);
 
 private:
-    struct Session {
-        std::string user;
-        Clock::time_point end;
-    };
     static constexpr std::size_t maxOfUser = 100;
 
     void makeRoom(const std::string& user, Clock::time_point now) REQUIRES(mutex);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "server/http/ClientAddress.h"
+
 namespace hmi {
 
 using std::chrono::seconds;
@@ -13,7 +15,7 @@ constexpr seconds window{60};
 constexpr seconds longestBlock{3600};
 
 std::string peerKey(const std::string& peer) {
-    return "address " + peer;
+    return "address " + networkOf(peer);
 }
 std::string nameKey(const std::string& name) {
     return "name " + name;

@@ -9,9 +9,9 @@
 
 namespace hmi {
 
-/// Slows down those who guess passwords: ten wrong ones within a minute, from one address or for
-/// one name, block that address or name for a minute, and twice as long each further time, at most
-/// an hour. Thread-safe.
+/// Slows down those who guess passwords: ten wrong ones within a minute, from one address (of IP
+/// version 6: from one /64) or for one name, block that address or name for a minute, and twice as
+/// long each further time, at most an hour. Thread-safe.
 class SignInLimiter {
 public:
     using Clock = std::chrono::steady_clock;

@@ -26,8 +26,7 @@ std::string textOf(const json::object& fields, std::string_view name) {
 
 /// Names stand in the log and, before a colon, in headers.
 bool isName(std::string_view name) {
-    constexpr std::size_t longest = 64;
-    return !name.empty() && name.size() <= longest &&
+    return !name.empty() && name.size() <= longestUserName &&
            std::all_of(name.begin(), name.end(), [](char c) {
                return static_cast<unsigned char>(c) > 0x20 && c != 0x7F && c != ':';
            });

@@ -8,6 +8,8 @@
 
 namespace hmi {
 
+inline constexpr std::size_t longestUserName = 64;  ///< bytes
+
 struct User {
     std::string passwordHash;
     Role role;

@@ -84,7 +84,8 @@ protected:
     std::vector<std::string> arguments(const char* config) {
         return {"--extension", TEST_EXTENSION_FILE,
                 "--config",    files.write("config.json", config),
-                "--port",      "0"};
+                "--port",      "0",
+                "--log-level", "debug"};
     }
     static bool hangs(ChildProcess& server) {
         return eventually([&] { return server.errors().find("hanging") != std::string::npos; });
@@ -109,6 +110,15 @@ protected:
 TEST_F(StopTest, DuringInitIsHeardByTheExtension) {
     ChildProcess server(SERVER_FILE, arguments(R"({"TIMEOUT": "PT60S", "HANG_IN_INIT": true})"));
     ASSERT_TRUE(hangs(server));
+    const std::string log = server.errors();
+    const auto at = log.find("127.0.0.1:");
+    ASSERT_NE(at, std::string::npos) << log;
+    const auto port = static_cast<std::uint16_t>(std::stoi(log.substr(at + 10)));
+    for (const char* early : {"/healthz", "/api/version"})
+        EXPECT_EQ(sendRequest(port, "GET", early).status, 200U);
+    for (const char* later : {"/readyz", "/", "/api/events"})
+        EXPECT_EQ(sendRequest(port, "GET", later).status, 503U) << later;
+    EXPECT_ANY_THROW(StreamClient{port});
     server.interrupt();
     EXPECT_EQ(server.wait(), 0);
     EXPECT_THAT(server.errors(), testing::HasSubstr("stopping\nshut down\ndestroyed without"));
@@ -148,6 +158,13 @@ protected:
     const std::string before;
 };
 
+std::string manyParameters() {
+    std::string query;
+    for (int i = 0; i < 33; ++i)
+        query += "p" + std::to_string(i) + "&";
+    return query;
+}
+
 TEST_F(BadRequest, IsAnsweredAndChangesNothing) {
     const struct {
         unsigned status;
@@ -173,6 +190,9 @@ TEST_F(BadRequest, IsAnsweredAndChangesNothing) {
           "[{\"command\": \"host\", \"value\": 1}]", "[{\"command\": \"host\"}] x", "[\"\xFF\"]"}},
         {400, "POST /api/commands ", {std::string(100, '[')}},
         {413, "POST /api/commands ", {std::string(std::size_t{2} << 20, ' ')}},
+        {413, "POST /sim/1.2.3.4.5.6 ", {std::string(std::size_t{2} << 20, ' ')}},
+        {413, "POST /api/session ", {std::string(5000, ' ')}},
+        {400, "GET /healthz?", {manyParameters()}},
         {400,
          "PUT /api/config/",
          {"A::::B 1", "::A 1", "TIMEOUT {", "TIMEOUT", "TIMEOUT::SECONDS 1",
@@ -226,6 +246,7 @@ TEST_F(BadRequest, EndsWhereEverybodySeesItsEnd) {
         {"HEAD /api/log HTTP/1.1\r\n" + host + "\r\n", "200 200"},
         {"HEAD /nothing HTTP/1.1\r\n" + host + "\r\n", "404 200"},
         {"GET http://127.0.0.1/ HTTP/1.1\r\nHost: x\r\n\r\n", "200 200"},
+        {"GET HTTPS://127.0.0.1/ HTTP/1.1\r\nHost: x\r\n\r\n", "200 200"},
         {"GET http://evil.example/ HTTP/1.1\r\n" + host + "\r\n", "403 200"},
         {"GET ftp://127.0.0.1/ HTTP/1.1\r\n" + host + "\r\n", "400 200"},
         {"GET //evil.example/ HTTP/1.1\r\n" + host + "\r\n", "404 200"},
@@ -255,6 +276,13 @@ TEST_F(BadRequest, EndsWhereEverybodySeesItsEnd) {
     for (const auto& [bytes, statuses] : cases)
         EXPECT_EQ(statusesOf(exchange(server.port(), bytes + last)), statuses)
             << bytes.substr(0, 120);
+    for (const std::string& refused :
+         {"HEAD / HTTP/1.1\r\n\r\n" + last,
+          "HEAD / HTTP/1.1\r\n" + host + "Content-Length: 9999999\r\n\r\n" + last})
+        EXPECT_THAT(exchange(server.port(), refused), testing::EndsWith("\r\n\r\n"));
+    EXPECT_EQ(statusesOf(exchange(server.port(), post + "Content-Length: 2\r\n\r\n[]", true)),
+              "200")
+        << "who has said all that he wants to say can still listen";
 }
 
 TEST_F(HostTest, AnswersFitWhatTheClientHasAndTakes) {

@@ -47,13 +47,16 @@ HttpAnswer sendRaw(std::uint16_t port, const std::string& bytes) {
     return error ? HttpAnswer() : HttpAnswer{parser.get().result_int(), parser.get().body()};
 }
 
-std::string exchange(std::uint16_t port, const std::string& bytes) {
+std::string exchange(std::uint16_t port, const std::string& bytes, bool endsItsSide) {
     asio::io_context io;
     beast::tcp_stream stream(io);
     stream.connect(loopback(port));
     stream.expires_after(std::chrono::minutes(1));
     std::string received;
-    asio::async_write(stream, asio::buffer(bytes), [](error_code, std::size_t) {});
+    asio::async_write(stream, asio::buffer(bytes), [&](error_code error, std::size_t) {
+        if (endsItsSide)
+            stream.socket().shutdown(asio::socket_base::shutdown_send, error);
+    });
     asio::async_read(stream, asio::dynamic_buffer(received), [](error_code, std::size_t) {});
     io.run();
     return received;
@@ -101,12 +104,19 @@ HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std:
     return answer;
 }
 
-void abandonRequest(std::uint16_t port, const std::string& method, const std::string& target) {
-    asio::io_context io;
-    asio::ip::tcp::socket socket(io);
-    socket.connect(loopback(port));
-    asio::write(socket,
+std::shared_ptr<void> beginRequest(std::uint16_t port, const std::string& method,
+                                   const std::string& target) {
+    struct Connection {
+        ~Connection() { socket.close(); }  // which resets it; its own end would not
+        asio::io_context io;
+        asio::ip::tcp::socket socket{io};
+    };
+    const auto connection = std::make_shared<Connection>();
+    connection->socket.connect(loopback(port));
+    connection->socket.set_option(asio::socket_base::linger(true, 0));
+    asio::write(connection->socket,
                 asio::buffer(method + " " + target + " HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n"));
+    return connection;
 }
 
 struct StreamClient::Connection {

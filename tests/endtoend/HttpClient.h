@@ -29,10 +29,12 @@ HttpAnswer sendRequest(std::uint16_t port, const std::string& method, const std:
 HttpAnswer sendRaw(std::uint16_t port, const std::string& bytes);
 
 /// All that the server answers to these bytes until it closes the connection, for a minute at most.
-std::string exchange(std::uint16_t port, const std::string& bytes);
+/// `endsItsSide`: it is told that nothing more will be sent.
+std::string exchange(std::uint16_t port, const std::string& bytes, bool endsItsSide = false);
 
-/// Sends a request on a connection of its own and leaves before there can be an answer.
-void abandonRequest(std::uint16_t port, const std::string& method, const std::string& target);
+/// Sends a request on a connection of its own, which is broken when the result goes.
+std::shared_ptr<void> beginRequest(std::uint16_t port, const std::string& method,
+                                   const std::string& target);
 
 /// Follows the stream of the server.
 class StreamClient {

@@ -253,7 +253,9 @@ TEST_F(Scenario, CallsThatHangInARuntimeHoldUpNoOthers) {
     };
     ASSERT_TRUE(isMetric("hmi_lane_running{lane=\"confirmations\"} 2"));
     ASSERT_TRUE(isMetric("hmi_lane_waiting{lane=\"confirmations\"} 18"));
-    abandonRequest(server.port(), "POST", hangs);
+    auto abandoned = beginRequest(server.port(), "POST", hangs);
+    ASSERT_TRUE(isMetric("hmi_lane_waiting{lane=\"confirmations\"} 19"));
+    abandoned.reset();
 
     EXPECT_EQ(server.send("POST", confirmationOf("Packer")).json().at("result"), 0);
     EXPECT_EQ(

@@ -1,10 +1,14 @@
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 
+#include "server/StartError.h"
+#include "server/http/ClientAddress.h"
 #include "server/net/Connection.h"
+#include "server/net/StreamLines.h"
 
 namespace hmi {
 
@@ -12,14 +16,20 @@ namespace {
 
 class Client final : public Connection {
 public:
-    Client(std::shared_ptr<Connections> all, const char* from)
+    Client(std::shared_ptr<Connections> all, const std::string& from)
         : Connection(std::move(all), boost::asio::ip::make_address(from)) {}
 
     void close() override {}
     void abort() override { ended = true; }
     void become(const char* phase) {
-        enter(*phase == 'i' ? Phase::idle : *phase == 's' ? Phase::sending : Phase::busy);
+        const std::map<std::string, Phase> phases{{"idle", Phase::idle},
+                                                  {"receiving", Phase::receiving},
+                                                  {"busy", Phase::serving},
+                                                  {"sending", Phase::sending},
+                                                  {"following", Phase::following}};
+        enter(phases.at(phase));
     }
+    bool holds(std::size_t bytes) { return hold(bytes); }
 
     bool ended = false;
 };
@@ -27,7 +37,7 @@ public:
 class ConnectionsTest : public testing::Test {
 protected:
     /// The newest one, and whether it may stay.
-    bool come(const char* from, const char* phase = "idle") {
+    bool come(const std::string& from, const char* phase = "idle") {
         clients.push_back(std::make_unique<Client>(all, from));
         const bool stays = all->makeRoomFor(*clients.back());
         clients.back()->become(phase);
@@ -40,8 +50,9 @@ protected:
         return text;
     }
 
-    const std::shared_ptr<Connections> all =
-        std::make_shared<Connections>(Connections::Limits{4, 2, 1000});
+    const std::shared_ptr<Connections> all = std::make_shared<Connections>(
+        Connections::Limits{4, 2, 2, 1, 1000, std::chrono::milliseconds(0)},
+        [](const auto& peer) { return peer.to_string() == "10.0.0.99"; });
     std::vector<std::unique_ptr<Client>> clients;
 };
 
@@ -74,6 +85,75 @@ TEST_F(ConnectionsTest, AnAddressHasItsShareOnly) {
     EXPECT_FALSE(come("10.0.0.1")) << "however it is written";
     clients.clear();
     EXPECT_TRUE(come("10.0.0.1"));
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(come("10.0.0.99", "busy")) << "a proxy speaks for many";
+}
+
+TEST_F(ConnectionsTest, RequestsThatOnlyArriveAndFollowersLockNobodyOut) {
+    for (const char* from : {"10.0.0.1", "10.0.0.2", "10.0.0.3"})
+        EXPECT_TRUE(come(from, "receiving"));
+    EXPECT_TRUE(come("10.0.0.4", "sending"));
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(come("10.0.1." + std::to_string(i), "receiving"));
+    EXPECT_EQ(ended(), "xx.x...") << "who takes nothing, then the oldest requests";
+    clients.clear();
+    const auto mayFollow = [&](const char* from) {
+        return all->mayFollow(boost::asio::ip::make_address(from));
+    };
+    come("2001:db8::1", "following");
+    EXPECT_FALSE(mayFollow("2001:db8::2"));
+    EXPECT_TRUE(mayFollow("10.0.0.1"));
+    come("10.0.0.1", "following");
+    EXPECT_FALSE(mayFollow("10.0.0.2")) << "enough in all";
+}
+
+TEST_F(ConnectionsTest, MemoryGoesToThoseWhoGetOn) {
+    for (const char* from : {"10.0.0.1", "10.0.0.2", "10.0.0.3", "10.0.0.4"})
+        come(from, "receiving");
+    EXPECT_TRUE(clients[0]->holds(400) && clients[1]->holds(400));
+    EXPECT_TRUE(clients[2]->holds(150));
+    clients[2]->become("busy");
+    clients[1]->become("sending");
+    EXPECT_FALSE(clients[3]->holds(1001)) << "more than there is";
+    EXPECT_EQ(ended(), "....");
+    EXPECT_TRUE(clients[3]->holds(200));
+    EXPECT_EQ(ended(), ".x..") << "who takes nothing";
+    EXPECT_TRUE(clients[3]->holds(600));
+    EXPECT_EQ(ended(), "xx..") << "whose request does not end";
+    EXPECT_FALSE(clients[3]->holds(900)) << "the rest is being served";
+    clients.erase(clients.begin() + 2);
+    EXPECT_TRUE(clients[2]->holds(900));
+}
+
+TEST(StreamLines, AreKeptOnceAndOfTheirTypes) {
+    StreamLines lines(1000);
+    const StreamTypes types = *StreamTypes::parse("/api/stream?types=raised");
+    StreamLines::Position quick = lines.end();
+    const StreamLines::Position slow = quick;
+    for (int i = 0; i < 10; ++i) {
+        lines.add(i % 2 == 0 ? ChangeType::raised : ChangeType::log, std::string(100, 'x'));
+        EXPECT_EQ(lines.next(quick, types) != nullptr, i % 2 == 0);
+    }
+    EXPECT_EQ(quick, lines.end());
+    EXPECT_LT(slow, lines.begin()) << "it has lost its place";
+    lines.add(ChangeType::alive, "y");
+    EXPECT_EQ(*lines.next(quick, types), "y") << "of every type";
+    lines.dropBefore(quick);
+    EXPECT_EQ(lines.begin(), lines.end());
+}
+
+TEST(TrustedProxies, NameTheClientThatNobodyElseCanName) {
+    const TrustedProxies proxies({"10.0.0.1", "2001:db8::1"});
+    const auto clientOf = [&](const char* peer, const char* forwarded) {
+        return proxies.clientOf(boost::asio::ip::make_address(peer), forwarded).to_string();
+    };
+    EXPECT_EQ(clientOf("10.0.0.2", "1.1.1.1"), "10.0.0.2") << "nobody trusts it";
+    EXPECT_EQ(clientOf("::ffff:10.0.0.1", "6.6.6.6, 1.1.1.1"), "1.1.1.1") << "not what it claims";
+    EXPECT_EQ(clientOf("10.0.0.1", "1.1.1.1 ,[2001:db8::1]:99"), "1.1.1.1");
+    EXPECT_EQ(clientOf("10.0.0.1", "2.2.2.2:80"), "2.2.2.2");
+    for (const char* nothing : {"", ",", "unknown", "1.1.1.1, _hidden", "["})
+        EXPECT_EQ(clientOf("10.0.0.1", nothing), "10.0.0.1");
+    EXPECT_THROW(TrustedProxies({"10.0.0.0/8"}), StartError);
 }
 
 }  // namespace
