@@ -35,7 +35,7 @@ std::string whatOf(const Request& request, std::string_view body) {
 }
 
 /// Nothing in it looks like another part of the line.
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
     return boost::json::serialize(boost::json::string_view(text.data(), text.size()));
 }
 
@@ -55,9 +55,9 @@ void Audit::recordRefused(const Request& request, const Response& response) cons
 void Audit::record(AuditEntry entry, LogLevel level) const {
     entry.what = shortened(entry.what);
     entry.answer = shortened(entry.answer);
-    log(level, "audit: user=" + (entry.user.empty() ? "-" : quoted(entry.user)) +
-                   " peer=" + entry.peer + " " + quoted(entry.what) + " -> " +
-                   std::to_string(entry.status) + " " + quoted(entry.answer));
+    log(level, "audit: user=" + (entry.user.empty() ? "-" : inQuotes(entry.user)) +
+                   " peer=" + entry.peer + " " + inQuotes(entry.what) + " -> " +
+                   std::to_string(entry.status) + " " + inQuotes(entry.answer));
     if (keeper)
         keeper(entry);
 }
