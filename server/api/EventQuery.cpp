@@ -32,6 +32,13 @@ std::optional<T> choice(const Query& query, std::string_view parameter,
     throw RequestError(400, std::string(parameter) + " cannot be " + *chosen);
 }
 
+std::string textOf(const Query& query, std::string_view name) {
+    const std::string* const value = query.find(name);
+    return value ? *value : std::string();
+}
+
+}  // namespace
+
 std::optional<ZrHmiSrv::Timestamp> timeOf(const Query& query, std::string_view name) {
     const std::string* const text = query.find(name);
     const auto time = text ? parseIsoTime(*text) : std::nullopt;
@@ -39,13 +46,6 @@ std::optional<ZrHmiSrv::Timestamp> timeOf(const Query& query, std::string_view n
         throw RequestError(400, std::string(name) + " is a time like 2024-05-01T06:07:08.1234567Z");
     return time;
 }
-
-std::string textOf(const Query& query, std::string_view name) {
-    const std::string* const value = query.find(name);
-    return value ? *value : std::string();
-}
-
-}  // namespace
 
 TextWish::TextWish(const Query& query) : locale(textOf(query, "locale")) {
     if (locale.size() > maxLocaleLength)

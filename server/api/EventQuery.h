@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,9 @@
 #include "server/http/Target.h"
 
 namespace hmi {
+
+/// A time that a request names, none where it does not; throws RequestError 400.
+std::optional<ZrHmiSrv::Timestamp> timeOf(const Query& query, std::string_view name);
 
 /// In which language a request wants texts, and how long it waits for them.
 struct TextWish {

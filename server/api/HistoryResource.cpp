@@ -9,7 +9,6 @@
 #include "server/api/HistoryCsv.h"
 #include "server/csv/CsvRow.h"
 #include "server/json/HistoryJson.h"
-#include "server/json/IsoTime.h"
 
 namespace hmi {
 
@@ -20,14 +19,6 @@ constexpr std::uint64_t maxLimit = 1000;
 /// What selects entries.
 const Query::Names filters{"from",     "to",         "station", "target", "kind", "change",
                                "severity", "occurrence", "text"};
-
-std::optional<ZrHmiSrv::Timestamp> timeOf(const Query& query, std::string_view name) {
-    const std::string* const text = query.find(name);
-    const auto time = text ? parseIsoTime(*text) : std::nullopt;
-    if (text && !time)
-        throw RequestError(400, std::string(name) + " is a time like 2024-05-01T06:07:08.1234567Z");
-    return time;
-}
 
 /// The choice of that name, by its place among the names.
 template <class T, class Names>
@@ -41,7 +32,7 @@ std::optional<T> choiceOf(const Query& query, std::string_view name, const Names
     return static_cast<T>(std::distance(std::begin(names), found));
 }
 
-std::optional<std::string> textOf(const Query& query, std::string_view name) {
+std::optional<std::string> givenText(const Query& query, std::string_view name) {
     const std::string* const text = query.find(name);
     return text ? std::optional(*text) : std::nullopt;
 }
@@ -61,8 +52,8 @@ HistoryQuery queryOf(const Query& parameters) {
     HistoryQuery query;
     query.from = timeOf(parameters, "from");
     query.to = timeOf(parameters, "to");
-    query.station = textOf(parameters, "station");
-    query.target = textOf(parameters, "target");
+    query.station = givenText(parameters, "station");
+    query.target = givenText(parameters, "target");
     query.kind = choiceOf<HistoryKind>(parameters, "kind", kinds);
     query.change = choiceOf<HistoryChange>(parameters, "change", historyChangeNames);
     constexpr std::uint64_t highest = std::numeric_limits<std::uint32_t>::max();
@@ -72,7 +63,7 @@ HistoryQuery queryOf(const Query& parameters) {
         query.occurrence = static_cast<std::int64_t>(
             std::min<std::uint64_t>(parameters.number("occurrence", 0),
                                     std::numeric_limits<std::int64_t>::max()));
-    query.text = textOf(parameters, "text").value_or("");
+    query.text = givenText(parameters, "text").value_or("");
     if (query.occurrence && !query.text.empty())
         throw RequestError(400, "text and occurrence exclude each other");
     query.limit = static_cast<std::size_t>(std::min(parameters.number("limit", 100), maxLimit));
