@@ -9,7 +9,7 @@ namespace hmi {
 
 namespace {
 
-constexpr std::chrono::seconds patience{10};
+constexpr std::chrono::seconds longestSearch{10};
 
 }  // namespace
 
@@ -20,7 +20,7 @@ HistoryPage HistoryReader::read(const HistoryQuery& query) {
     const std::uint64_t asked = generation();
     try {
         Idle reader = take();
-        reader.database->setDeadline(std::chrono::steady_clock::now() + patience);
+        reader.database->setDeadline(std::chrono::steady_clock::now() + longestSearch);
         HistoryPage page;
         {
             // All of a page is of one moment.
