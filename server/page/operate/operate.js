@@ -12,6 +12,7 @@ import { Keys, showHelp } from "./keys.js";
 import { List } from "./list.js";
 import { Listing } from "./listing.js";
 import { NamedViews } from "./namedviews.js";
+import { Order } from "./order.js";
 import { Pane } from "./pane.js";
 
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
@@ -39,8 +40,10 @@ class Operate {
     this.list = new List(/** @type {any} */ (this.#part("tbody")), this.#handlers(), signal);
     this.pane = new Pane(this.#part(".details"), context, this.confirmations,
       () => this.#close());
-    this.filters = new Filters(/** @type {any} */ (this.#part("form")), this.#part("thead"), context,
+    this.filters = new Filters(/** @type {any} */ (this.#part("form")), context,
       (choices) => this.#use(choices));
+    this.order = new Order(this.#part("thead"), /** @type {any} */ (this.#part(".ordering")),
+      context.address, (order) => this.#use({ order }));
     this.views = new NamedViews(this.#part("form"), context.address,
       (choices) => this.#use(choices));
     this.bar = new Bar(this.#part(".bar"), this.#barActions());
@@ -51,7 +54,7 @@ class Operate {
       use: (choices) => this.#use(choices),
     });
     this.#listen();
-    this.filters.show();
+    this.#showChoices();
     this.#showBar();
     this.listing.load();
   }
@@ -115,6 +118,12 @@ class Operate {
     return choicesOf(this.#context.address);
   }
 
+  #showChoices() {
+    this.filters.show();
+    this.order.show();
+    this.views.show();
+  }
+
   /** Chosen, or because of the flood. */
   #isGrouped() {
     const { group } = this.#choices;
@@ -132,8 +141,7 @@ class Operate {
   /** @param {Record<string, string | number>} changes another view is asked for */
   #use(changes) {
     this.#context.address.replace({ offset: "", ...changes });
-    this.filters.show();
-    this.views.show();
+    this.#showChoices();
     clearTimeout(this.#typing);
     this.#typing = setTimeout(() => this.listing.loadAnew(), "text" in changes ? typingPause : 0);
   }
@@ -209,8 +217,7 @@ class Operate {
   }
 
   languageChanged() {
-    this.filters.show();
-    this.views.show();
+    this.#showChoices();
     this.list.refill();
     this.pane.languageChanged();
     this.#showBar();

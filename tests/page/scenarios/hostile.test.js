@@ -28,7 +28,7 @@ before(async () => {
     { id: "1", cause: { 1033: texts.long }, remedy: { 1033: texts.markup } };
   server = await Server.start({ config: { ...config, TARGET_SYSTEMS: {
     "<b>Füller\u202E</b>": config.TARGET_SYSTEMS.Filler, Packer: config.TARGET_SYSTEMS.Packer } },
-  plant: hostile });
+  plant: hostile, options: ["--history", "FILES/history.db"] });
   await server.ready();
   for (const [key, text] of Object.entries(texts)) {
     const json = JSON.stringify({ [text.slice(0, 200)]: text, number: 1 });
@@ -61,7 +61,7 @@ for (const viewport of [{ width: 1366, height: 768 }, { width: 390, height: 844 
     const target = encodeURIComponent("<b>Füller\u202E</b>");
     await page.goto(`${server.address}/?target=${target}`);
     await rowsWhen(page, (shown) => shown.length === count, "those of the hostile target system");
-    for (const view of ["understand", "engineer", "engineer&part=log", "engineer&part=configuration",
+    for (const view of ["understand", "past", "engineer", "engineer&part=log", "engineer&part=configuration",
       "engineer&part=simulator"]) {
       await page.goto(`${server.address}/?view=${view}`);
       await page.locator("main :is(h2, th)").first().waitFor();

@@ -7,7 +7,7 @@ import { rowsWhen, watchConfirmations } from "../support/list.js";
 import { config, filler, packer, plant, raise } from "../support/plant.js";
 import { Server, randomNumbers } from "../support/server.js";
 
-const tries = Number(process.env.PAGE_TRIES ?? 1000);
+const tries = Number(process.env.PAGE_TRIES ?? 200);
 const operators = 4;  // at pages of their own
 const seed = process.env.PAGE_SEED ?? String(Date.now());
 const standing = 12;  // alarms that are there at a time

@@ -9,7 +9,7 @@ import { Server, eventually, sleep } from "../support/server.js";
 let server;
 
 before(async () => {
-  server = await Server.start({ config, plant });
+  server = await Server.start({ config, plant, options: ["--history", "FILES/history.db"] });
   await server.ready();
   await server.sim(filler, raise("level", 1));
   for (let count = 0; count < 4; ++count) {
@@ -23,8 +23,6 @@ after(async () => {
   await closeBrowser();
   await server?.stop();
 });
-
-const textOf = (page, place) => page.locator(place).innerText();
 
 test("the statistics, as a picture and as numbers", async () => {
   const page = await openPage(server, "/?view=understand");
@@ -43,19 +41,61 @@ test("the statistics, as a picture and as numbers", async () => {
   assertQuiet(page);
 });
 
-test("the past, and the life of one alarm", async (t) => {
-  if (!await server.knows("/api/history?limit=1"))
-    return t.skip("this server keeps no history");
+/** Of each row of the past: what has happened, and to what. */
+const pastRows = (page) => page.locator("main tbody tr").evaluateAll((all) => all.map((row) =>
+  [row.querySelector(".what").textContent, row.querySelector("th").textContent]));
+const told = (entries) => entries.map(({ change, text }) => [
+  { raised: "raised", raised_again: "raised again", cleared: "cleared", removed: "ended",
+    updated: "changed" }[change], text]);
+
+test("the past as the server tells it, and the life of one alarm", async () => {
+  const valve = "Filling valve 12 does not close";
+  const history = (query) => server.request(`/api/history?${query}`);
+  const found = await eventually(async () => {
+    const { entries } = await history("text=valve");
+    return entries.length >= 8 && entries.every(({ text }) => text === valve) && entries;
+  }, "each rise and end of the valve's alarms, with texts");
   const page = await openPage(server, "/?view=past");
-  await page.locator("main tbody tr").first().waitFor();
   await page.locator("main input[name=text]").fill("valve");
+  await eventually(async () => (await pastRows(page)).length === found.length, "what was searched for");
+  assert.deepEqual(await pastRows(page), told(found));
+
+  await page.locator("main select[name=change]").selectOption("cleared");
+  const { entries: cleared } = await history("text=valve&change=cleared");
+  await eventually(async () => (await pastRows(page)).length === cleared.length, "those that ended");
+  assert.equal(cleared.length, 4);
+  await page.locator("main tbody button.named").first().click();
+  const { entries: life } = await history(`occurrence=${cleared[0].occurrence}`);
+  const steps = page.locator("aside.life ol strong");
+  await eventually(async () => await steps.count() === life.length, "its life");
+  assert.deepEqual(await steps.allInnerTexts(), told(life.reverse()).map(([change]) => change));
+  assertQuiet(page);
+});
+
+test("older and newer pages of the past", async () => {
+  await server.sim(packer,
+    { do: "message", class: machine, event: 10, arguments: ["7"], count: 230 });
+  const messages = "/api/history?kind=message&limit=100";
   await eventually(async () => {
-    const texts = await page.locator("main tbody tr").allInnerTexts();
-    return texts.length > 0 && texts.every((text) => /valve/.test(text));
-  }, "what was searched for");
-  await page.locator("main tbody button.named").last().click();
-  await eventually(async () => /raised[^]*cleared/.test(await textOf(page, "aside.life")), "its life");
-  return assertQuiet(page);
+    const { next } = await server.request(messages);
+    return next && (await server.request(`${messages}&after=${next}`)).next;
+  }, "three pages");
+  const page = await openPage(server, "/?view=past&kind=message");
+  const shown = () => page.locator("main tbody tr").count();
+  const [newer, older] = ["Newer", "Older"].map((name) => page.getByText(name, { exact: true }));
+  await eventually(async () => await shown() === 100, "the first page");
+  assert.equal(await newer.isDisabled(), true);
+  await older.click();
+  await eventually(async () => await newer.isEnabled(), "the second page");
+  await older.click();
+  await eventually(async () => await shown() === 30, "the last page");
+  assert.equal(await older.isDisabled(), true);
+  await newer.click();
+  await eventually(async () => await shown() === 100, "the second page again");
+  const csv = await page.getByText("Export (CSV)").getAttribute("href");
+  const table = await (await fetch(server.address + csv)).text();
+  assert.equal(table.trim().split(/\r?\n/).length, 231, "all of them, and the heads");
+  assertQuiet(page);
 });
 
 test("an engineer's work", async () => {
@@ -77,9 +117,7 @@ test("an engineer's work", async () => {
   assertQuiet(page);
 });
 
-test("a change of the configuration shows what it would do before it is made", async (t) => {
-  if (!await server.knows("/api/config/check", "POST"))
-    return t.skip("this server checks no changes");
+test("a change of the configuration shows what it would do before it is made", async () => {
   const page = await openPage(server, "/?view=engineer&part=configuration");
   const dialog = page.locator("dialog.review");
   const filler_ = page.locator("form.entry", { hasText: "Filler" });
@@ -101,7 +139,7 @@ test("a change of the configuration shows what it would do before it is made", a
   await dialog.getByText("It would be refused").waitFor();
   assert.equal(await dialog.getByText("Apply").isDisabled(), true);
   await page.keyboard.press("Escape");
-  return assertQuiet(page);
+  assertQuiet(page);
 });
 
 test("a simulated runtime is told what to do, by hand and by a file of steps", async () => {

@@ -102,11 +102,6 @@ export class Server {
     return answer;
   }
 
-  /** Whether it has such a request at all. */
-  async knows(path, method = "GET") {
-    return (await fetch(this.address + path, { method, headers: this.headers })).status !== 404;
-  }
-
   /** Tells a simulated runtime what to do, in one go. */
   sim(netId, ...actions) { return this.request(`/sim/${netId}`, "POST", actions); }
 

@@ -35,5 +35,5 @@ export const words = {
   change_cleared: "gegangen", change_confirmed: "quittiert", change_removed: "entfernt",
   change_message: "Meldung", change_gap: "Lücke", change_confirmation: "Quittierung",
   change_audit: "vermerkt",
-  asOf: "Stand {0}",
+  asOf: "Stand {0}", order: "Reihenfolge",
 };

@@ -33,5 +33,5 @@ export const words = {
   change_raised: "raised", change_raised_again: "raised again", change_cleared: "cleared",
   change_confirmed: "confirmed", change_removed: "removed", change_message: "message",
   change_gap: "gap", change_confirmation: "confirmation", change_audit: "noted",
-  asOf: "As of {0}",
+  asOf: "As of {0}", order: "Order",
 };

@@ -36,5 +36,5 @@ export const words = {
   change_cleared: "desaparecida", change_confirmed: "confirmada", change_removed: "eliminada",
   change_message: "mensaje", change_gap: "laguna", change_confirmation: "confirmación",
   change_audit: "anotado",
-  asOf: "Estado a las {0}",
+  asOf: "Estado a las {0}", order: "Orden",
 };

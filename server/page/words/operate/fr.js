@@ -37,5 +37,5 @@ export const words = {
   change_raised_again: "réapparue", change_cleared: "disparue", change_confirmed: "acquittée",
   change_removed: "supprimée", change_message: "message", change_gap: "lacune",
   change_confirmation: "acquittement", change_audit: "noté",
-  asOf: "État à {0}",
+  asOf: "État à {0}", order: "Ordre",
 };

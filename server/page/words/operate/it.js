@@ -34,5 +34,5 @@ export const words = {
   change_raised: "insorto", change_raised_again: "insorto di nuovo", change_cleared: "rientrato",
   change_confirmed: "riconosciuto", change_removed: "rimosso", change_message: "messaggio",
   change_gap: "lacuna", change_confirmation: "riconoscimento", change_audit: "annotato",
-  asOf: "Stato alle {0}",
+  asOf: "Stato alle {0}", order: "Ordine",
 };

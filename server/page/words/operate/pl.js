@@ -33,5 +33,5 @@ export const words = {
   change_raised: "wystąpił", change_raised_again: "wystąpił ponownie", change_cleared: "ustąpił",
   change_confirmed: "potwierdzony", change_removed: "usunięty", change_message: "komunikat",
   change_gap: "luka", change_confirmation: "potwierdzenie", change_audit: "odnotowano",
-  asOf: "Stan z {0}",
+  asOf: "Stan z {0}", order: "Kolejność",
 };

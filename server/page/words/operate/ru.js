@@ -33,5 +33,5 @@ export const words = {
   change_raised: "возникло", change_raised_again: "возникло снова", change_cleared: "снято",
   change_confirmed: "подтверждено", change_removed: "удалено", change_message: "сообщение",
   change_gap: "пропуск", change_confirmation: "подтверждение", change_audit: "отмечено",
-  asOf: "По состоянию на {0}",
+  asOf: "По состоянию на {0}", order: "Порядок",
 };

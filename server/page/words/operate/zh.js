@@ -22,5 +22,5 @@ export const words = {
   change_raised: "发生", change_raised_again: "再次发生", change_cleared: "消除", change_confirmed: "已确认",
   change_removed: "已移除", change_message: "消息", change_gap: "缺口", change_confirmation: "确认",
   change_audit: "已记录",
-  asOf: "截至 {0}",
+  asOf: "截至 {0}", order: "排序",
 };
