@@ -7,10 +7,11 @@ import { inProject } from "./server.js";
 
 const axeSource = await readFile(
   createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
-let browser;
+/** @type {ReturnType<typeof chromium.launch> | undefined} */
+let browser;  // one, also when several pages ask for it at once
 
-async function launched() {
-  browser ??= await chromium.launch({
+function launched() {
+  browser ??= chromium.launch({
     executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
     args: ["--no-sandbox", "--disable-gpu", "--enable-precise-memory-info",
       "--autoplay-policy=user-gesture-required",
@@ -57,7 +58,7 @@ export async function openPage(server, path = "/", options = {}) {
 }
 
 export async function closeBrowser() {
-  await browser?.close();
+  await (await browser)?.close();
   browser = undefined;
 }
 
