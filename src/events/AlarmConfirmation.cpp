@@ -12,18 +12,22 @@ HRESULT AlarmConfirmation::confirm(int hostId) noexcept {
         if (!alarm)
             return E_FAIL;
         context.logging.logMessage(diagnosticMessage(name, {context.targetName, hostId}));
-        // It may have ended meanwhile, or another object may stand for it now.
-        const auto current = store.pin(hostId);
-        return current && current->get() == alarm->get() ? call(alarm) : E_FAIL;
+        return call(hostId, alarm);
     } catch (...) {
         reportCurrentException(context.logging, context.targetName);
         return E_FAIL;
     }
 }
 
-HRESULT AlarmConfirmation::call(const EventStore::AlarmPointer& alarm) {
+HRESULT AlarmConfirmation::call(int hostId, const EventStore::AlarmPointer& alarm) {
+    EventStore::AlarmPointer current;  // released without the lock
     Lock lock(confirmMutex);
     context.proceed();
+    // It may have ended while the host was told or another confirmation hung, or another object
+    // may stand for it now.
+    current = store.pin(hostId);
+    if (!current || current->get() != alarm->get())
+        return E_FAIL;
     const HRESULT hr = alarm->get()->Confirm();
     lock.unlock();
     return ZrAtlCom::check(hr);

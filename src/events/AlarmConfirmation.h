@@ -16,11 +16,11 @@ public:
     HRESULT confirm(int hostId) noexcept EXCLUDES(confirmMutex);
 
 private:
-    HRESULT call(const EventStore::AlarmPointer& alarm) EXCLUDES(confirmMutex);
+    HRESULT call(int hostId, const EventStore::AlarmPointer& alarm) EXCLUDES(confirmMutex);
 
     const EventContext& context;
     EventStore& store;
-    Mutex confirmMutex;  ///< one Confirm of a target at a time; held across it alone
+    Mutex confirmMutex;  ///< one Confirm of a target at a time; held across it
 };
 
 }  // namespace ZrHmiEventLogger

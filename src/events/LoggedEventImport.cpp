@@ -1,6 +1,16 @@
 #include "events/LoggedEventImport.h"
 
+#include <algorithm>
+#include <chrono>
+
 namespace ZrHmiEventLogger {
+
+namespace {
+
+/// How long identities hold at most, whatever the time-out: the clock would overflow.
+constexpr std::chrono::nanoseconds longestDelay = std::chrono::hours(24);
+
+}  // namespace
 
 struct LoggedEventImport::Replay {
     const ImportSnapshot& snapshot;
@@ -59,8 +69,8 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
         replay(*record, state);
         record.reset();
     }
-    lifecycle.imported().endAt(ImportedIdentities::Clock::now() +
-                               std::chrono::nanoseconds(context.timeout.nanoseconds()));
+    const std::chrono::nanoseconds timeout(context.timeout.nanoseconds());
+    lifecycle.imported().endAt(ImportedIdentities::Clock::now() + std::min(timeout, longestDelay));
     notifications.stopRecording();
 }
 

@@ -35,7 +35,6 @@ private:
     using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
     struct Replay;
 
-    /// What an earlier import took over holds no more.
     void beginRecording() EXCLUDES(notifications.sinkMutex);
     void swapAndReplay(ImportSnapshot& snapshot, ImportResult& result)
         EXCLUDES(notifications.sinkMutex);

@@ -38,7 +38,7 @@ ResultPair ZrHmiEventLogger::confirm_alarm(const Context&, const Alarm& alarm) {
 
 /// Those that are just telling the host something come last, when they have told it. The host may
 /// ask from inside a slot, and from inside those of two targets at once, which then would wait for
-/// each other: the wait has an end, and what it leaves out is owed.
+/// each other: the wait has an end. What it leaves out is owed, as is a hand-over that fails.
 ResultPair ZrHmiEventLogger::provide_events(const Context&, IEventReceiver& receiver) {
     try {
         ErrorValue result = ErrorValue::success;
@@ -49,6 +49,7 @@ ResultPair ZrHmiEventLogger::provide_events(const Context&, IEventReceiver& rece
                 return kept.target->tryProvideEvents(receiver);
             } catch (...) {
                 kept.target->reportFailure();
+                reset.owe();
                 result = ErrorValue::operation_failed;
                 return true;
             }
@@ -64,6 +65,7 @@ ResultPair ZrHmiEventLogger::provide_events(const Context&, IEventReceiver& rece
         return stopping ? ErrorValue::operation_failed : result;
     } catch (...) {
         reportCurrentException(*this, productName());
+        reset.owe();
         return ErrorValue::operation_failed;
     }
 }

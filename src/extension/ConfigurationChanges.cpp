@@ -71,6 +71,15 @@ ResultPair ZrHmiEventLogger::applyTargetSystem(const TargetSystemConfiguration& 
 void ZrHmiEventLogger::replaceTargetSystem(const Kept& replacement, Deadline deadline) {
     const TargetSystem& target = *replacement.target;
     const Kept former = targetSystems.exchange(replacement);
+    retireFormer(former, deadline);
+    replacement.keeper->begin(target.isEnabled());
+    if (target.isEnabled())
+        replacement.target->firstAttempt().waitUntil(deadline);
+}
+
+/// The change has taken effect: what fails from here on is told, and fails nothing else. `former`
+/// may be none.
+void ZrHmiEventLogger::retireFormer(const Kept& former, Deadline deadline) noexcept {
     if (former)
         former.keeper->retire(deadline);
     reset.request();
@@ -78,12 +87,8 @@ void ZrHmiEventLogger::replaceTargetSystem(const Kept& replacement, Deadline dea
         if (former)
             targetSystems.retire({former}, deadline);
     } catch (...) {
-        // The replacement begins all the same.
         reportCurrentException(*this, productName());
     }
-    replacement.keeper->begin(target.isEnabled());
-    if (target.isEnabled())
-        replacement.target->firstAttempt().waitUntil(deadline);
 }
 
 void ZrHmiEventLogger::value_deleted(ResultPair& result, const Context&, const char* path) {
@@ -97,12 +102,8 @@ void ZrHmiEventLogger::value_deleted(ResultPair& result, const Context&, const c
         if (names.size() < 2)
             return;
         const ConfigurationTurns::Turn turn(configurationTurns, std::string(names[1]));
-        if (const Kept former = targetSystems.remove(names[1])) {
-            const Deadline deadline = deadlineAfter(former.target->timeout());
-            former.keeper->retire(deadline);
-            reset.request();
-            targetSystems.retire({former}, deadline);
-        }
+        if (const Kept former = targetSystems.remove(names[1]))
+            retireFormer(former, deadlineAfter(former.target->timeout()));
     } catch (...) {
         result = ErrorValue::operation_failed;
         reportCurrentException(*this, productName());
@@ -127,7 +128,8 @@ ZrHmiEventLogger::Kept ZrHmiEventLogger::createTargetSystem(
 }
 
 std::string ZrHmiEventLogger::fullAddress(const std::string& address) {
-    return resolveAddress(address, localAddress.get());
+    // The router, which may hang, is asked only for what it completes.
+    return needsLocalAddress(address) ? resolveAddress(address, localAddress.get()) : address;
 }
 
 }  // namespace ZrHmiEventLogger

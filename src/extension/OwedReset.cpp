@@ -2,12 +2,14 @@
 
 namespace ZrHmiEventLogger {
 
-void OwedReset::settle() noexcept {
+void OwedReset::serve() noexcept {
     // Whoever is sending looks again afterwards.
-    while (owed && !sending.exchange(true)) {
+    while (requested && !sending.exchange(true)) {
         bool sent = true;
-        if (owed.exchange(false))
+        if (requested.exchange(false)) {
+            owed = false;
             sent = trySend();
+        }
         if (!sent)
             owed = true;
         sending = false;

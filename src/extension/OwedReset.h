@@ -14,18 +14,25 @@ public:
 
     /// Sends one, or leaves that to the thread that is sending.
     void request() noexcept {
-        owe();
-        settle();
+        requested = true;
+        serve();
     }
-    /// Leaves one to the next `settle`.
+    /// Leaves one to the next `settle`, also while one is under way: from inside `send`, what
+    /// fails every time would be sent without end.
     void owe() noexcept { owed = true; }
     /// Tries again what is owed still.
-    void settle() noexcept;
+    void settle() noexcept {
+        if (owed)
+            requested = true;
+        serve();
+    }
 
 private:
+    void serve() noexcept;
     bool trySend() noexcept;
 
     const std::function<void()> send;
+    std::atomic<bool> requested = false;
     std::atomic<bool> owed = false;
     std::atomic<bool> sending = false;
 };

@@ -1,7 +1,5 @@
 #include "extension/TargetSystems.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace ZrHmiEventLogger {
@@ -60,26 +58,26 @@ std::vector<TargetSystems::Kept> TargetSystems::close() {
 }
 
 void TargetSystems::retire(std::vector<Kept> retiring, TimePoint deadline) {
+    // First what can fail: a keeper that is late must not be lost, as its destructor waits.
+    Keepers keepers;
     for (const Kept& kept : retiring)
-        kept.keeper->retire(deadline);
-    Keepers late;
-    for (Kept& kept : retiring) {
-        kept.target.reset();
-        if (!kept.keeper->awaitEnd(deadline))
-            late.push_back(std::move(kept.keeper));
-    }
-    keepUntilTheEnd(std::move(late));
+        keepers.push_back(kept.keeper);
+    for (const auto& keeper : keepers)
+        keeper->retire(deadline);
+    retiring.clear();
+    keepers.remove_if([&](const auto& keeper) { return keeper->awaitEnd(deadline); });
+    keepUntilTheEnd(std::move(keepers));
 }
 
-void TargetSystems::keepUntilTheEnd(Keepers late) {
+void TargetSystems::keepUntilTheEnd(Keepers late) noexcept {
     Keepers over;  // destroyed outside the lock
     Lock lock(leavingMutex);
-    const auto ended = std::partition(leaving.begin(), leaving.end(), [](const auto& keeper) {
-        return !keeper->awaitEnd(TimePoint());
-    });
-    std::move(ended, leaving.end(), std::back_inserter(over));
-    leaving.erase(ended, leaving.end());
-    std::move(late.begin(), late.end(), std::back_inserter(leaving));
+    for (auto keeper = leaving.begin(); keeper != leaving.end();) {
+        const auto current = keeper++;
+        if ((*current)->awaitEnd(TimePoint()))
+            over.splice(over.end(), leaving, current);
+    }
+    leaving.splice(leaving.end(), late);
 }
 
 }  // namespace ZrHmiEventLogger

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <list>
 #include <map>
 #include <memory>
 #include <string>
@@ -45,8 +46,9 @@ public:
     void join() EXCLUDES(targetSystemsMutex, leavingMutex);
 
 private:
-    using Keepers = std::vector<std::shared_ptr<Keeper>>;
-    void keepUntilTheEnd(Keepers late) EXCLUDES(leavingMutex);
+    /// Handed on without a failure.
+    using Keepers = std::list<std::shared_ptr<Keeper>>;
+    void keepUntilTheEnd(Keepers late) noexcept EXCLUDES(leavingMutex);
 
     mutable Mutex targetSystemsMutex;  ///< guards the map; nothing is called or destroyed under it
     std::map<std::string, Kept, std::less<>> targetSystems GUARDED_BY(targetSystemsMutex);

@@ -59,7 +59,7 @@ ResultPair ZrHmiEventLogger::init(const Context& initContext) {
         }
         deadline = deadlineAfter(*timeout);
         if (registerListeners()) {
-            createTargetSystems(*timeout);
+            createTargetSystems(*timeout, deadline);
             connectEnabledTargetSystems(deadline);
             if (registerConfigurationListener())
                 return ErrorValue::success;
@@ -117,7 +117,7 @@ bool ZrHmiEventLogger::registerConfigurationListener() {
     });
 }
 
-void ZrHmiEventLogger::createTargetSystems(Timespan timeout) {
+void ZrHmiEventLogger::createTargetSystems(Timespan timeout, Deadline deadline) {
     const auto configuredTargets = configuration.targetSystems();
     const std::int64_t eventLimit = configuration.eventLimit();
     for (const TargetSystemConfiguration& configured : configuredTargets) {
@@ -128,8 +128,11 @@ void ZrHmiEventLogger::createTargetSystems(Timespan timeout) {
         if (stopping)
             throw Refused();
         const Kept created = createTargetSystem(configured, timeout, eventLimit);
-        if (targetSystems.exchange(created))
-            throw Refused();  // closed meanwhile
+        if (targetSystems.exchange(created)) {
+            // Closed meanwhile.
+            targetSystems.retire({created}, deadline);
+            throw Refused();
+        }
     }
 }
 
@@ -157,7 +160,6 @@ void ZrHmiEventLogger::startTimer() {
 void ZrHmiEventLogger::onTimer(TimerError error) {
     if (error == TimerError::aborted)
         return;
-    reset.settle();
     try {
         for (const Kept& kept : targetSystems.copy())
             kept.keeper->wake();
@@ -165,6 +167,8 @@ void ZrHmiEventLogger::onTimer(TimerError error) {
         // The next tick wakes them.
         reportCurrentException(*this, productName());
     }
+    // Last: the host may take its time.
+    reset.settle();
 }
 
 ResultPair ZrHmiEventLogger::shutdown(const Context&) {

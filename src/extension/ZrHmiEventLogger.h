@@ -77,13 +77,12 @@ private:
     static const ZrHmiSrv::Text& productName();
 
     // Lifecycle.
-    ZrHmiSrv::ResultPair start();
     bool registerListeners();
     bool registerConfigurationListener();
     /// False once the extension stops: then nothing is registered any more.
     template <class Register>
     bool whileRunning(Register registerIt) EXCLUDES(registrationMutex);
-    void createTargetSystems(ZrHmiSrv::Timespan timeout);
+    void createTargetSystems(ZrHmiSrv::Timespan timeout, Deadline deadline);
     /// Throws Refused when one cannot be prepared.
     void connectEnabledTargetSystems(Deadline deadline);
     void startTimer();
@@ -109,6 +108,7 @@ private:
     ZrHmiSrv::ResultPair setTargetSystem(const char* path, std::string_view name);
     ZrHmiSrv::ResultPair applyTargetSystem(const TargetSystemConfiguration& configured);
     void replaceTargetSystem(const Kept& replacement, Deadline deadline);
+    void retireFormer(const Kept& former, Deadline deadline) noexcept;
 
     // Commands.
     void execute(ZrHmiSrv::Command& command);

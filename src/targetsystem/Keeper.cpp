@@ -30,13 +30,15 @@ void Keeper::wake() {
 }
 
 void Keeper::retire(TimePoint until) {
+    {
+        Lock lock(mutex);
+        if (std::exchange(retiring, true))
+            return;
+        deadline = until;
+        changed.notify_all();
+    }
     if (const auto target = kept.lock())
         target->beginRetiring(until);
-    Lock lock(mutex);
-    if (std::exchange(retiring, true))
-        return;
-    deadline = until;
-    changed.notify_all();
 }
 
 void Keeper::run(std::shared_ptr<TargetSystem> target) {

@@ -41,7 +41,7 @@ public:
     void wake() EXCLUDES(mutex);
     /// From now on the target tells the host nothing; it is unsubscribed and disconnected by the
     /// keeper as soon as its running call is over. The logger is disconnected only before the
-    /// deadline.
+    /// deadline. Once is enough: the first deadline counts.
     void retire(TimePoint deadline) EXCLUDES(mutex);
     /// Whether that is done by then.
     bool awaitEnd(TimePoint time) { return ended.waitUntil(time); }

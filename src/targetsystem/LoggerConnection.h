@@ -23,8 +23,8 @@ public:
     HRESULT create();
     void setTimeout(ULONG milliseconds);
 
-    /// Null until it is created, and when it cannot be. What needs no lock is called on it directly: ending a
-    /// connection while another thread may be waiting in it, and queries.
+    /// Null until it is created, and when it cannot be. What needs no lock is called on it
+    /// directly: ending a connection while another thread may be waiting in it, and queries.
     Logger* get() const { return usable; }
 
     /// Asks the logger.

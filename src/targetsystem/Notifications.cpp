@@ -4,6 +4,7 @@
 #include "events/Abandoned.h"
 #include "targetsystem/TargetSystem.h"
 #include "targetsystem/proxy/CAtlException.h"
+#include "targetsystem/proxy/CatchToHresult.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::CallDescription;
@@ -63,17 +64,15 @@ ULONG TargetSystem::databaseChanged(tagDatabaseChangeReasonEnum reason) {
     return 0;
 }
 
-void TargetSystem::receive(RecordedCallback&& notification) {
+/// Whatever makes a notification be missed is reported.
+template <class Function>
+void TargetSystem::guard(Function function) {
     // The owner may let this target go while its own notification runs.
     const auto self = weak_from_this().lock();
     if (!self || context.isOver())
         return;
     try {
-        requireObject(notification);
-        notifications.deliver(std::move(notification), [this](const RecordedCallback& live) {
-            if (!context.isOver())
-                handle(live);
-        });
+        function();
     } catch (const Abandoned&) {
         // Nobody waits for it any more.
     } catch (...) {
@@ -81,6 +80,20 @@ void TargetSystem::receive(RecordedCallback&& notification) {
         // The import brings what was missed.
         RequestReconnect();
     }
+}
+
+void TargetSystem::receive(RecordedCallback&& notification) {
+    guard([&] {
+        requireObject(notification);
+        notifications.deliver(std::move(notification), [this](const RecordedCallback& live) {
+            if (!context.isOver())
+                handle(live);
+        });
+    });
+}
+
+void TargetSystem::refused(HRESULT hr) noexcept {
+    ZrAtlCom::catchToHresult([&] { guard([hr] { ZrAtlCom::check(hr); }); });
 }
 
 void TargetSystem::handle(const RecordedCallback& notification) {

@@ -96,6 +96,9 @@ private:
     ULONG databaseChanged(DatabaseChangeReason reason);
 
     void createLogger();
+    void refused(HRESULT hr) noexcept override;
+    template <class Function>
+    void guard(Function function);
     void receive(RecordedCallback&& notification);
     void handle(const RecordedCallback& notification);
 

@@ -1,5 +1,7 @@
+#include <chrono>
 #include <future>
 #include <span>
+#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -166,6 +168,32 @@ TEST_F(AlarmLifecycle, AConfirmationReachesTheLiveAlarmOrFails) {
     EXPECT_EQ(duringTheLog([&] { cleared(alarm, VARIANT_TRUE); }), E_FAIL);
     EXPECT_EQ(confirmByOperator(1), E_FAIL) << "history by now";
     EXPECT_EQ(confirmed, 1);
+}
+
+TEST_F(AlarmLifecycle, AConfirmationIsNotOfTheAlarmThatCameWhileItWaited) {
+    FakeEvent& hanging = source(5);
+    FakeEvent& alarm = source(6);
+    raised(hanging);
+    raised(alarm);
+    int confirmed = 0;
+    alarm.onConfirm = [&] { return ++confirmed, S_OK; };
+    std::promise<void> waiting;
+    host.onCall = [&](const std::string& line) {
+        if (line == "CALL_CONFIRM Filler 2")
+            waiting.set_value();
+    };
+    std::future<HRESULT> result;
+    hanging.onConfirm = [&] {
+        result = std::async(std::launch::async, [this] { return confirmByOperator(2); });
+        waiting.get_future().wait();
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));  // as far as it comes
+        cleared(alarm, VARIANT_TRUE);
+        raised(alarm);
+        return S_OK;
+    };
+    EXPECT_EQ(confirmByOperator(1), S_OK);
+    EXPECT_EQ(result.get(), E_FAIL);
+    EXPECT_EQ(confirmed, 0);
 }
 
 /// Every call of every handler fails once, and is the last of a target that is retired in it.

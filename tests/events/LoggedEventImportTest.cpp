@@ -280,6 +280,11 @@ TEST_F(LoggedEventImport, HoldsAgainstLateNotifications) {
     impatient.sent(*impatient.logger.logged[0]);
     impatient.raised(*impatient.logger.active[0]);
     EXPECT_THAT(impatient.host.take(), ElementsAre("send 3s", StartsWith("ACTIVE_ALARM"), _));
+    TargetWorld patient(10, 9'223'372'036);
+    patient.loggedMessage(3);
+    patient.import();
+    patient.sent(*patient.logger.logged[0]);
+    EXPECT_THAT(patient.host.take(), IsEmpty());
 }
 
 TEST_F(LoggedEventImport, TellsEventsOfOneTimeApart) {

@@ -29,6 +29,15 @@ struct Connection : Test {
         ImportResultPtr result;
         return target->Connect(result);
     }
+    /// With a number as the only argument.
+    HRESULT notify(DISPID id, LONG number) {
+        VARIANTARG argument;
+        VariantInit(&argument);
+        argument.vt = VT_I4;
+        argument.lVal = number;
+        DISPPARAMS arguments{&argument, nullptr, 1, 0};
+        return target->Invoke(id, IID_IUnknown, 0, 1, &arguments, nullptr, nullptr, nullptr);
+    }
     /// "connected", "failed 0x...", or "down".
     std::string state() const {
         const auto now = target->GetConnectionState();
@@ -206,17 +215,26 @@ TEST_F(Connection, WhatComesBackLateReachesNobody) {
     EXPECT_EQ(simulation.liveObjects(), 0);
 }
 
+TEST_F(Connection, ANotificationThatDoesNotFitIsMadeUpForByAnImport) {
+    ASSERT_TRUE(connect());
+    simulation.act(R"({"do": "hold"})");
+    simulation.raise("hot");
+    logging.take();
+    EXPECT_EQ(notify(3, 1), DISP_E_TYPEMISMATCH);
+    EXPECT_THAT(logging.take(), ElementsAre(StartsWith("error Filler ")));
+    EXPECT_TRUE(check());
+    EXPECT_EQ(target->statistics().activeAlarmsCount, 1U);
+    target->beginRetiring(TargetSystem::TimePoint::max());
+    EXPECT_EQ(notify(3, 1), DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(simulation.calls("Disconnect"), 1) << "nobody waits for it any more";
+}
+
 TEST_F(Connection, ADatabaseChangeDuringAnImportReconnectsAfterwards) {
     simulation.act(R"({"do": "pause", "call": "GetActiveAlarms"})");
     std::thread importing([this] { EXPECT_TRUE(connect()); });
     while (simulation.calls("GetActiveAlarms") == 0)
         std::this_thread::yield();
-    VARIANTARG reason;
-    VariantInit(&reason);
-    reason.vt = VT_I4;
-    reason.lVal = ZrEventLoggerFnxProxyLib::databaseChangeLoggedEventsCleared;
-    DISPPARAMS arguments{&reason, nullptr, 1, 0};
-    EXPECT_EQ(target->Invoke(10, IID_IUnknown, 0, 1, &arguments, nullptr, nullptr, nullptr), S_OK);
+    EXPECT_EQ(notify(10, ZrEventLoggerFnxProxyLib::databaseChangeLoggedEventsCleared), S_OK);
     simulation.act(R"({"do": "resume"})");
     importing.join();
     EXPECT_THAT(logging.take(), Contains("DATABASE_CHANGED Filler ClearLoggedEvents"));

@@ -39,7 +39,10 @@ public:
             call = *found->call;
         else if (FAILED(GetFuncInfoFromId(*eventsId, id, lcid, call)))
             return S_OK;
-        return callSinkMember(this, *found, call, arguments, result);
+        const HRESULT hr = callSinkMember(this, *found, call, arguments, result);
+        if (FAILED(hr))
+            refused(hr);
+        return hr;
     }
 
     HRESULT STDMETHODCALLTYPE GetFuncInfoFromId(REFIID, DISPID, LCID, CallDescription&) override {
@@ -48,6 +51,9 @@ public:
 
 protected:
     virtual ~IDispEventSimpleImpl() = default;
+
+    /// A listed event was lost: its arguments do not fit, and no member was called.
+    virtual void refused(HRESULT) noexcept {}
 
     /// A table entry: `entry<&T::onAlarmRaised, alarmCall>(3)`.
     template <auto member, const CallDescription& call>

@@ -23,7 +23,7 @@ using SinkTable = std::span<const SinkEntry>;
 const SinkEntry* findSinkEntry(SinkTable table, UINT controlId, REFIID interfaceId, DISPID id);
 
 /// Maps the arguments to the parameters and calls the member through DispCallFunc. `sink` may be
-/// destroyed by the call. `result` may be null.
+/// destroyed by the call. `result` may be null. On failure the member was not called.
 HRESULT callSinkMember(IDispatch* sink, const SinkEntry& entry, const CallDescription& call,
                        const DISPPARAMS* arguments, VARIANT* result);
 
