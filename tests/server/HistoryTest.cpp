@@ -32,12 +32,12 @@ namespace hmi {
 
 namespace {
 
-constexpr std::int64_t second = 1'000'000'000;
+constexpr std::int64_t oneSecond = 1'000'000'000;
 
 /// So many seconds ago, in whole ones.
 Timestamp ago(int seconds) {
-    static const std::int64_t now = Timestamp::now().nanoseconds() / second * second;
-    return Timestamp(now - seconds * second);
+    static const std::int64_t now = Timestamp::now().nanoseconds() / oneSecond * oneSecond;
+    return Timestamp(now - seconds * oneSecond);
 }
 
 template <class Made>
@@ -142,7 +142,7 @@ protected:
         for (const HistoryEntry& entry : run.history->read(query).entries)
             names.push_back(std::string(nameOf(entry.change)) + " " +
                             std::to_string((ago(0).nanoseconds() - entry.at.nanoseconds()) /
-                                           second));
+                                           oneSecond));
         return names;
     }
 
