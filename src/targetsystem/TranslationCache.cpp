@@ -14,7 +14,7 @@ std::size_t shardCount(std::size_t capacity) {
 }  // namespace
 
 TranslationCache::TranslationCache(std::size_t capacity)
-    : shards(shardCount(capacity)), capacity(capacity / shards.size()) {}
+    : shards(shardCount(capacity)), capacity(capacity) {}
 
 TranslationCache::Shard& TranslationCache::shardOf(const TranslationKey& key) {
     // Not the bits that its container uses first.
@@ -42,15 +42,39 @@ TranslationCache::Finding TranslationCache::find(const TranslationKey& key) {
 
 void TranslationCache::settle(const TranslationKey& key, const Question& question,
                               const Answer& answer) {
-    Entries::node_type evicted;  // freed after the lock
+    if (keep(key, question, answer) && kept > capacity)
+        evictOldest();
+}
+
+bool TranslationCache::keep(const TranslationKey& key, const Question& question,
+                            const Answer& answer) {
     Shard& shard = shardOf(key);
     Lock lock(shard.mutex);
     if (!shard.withdraw(key, question) || !answer.keep)
-        return;
-    auto& byUse = shard.entries.get<ByUse>();
-    byUse.push_back({key, answer.translation.value});
-    if (byUse.size() > capacity)
-        evicted = byUse.extract(byUse.begin());
+        return false;
+    shard.entries.get<ByUse>().push_back({key, answer.translation.value});
+    ++kept;
+    return true;
+}
+
+/// In turns, so that a shard that has more of the texts in use than others gets more of the room.
+void TranslationCache::evictOldest() {
+    for (std::size_t asked = 0; asked < shards.size(); ++asked) {
+        if (const std::size_t evicted = shards[evictions++ % shards.size()].evictOldest()) {
+            kept -= evicted;
+            return;
+        }
+    }
+}
+
+std::size_t TranslationCache::Shard::evictOldest() {
+    Entries::node_type evicted;  // freed after the lock
+    Lock lock(mutex);
+    auto& byUse = entries.get<ByUse>();
+    if (byUse.empty())
+        return 0;
+    evicted = byUse.extract(byUse.begin());
+    return 1;
 }
 
 /// False when the cache was cleared since the question was asked.
@@ -62,18 +86,19 @@ bool TranslationCache::Shard::withdraw(const TranslationKey& key, const Question
     return true;
 }
 
-void TranslationCache::Shard::clear() {
+std::size_t TranslationCache::Shard::clear() {
     // What they hold is released after the lock.
     Entries formerEntries;
     Questions formerQuestions;
     Lock lock(mutex);
     entries.swap(formerEntries);
     questions.swap(formerQuestions);
+    return formerEntries.size();
 }
 
 void TranslationCache::clear() {
     for (Shard& shard : shards)
-        shard.clear();
+        kept -= shard.clear();
 }
 
 CacheStatistics TranslationCache::statistics() const {

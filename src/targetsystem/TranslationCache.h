@@ -35,9 +35,9 @@ struct CacheStatistics {
 };
 
 /// Translations that were looked up before; the least recently used goes first. A large cache is
-/// made of shards, each with its own share of the capacity and its own order of use, so that
-/// threads that look up different keys seldom wait for each other. Threads that miss the same key
-/// at a time share one question. Any thread.
+/// made of shards, each with its own order of use, so that threads that look up different keys
+/// seldom wait for each other; they share the capacity, and take turns in giving up their oldest.
+/// Threads that miss the same key at a time share one question. Any thread.
 class TranslationCache {
 public:
     /// Of one target system.
@@ -60,6 +60,7 @@ public:
 
     void clear();
     CacheStatistics statistics() const;
+    std::size_t size() const { return kept; }
 
 private:
     /// A question that is being asked. None is its answer when asking threw.
@@ -101,7 +102,9 @@ private:
         std::atomic<std::uint64_t> misses = 0;
 
         bool withdraw(const TranslationKey& key, const Question& question) REQUIRES(mutex);
-        void clear() EXCLUDES(mutex);
+        /// Answer how many left.
+        std::size_t evictOldest() EXCLUDES(mutex);
+        std::size_t clear() EXCLUDES(mutex);
     };
 
     Shard& shardOf(const TranslationKey& key);
@@ -109,9 +112,13 @@ private:
     template <class Ask>
     Translation lead(const TranslationKey& key, Question& question, Ask& ask);
     void settle(const TranslationKey& key, const Question& question, const Answer& answer);
+    bool keep(const TranslationKey& key, const Question& question, const Answer& answer);
+    void evictOldest();
 
     std::vector<Shard> shards;
-    const std::size_t capacity;  ///< of a shard
+    const std::size_t capacity;  ///< of all shards
+    std::atomic<std::size_t> kept = 0;  ///< in all shards; more only until those are evicted
+    std::atomic<std::size_t> evictions = 0;
 };
 
 template <class Ask>

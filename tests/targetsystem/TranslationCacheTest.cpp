@@ -86,6 +86,27 @@ TEST(TranslationCache, KeepsWhatWasUsedLatest) {
     }
 }
 
+TEST(TranslationCache, KeepsAsManyAsItMayWhateverTheyAre) {
+    TranslationCache cache;
+    int asked = 0;
+    const auto askedFor = [&](ULONG first, ULONG count) {
+        asked = 0;
+        for (ULONG id = first; id < first + count; ++id)
+            cache.get(keyOf(id), [&] { return ++asked, kept("text"); });
+        return asked;
+    };
+    constexpr ULONG inUse = 4000;
+    EXPECT_EQ(askedFor(0, inUse), 4000);
+    EXPECT_EQ(askedFor(0, inUse), 0);
+    for (int round = 0; round < 10; ++round)
+        askedFor(100'000, inUse);
+    EXPECT_EQ(asked, 0) << "others took their place";
+    askedFor(200'000, 3 * inUse);
+    EXPECT_EQ(cache.size(), TranslationCache::defaultCapacity);
+    cache.clear();
+    EXPECT_EQ(cache.size(), 0U);
+}
+
 /// A question on a thread of its own, which stays open until `answer`.
 class OpenQuestion {
 public:
