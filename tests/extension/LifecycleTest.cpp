@@ -244,6 +244,27 @@ TEST(Lifecycle, EventsAreProvidedAlsoFromInsideTheSlotsOfTwoTargets) {
     EXPECT_GT(failed, 0);
 }
 
+/// The host asks inside its reset, and never has room for what it is given.
+TEST(Lifecycle, AHandOverThatFailsIsOwedFromTickToTick) {
+    struct Full final : IEventReceiver {
+        void replace_events(const char*, std::span<const Event>) override { throw std::bad_alloc(); }
+    } receiver;
+    Simulation simulation;
+    RecordingHost host(fillerAlone());
+    LoadedExtension loaded(host);
+    host.insideSlot = [&](const std::string& call) {
+        auto* provider = loaded.listener<IZrHmiSrvAlarmProviderListener>();
+        if (call != "reset" || !provider)
+            return;
+        EXPECT_FALSE(provider->provide_events(loaded.context, receiver).succeeded());
+    };
+    ASSERT_EQ(loaded.init(), ErrorValue::success);
+    EXPECT_TRUE(host.waitFor([&] { return host.count("reset") == 3; }));
+    const auto checks = simulation.calls("IsConnected");
+    EXPECT_TRUE(eventually([&] { return simulation.calls("IsConnected") > checks + 1; }))
+        << "meanwhile its keeper goes on";
+}
+
 struct Running : testing::Test {
     void SetUp() override {
         ASSERT_EQ(loaded.init(), ErrorValue::success);

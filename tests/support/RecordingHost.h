@@ -48,10 +48,13 @@ public:
     ResultPair drop_event(const Context&, ZrHmiSrv::Event event) override;
     ResultPair read_configuration(Value& result, const Context&, const char* name) override;
     ResultPair reset_events(const Context&) override {
-        std::lock_guard lock(mutex);
-        if (refusedResets > 0 && refusedResets--)
-            throw std::bad_alloc();
-        return note("reset");
+        look([&] {
+            if (refusedResets > 0 && refusedResets--)
+                throw std::bad_alloc();
+            note("reset");
+        });
+        insideSlot("reset");
+        return {};
     }
     ResultPair announce(const Context&, const char* product) override {
         std::lock_guard lock(mutex);
