@@ -36,7 +36,8 @@ public:
     Server() {
         std::ofstream(file) << R"({"TIMEOUT": "PT5S", "LIMIT_EVENT_COUNT": 10, "TARGET_SYSTEMS":
                                    {"A": {"ADDRESS": "local", "ENABLED": true}}})";
-        backend = std::make_unique<hmi::Backend>(file, ZrHmiSrv::Context("Fuzz"), feed, metrics);
+        backend = std::make_unique<hmi::Backend>(file, ZrHmiSrv::Context("Fuzz"), feed, metrics,
+                                                 [](const auto&) { return true; });
         commands.emplace(backend->calls);
         config.emplace(backend->configuration, backend->calls);
         log.emplace(backend->log);
