@@ -8,11 +8,11 @@ import { Server, inProject, sleep } from "./support/server.js";
 const read = async (path) => JSON.parse(await readFile(inProject(path), "utf8"));
 const plant = await read("demo/plant.json");
 for (const runtime of Object.values(plant.runtimes))
-  runtime.timeline = [];
+  Object.assign(runtime, { timeline: [], repeat: false });
 const server = await Server.start({ config: await read("demo/config.json"), plant,
   options: ["--history", "FILES/history.sqlite"] });
 const folder = inProject("docs/pictures");
-const desk = { viewport: { width: 1366, height: 768 } };
+const desk = { viewport: { width: 1280, height: 570 }, reducedMotion: "reduce" };
 
 const pictures = [
   { name: "operate", path: "/", show: (page) => page.locator("tbody .title").first().click() },

@@ -85,8 +85,10 @@ async function work(page, world, random, count) {
   for (let attempt = 0; attempt < count; ++attempt) {
     await world.refill();
     const targets = await places(page);
-    if (targets.length === 0) {
+    if (targets.length === 0) {  // all that is shown is done: on to what waits
       await page.mouse.move(5, 5);
+      const waiting = page.locator("main .waiting");
+      await (await waiting.isVisible() ? waiting.click() : page.waitForTimeout(100));
       continue;
     }
     const point = targets[random(targets.length)];

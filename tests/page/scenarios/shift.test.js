@@ -41,6 +41,14 @@ test("a shift", async () => {
   await page.locator("main button[type=reset]").click();
   await rowsWhen(page, (shown) => shown.length === 5, "all alarms again");
 
+  await page.setViewportSize({ width: 390, height: 844 });
+  await page.locator("main .ordering").selectOption("name");
+  const byName = list.map(({ title }) => title).sort();
+  await rowsWhen(page, (shown) => shown.every(({ title }, at) => title === byName[at]), "by name");
+  await page.locator("main .ordering").selectOption("priority");
+  await page.setViewportSize({ width: 1366, height: 768 });
+  await rowsWhen(page, (shown) => shown[0].id === list[0].id, "the most urgent first again");
+
   const level = list.find(({ title }) => title === "Product tank level below 12 %");
   await rowOf(page, level.id).click();
   await page.getByText("Clean the sensor.").waitFor();
