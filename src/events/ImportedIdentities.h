@@ -47,6 +47,12 @@ public:
             alarms.erase(key);
     }
 
+    /// Another alarm has taken its place: what is still told of it is news.
+    void replace(const AlarmKey& key) {
+        settle(key);
+        alarms.erase(key);
+    }
+
     bool contains(const AlarmKey& key) const { return alarms.contains(key); }
     /// True once for each message that was taken over.
     bool takeMessage(const ZrHmiSrv::Message& message);

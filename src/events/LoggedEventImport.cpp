@@ -16,7 +16,25 @@ struct LoggedEventImport::Replay {
     const ImportSnapshot& snapshot;
     std::unordered_set<const IZrAlarm*> raised;  ///< in this replay
     std::unordered_map<const IZrAlarm*, std::size_t> raisesAhead;
+    /// The record with which an object began to stand for the alarm that it stands for now.
+    std::unordered_map<const IZrAlarm*, const RecordedCallback*> begins;
 };
+
+/// An object tells only of its last alarm: what was recorded of those before it, which ended,
+/// cannot be replayed.
+void LoggedEventImport::lookAhead(const NotificationRecorder::Records& records, Replay& state) {
+    std::unordered_set<const IZrAlarm*> removed;
+    for (const auto& record : records) {
+        const IZrAlarm* const alarm = record->alarm.get();
+        if (record->kind == NotificationKind::alarmRaised) {
+            ++state.raisesAhead[alarm];
+            if (removed.erase(alarm) != 0)
+                state.begins[alarm] = record.get();
+        } else if (alarm && record->flag == VARIANT_TRUE) {
+            removed.insert(alarm);
+        }
+    }
+}
 
 ImportResultPtr LoggedEventImport::run(Logger& logger) {
     // Both outlive sinkMutex: they hold what is to be released without it.
@@ -57,10 +75,8 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
     exchangeStores(snapshot);
     records = notifications.takeRecords();
     result.recorded = records.size();
-    Replay state{snapshot, {}, {}};
-    for (const auto& record : records)
-        if (record->kind == NotificationKind::alarmRaised)
-            ++state.raisesAhead[record->alarm.get()];
+    Replay state{snapshot, {}, {}, {}};
+    lookAhead(records, state);
     for (auto& record : records) {
         if (record->kind == NotificationKind::databaseChanged) {
             result.databaseChange = record->reason;
@@ -89,6 +105,11 @@ void LoggedEventImport::replay(const RecordedCallback& record, Replay& state) {
         --state.raisesAhead[alarm];
     if (alarm && state.snapshot.tookOver(alarm))
         return lifecycle.refresh(record, state.raisesAhead[alarm] > 0);
+    if (const auto begin = state.begins.find(alarm); begin != state.begins.end()) {
+        if (begin->second != &record)
+            return;
+        state.begins.erase(begin);
+    }
     // A change of an alarm that nobody has seen begins with the alarm itself.
     if (alarm && state.raised.insert(alarm).second && record.kind != NotificationKind::alarmRaised)
         lifecycle.onAlarmRaised(*alarm, quiet);

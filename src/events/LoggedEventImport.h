@@ -39,6 +39,7 @@ private:
     void swapAndReplay(ImportSnapshot& snapshot, ImportResult& result)
         EXCLUDES(notifications.sinkMutex);
     void exchangeStores(ImportSnapshot& snapshot);
+    static void lookAhead(const NotificationRecorder::Records& records, Replay& state);
     void replay(const RecordedCallback& record, Replay& state);
     NotificationRecorder::Records abandon() EXCLUDES(notifications.sinkMutex);
 

@@ -79,7 +79,7 @@ void RaisedAlarms::dropFormerState(const Raised& raised, bool quiet) {
     });
     if (!former.event.isset())
         return;
-    identities.settle(raised.unsettled->key);
+    identities.replace(raised.unsettled->key);
     if (!quiet)
         store.forget({former.event});
 }

@@ -189,6 +189,18 @@ TEST_F(LoggedEventImport, AnAlarmThatEndsAndIsRaisedAgainStandsThereAlive) {
     raised(alarm);
     EXPECT_THAT(stored(), ElementsAre("1s alarm 1 cleared now", "1s alarm 2")) << "also after it";
 
+    TargetWorld unlisted(100);  // neither as it was nor as it is
+    unlisted.logger.afterTheLists = [&] {
+        FakeEvent& object = unlisted.source(1, 1);
+        unlisted.raised(object);
+        unlisted.cleared(object, VARIANT_TRUE);
+        object.data.raised = at(4);
+        unlisted.raised(object);
+        unlisted.confirmed(object, VARIANT_FALSE);
+    };
+    unlisted.import();
+    EXPECT_THAT(unlisted.stored(), ElementsAre("4s alarm 1"));
+
     TargetWorld late(100);
     late.loggedAlarm(1, 1, true);  // its end is told after the import alone
     late.import();
@@ -220,6 +232,20 @@ TEST_F(LoggedEventImport, OneThatHasEndedStandsBesideItsLikeThatIsActive) {
                                       "1s alarm 5"));
     raised(ended);
     EXPECT_THAT(host.take(), IsEmpty()) << "known to have ended";
+}
+
+/// Of one class and source, which their logger does not number.
+TEST_F(LoggedEventImport, OneThatEndsAfterItsLikeWasRaisedIsNotLost) {
+    loggedAlarm(1, 0, true).data.instanceId.reset();
+    logger.betweenTheLists = [&] {
+        FakeEvent& ended = source(1);
+        raised(*logger.active.emplace_back(&source(4)));
+        ended.data.cleared = at(5);
+        cleared(ended, VARIANT_TRUE);
+    };
+    import();
+    EXPECT_THAT(stored(), ElementsAre(AllOf(StartsWith("1s alarm"), EndsWith("cleared 5s")),
+                                      StartsWith("4s alarm")));
 }
 
 TEST_F(LoggedEventImport, ADatabaseChangeEndsTheReplay) {
