@@ -236,7 +236,7 @@ TEST(EventBook, AHandOverThatThrowsLeavesTheListAsItWas) {
     all.lastKnown = true;
     const auto state = [&] {
         std::vector<EventRecordPtr> events = book.select(all, 0, 99).events;
-        const TargetCounts& counts = book.countsByTarget()["A"];
+        const TargetCounts counts = book.countsByTarget()["A"];
         return std::tuple(std::move(events), counts.alarms, counts.messages, list.replacements);
     };
     for (const bool isImported : {false, true}) {

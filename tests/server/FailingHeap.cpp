@@ -6,10 +6,14 @@
 
 thread_local int allocationsLeft = -1;
 
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     void* const memory = allocationsLeft == 0 ? nullptr : std::malloc(size);
     if (allocationsLeft >= 0)
         --allocationsLeft;
+    return memory;
+}
+void* operator new(std::size_t size) {
+    void* const memory = operator new(size, std::nothrow);
     return memory ? memory : throw std::bad_alloc();
 }
 void operator delete(void* memory) noexcept { std::free(memory); }
