@@ -91,6 +91,7 @@ std::unique_ptr<IHistory> Application::makeHistory() {
 Application::~Application() {
     lanes.stop();
     lanes.join();
+    texts.stop();  // it tells the feed, whose listeners go before it
 }
 
 void Application::addRoutes() {

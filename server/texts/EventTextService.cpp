@@ -162,9 +162,12 @@ void EventTextService::forget(const std::string& target) {
 }
 
 void EventTextService::stop() {
-    Lock lock(mutex);
-    stopping = true;
-    changed.notify_all();
+    {
+        Lock lock(mutex);
+        stopping = true;
+        changed.notify_all();
+    }
+    news.stop();
 }
 
 void EventTextService::write(PrometheusText& text) const {

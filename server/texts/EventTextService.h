@@ -40,7 +40,7 @@ public:
                               std::chrono::milliseconds wait);
 
     bool post(const Change& change) noexcept override;
-    /// Nobody waits any more.
+    /// Nobody waits any more, and nothing is told any more when it returns.
     void stop();
     void write(PrometheusText& text) const;
 

@@ -2,13 +2,14 @@
 
 namespace hmi {
 
-TextNews::~TextNews() {
+void TextNews::stop() {
     {
         Lock lock(mutex);
         stopping = true;
         changed.notify_all();
     }
-    thread.join();
+    if (thread.joinable())
+        thread.join();
 }
 
 void TextNews::tellWithin(std::chrono::milliseconds delay) {

@@ -14,10 +14,12 @@ namespace hmi {
 class TextNews {
 public:
     explicit TextNews(IChangeSink& sink) : sink(sink), thread([this] { run(); }) {}
-    ~TextNews();
+    ~TextNews() { stop(); }
 
     /// Tells it after that time; sooner when that has been asked for as well.
     void tellWithin(std::chrono::milliseconds delay);
+    /// Nothing is told any more when it returns. From one thread.
+    void stop();
 
 private:
     using Clock = std::chrono::steady_clock;
