@@ -81,7 +81,7 @@ private:
     ConfigCheckResource configCheckResource{backend.configuration, backend.events};
     CommandsResource commandsResource{backend.calls};
     LogResource logResource{backend.log};
-    HistoryResource historyResource{history.get()};
+    HistoryResource historyResource{history.get(), access};
     MetricsResource metricsResource{metrics, backend.events, backend.calls,
                                     feed,    lanes,          texts,
                                     history.get()};

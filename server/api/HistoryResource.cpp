@@ -47,7 +47,7 @@ std::int64_t cursorOf(const std::string& text) {
     return cursor;
 }
 
-HistoryQuery queryOf(const Query& parameters) {
+HistoryQuery filterOf(const Query& parameters) {
     constexpr std::string_view kinds[] = {"alarm", "message", "gap", "audit"};
     HistoryQuery query;
     query.from = timeOf(parameters, "from");
@@ -122,10 +122,21 @@ IHistory& HistoryResource::kept() const {
     return *history;
 }
 
+/// What users did is for engineers.
+HistoryQuery HistoryResource::queryOf(const Request& request) const {
+    HistoryQuery query = filterOf(request.target.query);
+    query.withAudit = access.roleOf(request.user) >= Role::engineer;
+    const bool wantsAudit =
+        query.kind == HistoryKind::audit || query.change == HistoryChange::audit;
+    if (wantsAudit && !query.withAudit)
+        throw RequestError(403, "what users did takes the role engineer");
+    return query;
+}
+
 Response HistoryResource::list(const Request& request) {
     request.target.query.allowOnly(filters, {"limit", "after"});
     IHistory& from = kept();
-    const HistoryPage page = pageOf(from, queryOf(request.target.query));
+    const HistoryPage page = pageOf(from, queryOf(request));
     Response response;
     response.body = "{\"entries\":[";
     for (const HistoryEntry& entry : page.entries) {
@@ -143,7 +154,7 @@ Response HistoryResource::table(const Request& request) {
     constexpr std::size_t pageSize = 500;
     const Query& parameters = request.target.query;
     parameters.allowOnly(filters, {"bom"});
-    HistoryQuery query = queryOf(parameters);
+    HistoryQuery query = queryOf(request);
     query.limit = 1;
     pageOf(kept(), query);  // what cannot be read is told before the first row
     query.limit = pageSize;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "server/history/History.h"
+#include "server/history/HistoryQuery.h"
 #include "server/http/Router.h"
+#include "server/users/AccessControl.h"
 
 namespace hmi {
 
@@ -9,7 +11,8 @@ namespace hmi {
 class HistoryResource {
 public:
     /// Null: none is kept.
-    explicit HistoryResource(IHistory* history) : history(history) {}
+    HistoryResource(IHistory* history, const AccessControl& access)
+        : history(history), access(access) {}
 
     void addRoutes(Router& router);
 
@@ -18,8 +21,10 @@ private:
     Response table(const Request& request);
     Response state(const Request& request);
     IHistory& kept() const;
+    HistoryQuery queryOf(const Request& request) const;
 
     IHistory* const history;
+    const AccessControl& access;
 };
 
 }  // namespace hmi

@@ -24,6 +24,7 @@ struct HistoryQuery {
     std::optional<std::int64_t> occurrence = {};  ///< the life of one event
     /// All of these words; those that end with an asterisk begin a word.
     std::string text = {};
+    bool withAudit = true;  ///< also what users did
     std::size_t limit = 100;
     /// Only what comes behind this in the list.
     std::int64_t after = std::numeric_limits<std::int64_t>::max();

@@ -32,11 +32,26 @@ std::vector<std::string> phrasesOf(const std::string& text) {
     return phrases;
 }
 
-void addAny(std::string& words, const std::vector<std::string>& marks) {
-    words += " AND (";
+void addAny(std::string& words, const std::vector<std::string>& marks,
+            const char* how = " AND (") {
+    words += how;
     for (std::size_t i = 0; i < marks.size(); ++i)
         words.append(i == 0 ? "" : " OR ").append("marks:").append(marks[i]);
     words += ")";
+}
+
+/// By what is shown or what is not, whichever is less.
+void addMarksOf(std::string& words, const std::vector<HistoryChange>& shown) {
+    std::vector<std::string> marks, others;
+    for (std::size_t i = 0; i < historyChangeNames.size(); ++i) {
+        const auto change = static_cast<HistoryChange>(i);
+        const bool isShown = std::find(shown.begin(), shown.end(), change) != shown.end();
+        (isShown ? marks : others).push_back(changeMark(change));
+    }
+    if (marks.size() < others.size())
+        addAny(words, marks);
+    else if (!others.empty())
+        addAny(words, others, " NOT (");
 }
 
 }  // namespace
@@ -85,7 +100,8 @@ HistorySearch::Places HistorySearch::next(std::int64_t after, std::size_t count)
 }
 
 bool HistorySearch::isFiltered() const {
-    return query.station || query.target || query.kind || query.change || query.severity > 0;
+    return query.station || query.target || query.kind || query.change || query.severity > 0 ||
+           !query.withAudit;
 }
 
 HistorySearch::Places HistorySearch::ofAll(std::int64_t after, std::size_t count) {
@@ -143,8 +159,10 @@ std::vector<HistoryChange> HistorySearch::changes() const {
         // Gaps and audit have no severity.
         const bool isGraded = kindOf(change) != HistoryKind::gap &&
                               kindOf(change) != HistoryKind::audit;
+        const bool isShown = query.withAudit || change != HistoryChange::audit;
         if ((!query.change || *query.change == change) &&
-            (!query.kind || *query.kind == kindOf(change)) && (query.severity == 0 || isGraded))
+            (!query.kind || *query.kind == kindOf(change)) &&
+            (query.severity == 0 || isGraded) && isShown)
             wanted.push_back(change);
     }
     return wanted;
@@ -174,12 +192,7 @@ std::string HistorySearch::words() const {
         addAny(wanted, {stationMark(*query.station)});
     if (query.target)
         addAny(wanted, {targetMark(*query.target)});
-    if (ofChanges.size() < historyChangeNames.size()) {
-        std::vector<std::string> marks;
-        for (const HistoryChange change : ofChanges)
-            marks.push_back(changeMark(change));
-        addAny(wanted, marks);
-    }
+    addMarksOf(wanted, ofChanges);
     if (query.severity > 0) {
         std::vector<std::string> marks;
         for (auto level = std::min(query.severity, ungraded); level <= ungraded; ++level)

@@ -136,7 +136,8 @@ protected:
                 "name": {"1033": "Machine"},
                 "events": {"1": {"kind": "alarm", "severity": 3, "confirm": true,
                                  "text": {"1033": "Low"}}}}}})")}}}},
-        {"--users", files.write("users.json", users)}};
+        {"--users", files.write("users.json", users), "--history",
+         files.path("history.db").string()}};
 };
 
 TEST_F(UsersTest, WithoutARightNothingHappens) {
@@ -251,6 +252,24 @@ TEST_F(UsersTest, AnotherPasswordEndsWhatTheOldOneOpened) {
     EXPECT_TRUE(eventually([&] { return status({{"Cookie", cookie}}) == 401U; }));
     EXPECT_EQ(status(as("view")), 401U) << "not remembered either";
     EXPECT_EQ(status(as("confirm")), 200U);
+}
+
+TEST_F(UsersTest, TheHistoryTellsEngineersOnlyWhatUsersDid) {
+    send("engineer", "POST", "/api/commands", R"([{"command": "Secret", "writeValue": 1}])");
+    const auto tells = [&](const std::string& user, const std::string& query,
+                           const char* what = "POST /api/commands") {
+        return send(user, "GET", "/api/history" + query).body.find(what) != std::string::npos;
+    };
+    const auto readable = {"", "?text=secret", "?to=2100-01-01T00:00:00Z", ".csv"};
+    for (const std::string query : readable)
+        EXPECT_TRUE(eventually([&] { return tells("engineer", query); })) << query;
+    EXPECT_TRUE(eventually([&] { return tells("view", "?text=low", "raised"); }));
+    for (const std::string user : {"view", "confirm"}) {
+        for (const std::string query : readable)
+            EXPECT_FALSE(tells(user, query)) << user << query;
+        EXPECT_EQ(send(user, "GET", "/api/history.csv?change=audit").status, 403U);
+        EXPECT_EQ(send(user, "GET", "/api/history?kind=audit").status, 403U);
+    }
 }
 
 TEST(Tls, ServesUnderItsNewestCertificateOnly) {
