@@ -59,7 +59,7 @@ EventSearch::Result EventSearch::page() const {
     const PageWindow window(query.offset, query.limit, gaps.size());
     Result result = events(window.first, window.size);
     result.total += gaps.size();
-    result.hits = window.merge(result.hits, gaps, before);
+    result.hits = window.merge(std::move(result.hits), std::move(gaps), before);
     return result;
 }
 
@@ -77,6 +77,7 @@ EventSearch::Result EventSearch::events(std::size_t first, std::size_t size) con
     if (query.text.empty() && !query.byName) {
         EventPage selected = book.select(query.filter, first, size);
         result.total = selected.total;
+        result.hits.reserve(selected.events.size());
         for (EventRecordPtr& event : selected.events)
             result.hits.push_back({std::move(event), {}});
         addTexts(result);

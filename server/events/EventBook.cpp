@@ -256,11 +256,11 @@ EventPage EventBook::select(const EventFilter& filter, std::size_t offset,
     Lock lock(mutex);
     if (!filter.lastKnown || lastKnown.size() == 0)
         return current.select(filter, offset, limit);
-    const EventPage lost = lastKnown.select(filter, 0, unlimited);
+    EventPage lost = lastKnown.select(filter, 0, unlimited);
     const PageWindow window(offset, limit, lost.events.size());
-    const EventPage page = current.select(filter, window.first, window.size);
+    EventPage page = current.select(filter, window.first, window.size);
     return {page.total + lost.total,
-            window.merge(page.events, lost.events,
+            window.merge(std::move(page.events), std::move(lost.events),
                          [&](const auto& a, const auto& b) { return filter.isBefore(*a, *b); })};
 }
 

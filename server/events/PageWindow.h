@@ -18,16 +18,18 @@ struct PageWindow {
           limit(limit) {}
 
     template <class Item, class Before>
-    std::vector<Item> merge(const std::vector<Item>& window, const std::vector<Item>& extras,
+    std::vector<Item> merge(std::vector<Item> window, std::vector<Item> extras,
                             Before before) const {
         std::vector<Item> merged;
         merged.reserve(window.size() + extras.size());
-        std::merge(window.begin(), window.end(), extras.begin(), extras.end(),
+        std::merge(std::make_move_iterator(window.begin()), std::make_move_iterator(window.end()),
+                   std::make_move_iterator(extras.begin()), std::make_move_iterator(extras.end()),
                    std::back_inserter(merged), before);
         const std::size_t begin = std::min(skipped, merged.size());
-        const std::size_t end = begin + std::min(limit, merged.size() - begin);
-        return {merged.begin() + static_cast<std::ptrdiff_t>(begin),
-                merged.begin() + static_cast<std::ptrdiff_t>(end)};
+        merged.erase(merged.begin(), merged.begin() + static_cast<std::ptrdiff_t>(begin));
+        const std::size_t size = std::min(limit, merged.size());
+        merged.erase(merged.begin() + static_cast<std::ptrdiff_t>(size), merged.end());
+        return merged;
     }
 
     std::size_t first;

@@ -9,7 +9,7 @@
 
 #include <gmock/gmock.h>
 
-#include "server/FailingHeap.h"
+#include "server/TestHeap.h"
 #include "server/events/EventBook.h"
 #include "server/extension/EventRefresher.h"
 
