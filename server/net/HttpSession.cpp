@@ -32,6 +32,15 @@ constexpr auto progressTimeout = std::chrono::seconds(30);  ///< of a client tha
 constexpr auto idleTimeout = std::chrono::seconds(75);
 constexpr auto lingerTimeout = std::chrono::seconds(2);
 
+/// Why there is nothing more to read; no error where there is something.
+boost::beast::error_code peek(asio::ip::tcp::socket& socket) {
+    boost::beast::error_code error;
+    socket.non_blocking(true, error);
+    std::byte next{};
+    socket.receive(asio::buffer(&next, 1), asio::socket_base::message_peek, error);
+    return error;
+}
+
 std::size_t sizeOf(const Response& reply) {
     const std::size_t size = reply.parts ? reply.held : reply.body.size();
     return size > smallSize ? size : 0;
@@ -194,8 +203,13 @@ std::shared_ptr<const Presence> HttpSession::watchClient() {
     auto& socket = stream.next_layer().socket();
     socket.async_wait(asio::ip::tcp::socket::wait_read,
                       [self = shared_from_this(), presence](Error error) {
-                          if (!error && self->stream.next_layer().socket().available(error) == 0)
+                          if (!error)
+                              error = peek(self->stream.next_layer().socket());
+                          if (error == asio::error::eof)
                               presence->hasEndedItsSide();
+                          else if (error && error != asio::error::would_block &&
+                                   error != asio::error::operation_aborted)
+                              presence->hasGone();  // where no wait_error tells of it
                       });
     socket.async_wait(asio::ip::tcp::socket::wait_error,
                       [self = shared_from_this(), presence](Error error) {

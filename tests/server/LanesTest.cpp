@@ -1,7 +1,8 @@
 #include <atomic>
 #include <future>
-#include <latch>
 
+
+#include <boost/thread/latch.hpp>
 #include <gmock/gmock.h>
 
 #include "server/lanes/CappedLane.h"
@@ -16,7 +17,7 @@ TEST(Lanes, ATargetSystemThatHangsTakesItsShareAndNoMore) {
     CappedLane lane("calls", {100, 2, 3, 1000});
     std::promise<void> opened;
     const auto gate = opened.get_future().share();
-    std::latch started(2 * targets);
+    boost::latch started(2 * targets);
     std::atomic<int> ran = 0;
     std::atomic<int> refused = 0;
     std::string reason;
@@ -56,7 +57,7 @@ TEST(Lanes, ATargetSystemThatHangsTakesItsShareAndNoMore) {
 
 TEST(Lanes, WorkOfOneTargetSystemKeepsItsOrderAndAllOfItRuns) {
     CappedLane lane("changes", {4, 1, 1000, 10'000});
-    std::latch done(8 * 500);
+    boost::latch done(8 * 500);
     std::vector<int> last(8, -1);  // each written by one thread at a time, as one runs at a time
     for (int i = 0; i < 8 * 500; ++i)
         lane.run(std::to_string(i % 8), {[&, i] {
