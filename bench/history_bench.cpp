@@ -210,6 +210,11 @@ int read(const char* file) {
     time(history, "a word, a change and a severity",
          {.change = HistoryChange::cleared, .severity = 4, .text = "drive"});
     time(history, "the beginning of a word", {.text = "temp*"});
+    time(history, "the beginning of some words", {.text = "4*"});
+    time(history, "the beginning of a word and all but audit", {.text = "temp*", .withAudit = false});
+    time(history, "all but audit", {.withAudit = false});
+    time(history, "one letter, of names too", {.text = "t*"});
+    time(history, "one letter, of marks too", {.text = "v*"});
     time(history, "the beginning of a word, from the middle", {.text = "need*", .after = middle});
     return 0;
 }

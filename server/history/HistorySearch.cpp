@@ -4,6 +4,7 @@
 #include <functional>
 #include <queue>
 
+#include "server/history/HistoryVocabulary.h"
 #include "server/history/HistoryWords.h"
 
 namespace hmi {
@@ -17,9 +18,14 @@ constexpr std::int64_t all = std::numeric_limits<std::int64_t>::max();
 /// Of more rows of one microsecond than there are places the later ones lie behind it.
 constexpr std::int64_t overflow = 1024 * 1024;
 
-/// The parts of what was typed, each as a phrase of the index.
-std::vector<std::string> phrasesOf(const std::string& text) {
-    std::vector<std::string> phrases;
+/// A part of what was typed: a word or, with signs between them, several.
+struct Phrase {
+    std::string words;
+    bool isBeginning;
+};
+
+std::vector<Phrase> phrasesOf(const std::string& text) {
+    std::vector<Phrase> phrases;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find(' ', at), text.size());
         std::string word = text.substr(at, end - at);
@@ -27,9 +33,13 @@ std::vector<std::string> phrasesOf(const std::string& text) {
         const bool isBeginning = word.ends_with('*');
         std::erase_if(word, [](char c) { return c == '*' || c == '"' || c == '\0'; });
         if (!word.empty())
-            phrases.push_back("\"" + word + (isBeginning ? "\"*" : "\""));
+            phrases.push_back({std::move(word), isBeginning});
     }
     return phrases;
+}
+
+std::string quote(const std::string& words) {
+    return "\"" + words + "\"";
 }
 
 void addAny(std::string& words, const std::vector<std::string>& marks,
@@ -170,21 +180,37 @@ std::vector<HistoryChange> HistorySearch::changes() const {
 
 HistorySearch::Places HistorySearch::ofWords(std::int64_t after, std::size_t count) {
     Places places;
-    const std::string wanted = words();
-    if (wanted.empty())
+    if (!match)
+        match = words();
+    if (match->empty())
         return places;
     Statement walk(database, "SELECT rowid FROM words WHERE words MATCH ?1 AND rowid<?2"
                              " AND rowid>=?3 ORDER BY rowid DESC LIMIT ?4");
-    for (walk.bind(wanted, after, first, static_cast<std::int64_t>(count)); walk.step();)
+    for (walk.bind(*match, after, first, static_cast<std::int64_t>(count)); walk.step();)
         places.push_back(walk.integer(0));
     return places;
+}
+
+/// What begins like this; empty when nothing does.
+std::string HistorySearch::anyOf(const std::string& beginning) const {
+    const auto known = HistoryVocabulary(database).startingWith(beginning);
+    if (!known)
+        return quote(beginning) + "*";
+    std::string any;
+    for (const std::string& words : *known)
+        any.append(any.empty() ? "(" : " OR ").append(quote(words));
+    return any.empty() ? any : any + ")";
 }
 
 /// Empty when nothing can match.
 std::string HistorySearch::words() const {
     std::string wanted;
-    for (const std::string& phrase : phrasesOf(query.text))
-        wanted.append(wanted.empty() ? "" : " AND ").append("text:").append(phrase);
+    for (const Phrase& phrase : phrasesOf(query.text)) {
+        const std::string one = phrase.isBeginning ? anyOf(phrase.words) : quote(phrase.words);
+        if (one.empty())
+            return {};
+        wanted.append(wanted.empty() ? "" : " AND ").append("text:").append(one);
+    }
     const std::vector<HistoryChange> ofChanges = changes();
     if (wanted.empty() || ofChanges.empty())
         return {};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,7 @@ private:
     std::vector<std::int64_t> series();
     std::vector<HistoryChange> changes() const;
     std::string words() const;
+    std::string anyOf(const std::string& beginning) const;
     bool matches(const HistoryEntry& entry) const;
     HistoryEntry entry(Statement& row, std::int64_t place) const;
 
@@ -35,6 +37,7 @@ private:
     const HistoryQuery& query;
     std::int64_t first;  ///< no place before this one
     std::int64_t behind;
+    std::optional<std::string> match;  ///< `words` once they were wanted
 };
 
 /// What is read meanwhile is of one moment.

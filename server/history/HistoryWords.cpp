@@ -27,6 +27,12 @@ std::string stationMark(std::string_view station) {
     return wordOf('n', station);
 }
 
+bool isNameMark(std::string_view word) {
+    constexpr std::size_t length = 17;
+    return word.size() == length && (word[0] == 't' || word[0] == 'n') &&
+           word.find_first_not_of("0123456789abcdef", 1) == std::string_view::npos;
+}
+
 std::string changeMark(HistoryChange change) {
     return "c" + std::to_string(static_cast<int>(change));
 }

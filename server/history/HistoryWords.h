@@ -13,6 +13,8 @@ namespace hmi {
 /// more rows than it answers.
 std::string targetMark(std::string_view target);
 std::string stationMark(std::string_view station);
+/// Whether a word is one of those two, which no text holds.
+bool isNameMark(std::string_view word);
 std::string changeMark(HistoryChange change);
 std::string severityMark(std::uint32_t severity);
 inline std::string marksOf(std::string_view station, std::string_view target, HistoryChange change,

@@ -244,7 +244,7 @@ TEST_F(HistoryTest, PagesAndFiltersAgreeWithAPlainWalk) {
     expectSame(rare, isOf);
     rare.text = "level";
     expectSame(rare, isOf);
-    rare.text = "15.5 beh*";
+    rare.text = "15.5-of-Beh* lev*";
     rare.kind = HistoryKind::message;
     expectSame(rare, isOf);
     rare.from = ago(900);
