@@ -120,7 +120,7 @@ def fall_sick(server, index, background):
     elif call == "Severity":
         server.act(index, raise_alarm("new"))
     else:
-        ask = {"Confirm": ("POST", f"/api/events/{event}/confirm"),
+        ask = {"Confirm": ("POST", "/api/confirmations", {"events": [{"id": event}]}),
                "GetEventText": ("GET", f"/api/events/{event}?locale=en-US"),
                "Disconnect": ("POST", "/api/commands",
                               [{"command": "ForceReconnect", "writeValue": f"T{index}"}])}
@@ -153,8 +153,8 @@ def isolation():
     server.act(healthy, raise_alarm("urgent"))
     show("raised: listed after", until(lambda: server.alarms(healthy)), "0.5 s")
     event = server.alarms(healthy)[0]["id"]
-    show("its confirmation", timed(lambda: server.ask("POST", f"/api/events/{event}/confirm"))[0],
-         "100 ms")
+    show("its confirmation", timed(lambda: server.ask(
+        "POST", "/api/confirmations", {"events": [{"id": event}]}))[0], "100 ms")
     show("\"Diagnostics\"", timed(lambda: server.ask(
         "POST", "/api/commands", [{"command": "Diagnostics"}]))[0], "100 ms")
     show("a localized list of all targets",

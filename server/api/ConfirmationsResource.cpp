@@ -8,8 +8,6 @@
 #include <boost/json/serialize.hpp>
 
 #include "server/Log.h"
-#include "server/api/ConfirmationBody.h"
-#include "server/confirmations/ConfirmationBatch.h"
 #include "server/json/EventJson.h"
 #include "server/json/IsoTime.h"
 #include "server/json/ValueJson.h"
@@ -48,10 +46,8 @@ void ConfirmationsResource::addRoutes(Router& router) {
             return Place{Lane::confirmations, targetOf(idOf(r))};
         },
         [this](const Request& r) { return one(r); });
-    router.add(
-        Method::post, "/api/confirmations",
-        [](const Request&) { return Place{Lane::confirmations}; },
-        [this](const Request& r) { return many(r); });
+    router.addLate(Method::post, "/api/confirmations",
+                   [this](const Request& r, const LateReply& reply) { many(r, reply); });
 }
 
 Response ConfirmationsResource::one(const Request& request) {
@@ -67,32 +63,63 @@ Response ConfirmationsResource::one(const Request& request) {
         outcome.status);
 }
 
-/// Each target system in its own place in the lane: one that hangs keeps its own alarms waiting.
-Response ConfirmationsResource::many(const Request& request) {
+/// Each target system in its own place in the lane: one that hangs keeps its own alarms waiting,
+/// and nobody's place is taken by who waits for the last answer.
+void ConfirmationsResource::many(const Request& request, const LateReply& reply) {
     request.target.query.allowOnly({});
     const auto body = std::make_shared<const ConfirmationBody>(ConfirmationBody::ofMany(request));
     std::map<std::string, std::vector<std::size_t>> byTarget;
     for (std::size_t i = 0; i < body->wishes.size(); ++i)
         byTarget[targetOf(body->wishes[i].id)].push_back(i);
-    const auto batch = std::make_shared<ConfirmationBatch>(body->wishes.size());
-    for (auto& [target, indexes] : byTarget) {
-        const auto each = std::make_shared<const std::vector<std::size_t>>(std::move(indexes));
+    const auto batch = std::make_shared<ConfirmationBatch>(
+        body->wishes.size(),
+        [this, &request, body, reply](const ConfirmationBatch::Outcomes& outcomes) {
+            reply([&] { return answerTo(request, *body, outcomes); });
+        });
+    const auto isUp = [waiting = std::weak_ptr(batch)] {
+        if (const auto late = waiting.lock())
+            late->expire();
+    };
+    if (!deadlines.add(Deadlines::Clock::now() + service.patience(), isUp))
+        throw RequestError(503, "too many confirmations are under way");
+    for (auto& [target, indexes] : byTarget)
+        ask(target, body, std::move(indexes), batch, request.client);
+}
+
+/// A client that has gone by then wants nothing confirmed any more.
+void ConfirmationsResource::ask(const std::string& target,
+                                const std::shared_ptr<const ConfirmationBody>& body,
+                                std::vector<std::size_t> indexes,
+                                const std::shared_ptr<ConfirmationBatch>& batch,
+                                const std::shared_ptr<const Presence>& client) noexcept {
+    try {
         lanes.run({Lane::confirmations, target},
-                  {[this, body, batch, each] {
-                       for (const std::size_t i : *each)
-                           batch->set(i, confirm(body->wishes[i], body->asker));
+                  {[this, body, batch, client, indexes] {
+                       for (const std::size_t i : indexes) {
+                           const bool isOver = client && client->isOver();
+                           batch->set(i, isOver
+                                             ? ConfirmationOutcome{503, {}, "the client has gone"}
+                                             : confirm(body->wishes[i], body->asker));
+                       }
                    },
-                   [batch, each](const std::string& why) {
-                       for (const std::size_t i : *each)
+                   [batch, indexes](const std::string& why) {
+                       for (const std::size_t i : indexes)
                            batch->set(i, {503, {}, why});
                    }});
+    } catch (const std::exception& exception) {
+        log(LogLevel::error, std::string("confirmations failed: ") + exception.what());
+        for (const std::size_t i : indexes)
+            batch->set(i, {500, {}, {}});
     }
-    const auto outcomes = batch->await(service.patience());
+}
+
+Response ConfirmationsResource::answerTo(const Request& request, const ConfirmationBody& body,
+                                         const ConfirmationBatch::Outcomes& outcomes) const {
     json::array answers;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        record(request, body->wishes[i], body->asker.comment, outcomes[i]);
+        record(request, body.wishes[i], body.asker.comment, outcomes[i]);
         json::object answer = answerOf(outcomes[i]);
-        answer.emplace("id", idJson(body->wishes[i].id));
+        answer.emplace("id", idJson(body.wishes[i].id));
         answer.emplace("status", outcomes[i].status);
         answers.push_back(std::move(answer));
     }

@@ -1,6 +1,12 @@
 #pragma once
 
-#include "server/confirmations/ConfirmationService.h"
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "server/api/ConfirmationBody.h"
+#include "server/confirmations/ConfirmationBatch.h"
+#include "server/confirmations/Deadlines.h"
 #include "server/http/Router.h"
 #include "server/lanes/WorkerLanes.h"
 #include "server/users/Audit.h"
@@ -18,7 +24,12 @@ public:
 
 private:
     Response one(const Request& request);
-    Response many(const Request& request);
+    void many(const Request& request, const LateReply& reply);
+    void ask(const std::string& target, const std::shared_ptr<const ConfirmationBody>& body,
+             std::vector<std::size_t> indexes, const std::shared_ptr<ConfirmationBatch>& batch,
+             const std::shared_ptr<const Presence>& client) noexcept;
+    Response answerTo(const Request& request, const ConfirmationBody& body,
+                      const ConfirmationBatch::Outcomes& outcomes) const;
     ConfirmationOutcome confirm(const ConfirmationWish& wish,
                                 const ConfirmationAsker& asker) noexcept;
     void record(const Request& request, const ConfirmationWish& wish, const std::string& comment,
@@ -29,6 +40,7 @@ private:
     const EventBook& book;
     WorkerLanes& lanes;
     const Audit& audit;
+    Deadlines deadlines;  ///< last: it calls what stands above
 };
 
 }  // namespace hmi

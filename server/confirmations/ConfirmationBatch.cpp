@@ -5,18 +5,32 @@
 namespace hmi {
 
 void ConfirmationBatch::set(std::size_t index, ConfirmationOutcome outcome) {
-    Lock lock(mutex);
-    outcomes[index] = std::move(outcome);
-    if (--outstanding == 0)
-        changed.notify_all();
+    std::function<void()> tell;
+    {
+        Lock lock(mutex);
+        if (!done)
+            return;
+        outcomes[index] = std::move(outcome);
+        if (--outstanding > 0)
+            return;
+        tell = finished();
+    }
+    tell();
 }
 
-std::vector<ConfirmationOutcome> ConfirmationBatch::await(std::chrono::milliseconds patience) {
-    const auto end = std::chrono::steady_clock::now() + patience;
-    Lock lock(mutex);
-    while (outstanding > 0 && changed.wait_until(lock, end) != std::cv_status::timeout) {
+void ConfirmationBatch::expire() {
+    std::function<void()> tell;
+    {
+        Lock lock(mutex);
+        if (!done)
+            return;
+        tell = finished();
     }
-    return outcomes;
+    tell();
+}
+
+std::function<void()> ConfirmationBatch::finished() {
+    return [call = std::exchange(done, nullptr), all = std::move(outcomes)] { call(all); };
 }
 
 }  // namespace hmi

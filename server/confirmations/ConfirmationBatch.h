@@ -1,8 +1,6 @@
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
-#include <memory>
+#include <functional>
 #include <vector>
 
 #include "platform/Mutex.h"
@@ -11,20 +9,28 @@
 namespace hmi {
 
 /// The outcomes of many confirmations that are asked for side by side. Shared by the threads that
-/// ask and the one that waits; thread-safe.
+/// ask; thread-safe.
 class ConfirmationBatch {
 public:
-    explicit ConfirmationBatch(std::size_t count)
-        : outcomes(count, {504, {}, "there is no answer yet"}), outstanding(count) {}
+    using Outcomes = std::vector<ConfirmationOutcome>;
+    /// Called once, when there are all or the time is up, with no lock held.
+    using Done = std::function<void(const Outcomes&)>;
+
+    ConfirmationBatch(std::size_t count, Done done)
+        : done(std::move(done)),
+          outcomes(count, {504, {}, "there is no answer yet"}),
+          outstanding(count) {}
 
     void set(std::size_t index, ConfirmationOutcome outcome);
-    /// Returns when there are all, or the time is up.
-    std::vector<ConfirmationOutcome> await(std::chrono::milliseconds patience);
+    /// What is not known by now is not waited for.
+    void expire();
 
 private:
-    Mutex mutex;  ///< guards all below
-    std::condition_variable_any changed;
-    std::vector<ConfirmationOutcome> outcomes GUARDED_BY(mutex);
+    std::function<void()> finished() REQUIRES(mutex);
+
+    Mutex mutex;                  ///< guards all below
+    Done done GUARDED_BY(mutex);  ///< none once it was called
+    Outcomes outcomes GUARDED_BY(mutex);
     std::size_t outstanding GUARDED_BY(mutex);
 };
 

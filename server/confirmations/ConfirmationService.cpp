@@ -61,7 +61,8 @@ ConfirmationOutcome ConfirmationService::begin(const ConfirmationWish& wish,
     if (EventRecordPtr lost = book.findLastKnown(wish.id))
         return {409, {}, "the alarm's target system is lost", std::move(lost)};
     // Before anything is written or asked: what nobody watches would never be unanswered.
-    if (!deadlines.add(wish.id, number, ConfirmationDeadlines::Clock::now() + patienceOf()))
+    const auto isUp = [this, id = wish.id, number] { expire(id, number); };
+    if (!deadlines.add(Deadlines::Clock::now() + patienceOf(), isUp))
         return {503, {}, "too many confirmations are under way"};
     EventRecordPtr seen;
     const auto request = [&](const EventRecord& event) -> EventRecordPtr {

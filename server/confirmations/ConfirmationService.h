@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "server/confirmations/ConfirmationDeadlines.h"
+#include "server/confirmations/Deadlines.h"
 #include "server/events/EventBook.h"
 #include "server/metrics/Metrics.h"
 
@@ -58,8 +58,7 @@ private:
     const Confirm ask;
     const Patience patienceOf;
     std::atomic<std::uint64_t> numbers = 0;
-    ConfirmationDeadlines deadlines{
-        [this](EventId id, std::uint64_t number) { expire(id, number); }};
+    Deadlines deadlines;  ///< last: it calls what stands above
 };
 
 }  // namespace hmi

@@ -62,8 +62,24 @@ void Dispatcher::place(const std::shared_ptr<Exchange>& exchange) {
 
 void Dispatcher::handle(const Place& place, const std::shared_ptr<Exchange>& exchange) {
     run(place, exchange, [this, exchange] {
+        if (exchange->route.lateHandler)
+            return handleLate(exchange);
         answer(*exchange, responseOf([&] { return exchange->route.handler(exchange->request); }));
     });
+}
+
+void Dispatcher::handleLate(const std::shared_ptr<Exchange>& exchange) {
+    bool isTaken = false;
+    Response refusal = responseOf([&]() -> Response {
+        exchange->route.lateHandler(exchange->request,
+                                    [this, exchange](const std::function<Response()>& make) {
+                                        answer(*exchange, responseOf(make));
+                                    });
+        isTaken = true;
+        return {};
+    });
+    if (!isTaken)
+        answer(*exchange, std::move(refusal));
 }
 
 void Dispatcher::run(const Place& place, const std::shared_ptr<Exchange>& exchange,
@@ -106,8 +122,8 @@ void Dispatcher::answer(const Exchange& exchange, Response response) {
 }
 
 void Dispatcher::work(std::function<void()> task, std::function<void()> refused) {
-    lanes.run({Lane::local}, {std::move(task), [refused = std::move(refused)](
-                                                   const std::string&) { refused(); }});
+    lanes.run({Lane::local},
+              {std::move(task), [refused = std::move(refused)](const std::string&) { refused(); }});
 }
 
 bool Dispatcher::isStream(std::string_view target) {

@@ -47,6 +47,7 @@ private:
 
     void place(const std::shared_ptr<Exchange>& exchange);
     void handle(const Place& place, const std::shared_ptr<Exchange>& exchange);
+    void handleLate(const std::shared_ptr<Exchange>& exchange);
     /// In that lane, unless the client has gone by then.
     void run(const Place& place, const std::shared_ptr<Exchange>& exchange,
              std::function<void()> work);

@@ -21,14 +21,20 @@ void Router::add(Method method, std::string_view path, Placement placement, Hand
     routes.push_back({method, Target::parse(path).path, std::move(placement), std::move(handler)});
 }
 
+void Router::addLate(Method method, std::string_view path, LateHandler handler) {
+    add(method, path, {}, {});
+    routes.back().lateHandler = std::move(handler);
+}
+
 void Router::limitBody(std::string_view path, std::uint64_t bytes) {
     bodyLimits.push_back({Target::parse(path).path, bytes});
 }
 
 std::uint64_t Router::bodyLimit(const std::vector<std::string>& path) const noexcept {
     constexpr std::uint64_t usual = 1 << 20;
-    const auto found = std::find_if(bodyLimits.begin(), bodyLimits.end(),
-                                    [&](const BodyLimit& limit) { return covers(limit.path, path); });
+    const auto found =
+        std::find_if(bodyLimits.begin(), bodyLimits.end(),
+                     [&](const BodyLimit& limit) { return covers(limit.path, path); });
     return found == bodyLimits.end() ? usual : found->bytes;
 }
 

@@ -13,6 +13,11 @@
 namespace hmi {
 
 using Handler = std::function<Response(const Request&)>;
+/// Answers with what `make` makes or throws. Once, from any thread.
+using LateReply = std::function<void(const std::function<Response()>& make)>;
+/// Answers when it can and waits for nothing; or throws and answers nothing. The request lives as
+/// long as the reply.
+using LateHandler = std::function<void(const Request&, const LateReply&)>;
 /// Tells where a request is served; called on the local lane. Throws as a handler does.
 using Placement = std::function<Place(const Request&)>;
 
@@ -21,7 +26,8 @@ struct Route {
     std::vector<std::string> path;  ///< "*" stands for any one name
     Placement placement;            ///< none: on the local lane
     Handler handler;
-    bool early = false;  ///< served before the extension has started, too
+    LateHandler lateHandler = {};  ///< instead of `handler`
+    bool early = false;            ///< served before the extension has started, too
 };
 
 /// Finds the handler of a request. Filled before the first request, then read by any thread.
@@ -37,6 +43,8 @@ public:
     }
     /// For a request that may have to wait.
     void add(Method method, std::string_view path, Placement placement, Handler handler);
+    /// For a request that others answer, on the local lane.
+    void addLate(Method method, std::string_view path, LateHandler handler);
     /// The largest body that a path takes, in bytes, where it is another than usual.
     void limitBody(std::string_view path, std::uint64_t bytes);
     std::uint64_t bodyLimit(const std::vector<std::string>& path) const noexcept;

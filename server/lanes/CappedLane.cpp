@@ -43,7 +43,8 @@ std::string CappedLane::reasonToRefuse(const Queues::value_type& queue) const {
         return (target.empty() ? "the server" : "target system " + target) +
                " is busy: " + std::to_string(work.running) + " " + name + " are under way and " +
                std::to_string(work.waiting.size()) + " wait; try again later";
-    if (used.waiting >= limits.allWaiting)
+    // Whoever has nothing waiting is not refused for what others have.
+    if (used.waiting >= limits.allWaiting && !work.waiting.empty())
         return "the server is busy: " + std::to_string(used.waiting) + " " + name +
                " wait; try again later";
     return {};

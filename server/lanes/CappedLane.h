@@ -28,7 +28,7 @@ public:
         std::size_t threads;
         std::size_t running;     ///< at the same time, for one target system
         std::size_t waiting;     ///< for one target system
-        std::size_t allWaiting;  ///< for all of them
+        std::size_t allWaiting;  ///< for all of them, beside one of each
     };
     struct Usage {
         std::size_t running = 0;

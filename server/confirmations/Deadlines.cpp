@@ -1,13 +1,12 @@
-#include "server/confirmations/ConfirmationDeadlines.h"
+#include "server/confirmations/Deadlines.h"
 
 #include <utility>
 
 namespace hmi {
 
-ConfirmationDeadlines::ConfirmationDeadlines(Expire given)
-    : expire(std::move(given)), thread([this] { run(); }) {}
+Deadlines::Deadlines() : thread([this] { run(); }) {}
 
-ConfirmationDeadlines::~ConfirmationDeadlines() {
+Deadlines::~Deadlines() {
     {
         Lock lock(mutex);
         stopping = true;
@@ -16,16 +15,16 @@ ConfirmationDeadlines::~ConfirmationDeadlines() {
     thread.join();
 }
 
-bool ConfirmationDeadlines::add(EventId id, std::uint64_t number, Clock::time_point end) {
+bool Deadlines::add(Clock::time_point end, std::function<void()> expire) {
     Lock lock(mutex);
     if (awaited.size() >= maxAwaited)
         return false;
-    awaited.emplace(end, Awaited{id, number});
+    awaited.emplace(end, std::move(expire));
     changed.notify_all();
     return true;
 }
 
-void ConfirmationDeadlines::run() {
+void Deadlines::run() {
     Lock lock(mutex);
     while (!stopping) {
         if (awaited.empty()) {
@@ -33,9 +32,10 @@ void ConfirmationDeadlines::run() {
         } else if (const auto next = awaited.begin()->first; Clock::now() < next) {
             changed.wait_until(lock, next);
         } else {
-            const Awaited due = awaited.extract(awaited.begin()).mapped();
+            auto due = awaited.extract(awaited.begin());
             lock.unlock();
-            expire(due.id, due.number);
+            due.mapped()();
+            due = {};
             lock.lock();
         }
     }
