@@ -38,6 +38,7 @@ inline constexpr std::size_t changeTypes = 13;
 struct Replacement {
     std::string target;
     std::vector<EventRecordPtr> events;
+    bool isComplete = true;  ///< there are no others: it has been imported
 };
 
 struct TargetStatus;

@@ -156,8 +156,11 @@ void EventBook::replaceTarget(const std::string& target, std::span<const Event> 
     Lock lock(mutex);
     const auto forgotten =
         isImported ? eventsOf(lastKnown, target) : std::vector<EventRecordPtr>();
-    if (gone.empty() && added.size() == 0 && forgotten.empty())
+    // That there is nothing is news once.
+    const bool isFirst = isImported && complete.insert(target).second;
+    if (gone.empty() && added.size() == 0 && forgotten.empty() && !isFirst)
         return;
+    replacement->isComplete = isImported;
     auto ofCurrent = current.prepare(gone, added);
     auto ofLastKnown = lastKnown.prepare(forgotten, lost);
     // From here on nothing throws.

@@ -89,6 +89,7 @@ private:
     EventStore current GUARDED_BY(mutex);
     EventStore lastKnown GUARDED_BY(mutex);  ///< none of them is in `current`
     std::optional<Reset> reset GUARDED_BY(mutex);
+    std::set<std::string> complete GUARDED_BY(mutex);  ///< have handed over all of their events
 };
 
 }  // namespace hmi

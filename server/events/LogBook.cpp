@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "server/json/Utf8.h"
+
 namespace hmi {
 
 void LogBook::add(ZrHmiSrv::Message message) {
@@ -13,6 +15,15 @@ void LogBook::add(ZrHmiSrv::Message message) {
         oldest = entries.front();
     entries.push_back(entry);
     sink.post({.type = ChangeType::log, .entry = std::move(entry)});
+}
+
+std::optional<std::string> importedTarget(const ZrHmiSrv::Message& entry) {
+    if (entry.name().view() != "LOGGED_EVENTS_IMPORTED")
+        return std::nullopt;
+    const ZrHmiSrv::Value* const target = entry.parameters().lookup("0");
+    if (!target || target->type() != ZrHmiSrv::ValueType::string)
+        return std::nullopt;
+    return toValidUtf8(target->get_string());
 }
 
 LogBook::Page LogBook::read(std::uint64_t since, std::size_t limit) const {

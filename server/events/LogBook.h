@@ -32,4 +32,8 @@ private:
     std::uint64_t next GUARDED_BY(mutex) = 0;
 };
 
+/// The target system of which an entry says that it has been imported; nothing when it says
+/// something else.
+std::optional<std::string> importedTarget(const ZrHmiSrv::Message& entry);
+
 }  // namespace hmi

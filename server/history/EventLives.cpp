@@ -4,8 +4,12 @@
 #include <chrono>
 #include <utility>
 
+#include <boost/json/parse.hpp>
+#include <boost/json/serialize.hpp>
+
 namespace hmi {
 
+namespace json = boost::json;
 using ZrHmiSrv::Alarm;
 using ZrHmiSrv::AlarmConfirmationState;
 using ZrHmiSrv::AlarmState;
@@ -27,6 +31,17 @@ bool isOver(const EventRecord& alarm) {
            (alarm.alarm()->time_cleared().isset() && !alarm.unconfirmed);
 }
 
+/// The alarm of this JSON as one whose end nobody has seen.
+std::string withoutEnd(const std::string& text) {
+    json::parse_options options;
+    options.max_depth = 1000;  // as deep as an event's parameters may be
+    json::object alarm = json::parse(text, {}, options).as_object();
+    alarm["active"] = false;
+    if (alarm["timeCleared"].is_null())
+        alarm["alarmState"] = static_cast<std::uint32_t>(AlarmState::invalid);
+    return json::serialize(alarm);
+}
+
 bool isAnother(const EventRecord& a, const EventRecord& b) {
     return a.severity != b.severity || !(a.event().payload() == b.event().payload()) ||
            a.alarm()->confirmation_state() != b.alarm()->confirmation_state();
@@ -37,7 +52,7 @@ bool isAnother(const EventRecord& a, const EventRecord& b) {
 void EventLives::onAlarm(const EventRecordPtr& alarm) {
     Life& life = lifeOf(alarm);
     if (life.raised < alarm->alarm()->time_raised())
-        life = begin(alarm, HistoryChange::raisedAgain, Source::live);
+        life = begin(alarm, HistoryChange::raisedAgain, Source::live, life.occurrence);
     follow(alarm, life, Source::live);
 }
 
@@ -69,7 +84,7 @@ EventLives::Occurrences EventLives::occurrencesOf(const Lives& of) {
 }
 
 EventLives::Life EventLives::begin(const EventRecordPtr& alarm, HistoryChange change,
-                                   Source source) {
+                                   Source source, std::int64_t former) {
     const Timestamp raised = alarm->alarm()->time_raised();
     const bool isHandedOver = source == Source::handedOver;
     Life life{.raised = raised};
@@ -82,7 +97,8 @@ EventLives::Life EventLives::begin(const EventRecordPtr& alarm, HistoryChange ch
         life.occurrence = table.append({.change = change,
                                         .at = isHandedOver ? raised : believed(raised),
                                         .record = alarm,
-                                        .birth = EventIdentity::of(*alarm)});
+                                        .birth = EventIdentity::of(*alarm),
+                                        .former = former});
     }
     life.last = alarm;
     return life;
@@ -164,6 +180,29 @@ void EventLives::onConfirmation(const EventRecordPtr& alarm) {
 }
 
 void EventLives::onHandedOver(const Replacement& all) {
+    replace(all);
+    if (all.isComplete && imported.erase(all.target) > 0)
+        endUnseen(all.target);
+}
+
+/// What the logger does not know any more has ended while nobody looked: its last row says so, where
+/// the one before stands.
+void EventLives::endUnseen(const std::string& target) {
+    const Occurrences here = occurrencesOf(lives[target]);
+    for (const std::int64_t occurrence : table.unended(target)) {
+        if (here.contains(occurrence))
+            continue;
+        table.giveUp(occurrence);
+        auto row = table.lastOf(occurrence);
+        if (!row || table.isRemoved(row->at))
+            continue;
+        row->change = HistoryChange::removed;
+        row->event = withoutEnd(row->event);
+        table.append(std::move(*row));
+    }
+}
+
+void EventLives::replace(const Replacement& all) {
     Lives known = std::exchange(lives[all.target], {});
     std::vector<EventRecordPtr> strangers = takeOver(all, known);
     recognise(strangers, true);
@@ -206,7 +245,8 @@ std::vector<EventRecordPtr> EventLives::takeOver(const Replacement& all, Lives& 
         }
         const auto taken = ofTarget.insert(std::move(node)).position;
         if (taken->second.raised < event->alarm()->time_raised())
-            taken->second = begin(event, HistoryChange::raisedAgain, Source::handedOver);
+            taken->second = begin(event, HistoryChange::raisedAgain, Source::handedOver,
+                                  taken->second.occurrence);
     }
     return strangers;
 }
@@ -230,7 +270,9 @@ void EventLives::recognise(std::vector<EventRecordPtr>& strangers, bool byArgume
             const std::int64_t occurrence = twins.births[twins.next++].occurrence;
             if (!taken.insert(occurrence).second)
                 continue;
-            ofTarget.emplace(alarm->id.number, resume(alarm, occurrence));
+            Life& life =
+                ofTarget.emplace(alarm->id.number, resume(alarm, occurrence)).first->second;
+            life.isOver = life.isOver && isOver(*alarm);  // it was taken for ended
             return true;
         }
         return false;
@@ -238,7 +280,8 @@ void EventLives::recognise(std::vector<EventRecordPtr>& strangers, bool byArgume
 }
 
 void EventLives::bringBack(const Replacement& all) {
-    onHandedOver(all);
+    replace(all);
+    imported.clear();  // what was handed over since may be what was lost
     for (const EventRecordPtr& event : all.events) {
         if (!event->alarm())
             broughtBack.insert(event->id.number);

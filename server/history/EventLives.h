@@ -22,6 +22,8 @@ public:
     void onAlarm(const EventRecordPtr& alarm);
     void onMessage(const EventRecordPtr& message);
     void onConfirmation(const EventRecordPtr& alarm);
+    /// The next that a target system hands over is all that its logger knows.
+    void onImported(const std::string& target) { imported.insert(target); }
     /// All events of a target system: what is not among them is not known any more.
     void onHandedOver(const Replacement& all);
     void onForgotten(const EventRecord& event);
@@ -54,17 +56,21 @@ private:
 
     static Occurrences occurrencesOf(const Lives& of);
 
-    Life begin(const EventRecordPtr& alarm, HistoryChange change, Source source);
+    Life begin(const EventRecordPtr& alarm, HistoryChange change, Source source,
+               std::int64_t former = 0);
     Life resume(const EventRecordPtr& alarm, std::int64_t occurrence);
     void follow(const EventRecordPtr& alarm, Life& life, Source source);
     void add(const EventRecordPtr& alarm, const Life& life, HistoryChange change, Time at);
     Life& lifeOf(const EventRecordPtr& alarm);
+    void replace(const Replacement& all);
+    void endUnseen(const std::string& target);
     std::vector<EventRecordPtr> takeOver(const Replacement& all, Lives& known);
     void recognise(std::vector<EventRecordPtr>& strangers, bool byArguments);
 
     HistoryTable& table;
     std::map<std::string, Lives> lives;  ///< by target system
     std::unordered_set<std::int64_t> broughtBack;  ///< the numbers of messages
+    std::unordered_set<std::string> imported;      ///< and have handed over nothing since
 };
 
 }  // namespace hmi

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "server/events/LogBook.h"
 #include "server/history/HistoryReader.h"
 #include "server/history/HistoryWriter.h"
 #include "server/targets/Gap.h"
@@ -10,8 +11,8 @@ namespace hmi {
 
 namespace {
 
-bool isKept(ChangeType type) {
-    switch (type) {
+bool isKept(const Change& change) {
+    switch (change.type) {
         case ChangeType::raised:
         case ChangeType::updated:
         case ChangeType::removed:
@@ -19,8 +20,11 @@ bool isKept(ChangeType type) {
         case ChangeType::forgotten:
         case ChangeType::reset:
         case ChangeType::confirmation:
-        case ChangeType::gap:
             return true;
+        case ChangeType::gap:  // what the extension forgot is not missing here
+            return change.gap->reason != GapReason::forgotten;
+        case ChangeType::log:
+            return importedTarget(change.entry->message).has_value();
         default:
             return false;
     }
@@ -45,11 +49,7 @@ public:
     void start() override { writer.start(); }
 
     bool post(const Change& change) noexcept override {
-        // What the extension forgot is not missing here.
-        const bool isOfNoInterest =
-            !isKept(change.type) || (change.type == ChangeType::gap &&
-                                     change.gap->reason == GapReason::forgotten);
-        return isOfNoInterest || queue.push(change);
+        return !isKept(change) || queue.push(change);
     }
 
     void keep(const AuditEntry& entry) override {

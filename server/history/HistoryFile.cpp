@@ -37,7 +37,10 @@ constexpr std::array migrations{
     "CREATE INDEX change_of_occurrence ON change(occurrence) WHERE occurrence IS NOT NULL;"
     "CREATE INDEX birth ON change(raised, digest) WHERE digest IS NOT NULL;"
     "CREATE VIRTUAL TABLE words USING fts5(text, marks, content='',"
-    " tokenize='unicode61 remove_diacritics 2');"};
+    " tokenize='unicode61 remove_diacritics 2');",
+    // The occurrences of alarms whose end the history does not hold.
+    "CREATE TABLE unended(occurrence INTEGER PRIMARY KEY, target TEXT NOT NULL);"
+    "CREATE INDEX unended_of_target ON unended(target);"};
 
 void migrate(Database& database) {
     const auto version = static_cast<std::size_t>(database.number("PRAGMA user_version"));

@@ -26,6 +26,9 @@ private:
     static constexpr std::int64_t argumentBits = 0xffffff;
 };
 
+/// Severities above this are one: those that are none.
+inline constexpr std::uint32_t ungraded = 5;
+
 /// An entry as it is written.
 struct HistoryRow {
     HistoryChange change;
@@ -33,6 +36,7 @@ struct HistoryRow {
     EventRecordPtr record = {};     ///< null for a gap and for audit
     std::int64_t occurrence = 0;    ///< 0: none, or it begins here
     std::optional<EventIdentity> birth = {};  ///< with which it begins
+    std::int64_t former = 0;  ///< the occurrence in whose place this one comes; 0: none
 
     // Without a record.
     std::string target = {};
@@ -40,6 +44,7 @@ struct HistoryRow {
     std::optional<std::string> text = {};
     std::string by = {};
     std::string comment = {};
+    std::uint32_t severity = ungraded;
 };
 
 }  // namespace hmi

@@ -49,7 +49,13 @@ HistoryTable::HistoryTable(Database& database, std::string given, KnownTexts tex
                            "WHERE c.place<?1 ORDER BY c.place LIMIT ?2"),
       deleteRow(database, "DELETE FROM change WHERE place=?1"),
       readMeta(database, "SELECT value FROM meta WHERE name=?1"),
-      writeMeta(database, "UPDATE meta SET value=?2 WHERE name=?1") {
+      writeMeta(database, "UPDATE meta SET value=?2 WHERE name=?1"),
+      findUnended(database, "SELECT occurrence FROM unended WHERE target=?1"),
+      addUnended(database, "INSERT OR IGNORE INTO unended VALUES(?1,?2)"),
+      forgetUnended(database, "DELETE FROM unended WHERE occurrence=?1"),
+      findLast(database, "SELECT c.at, c.event, c.text, s.target, s.severity FROM change c "
+                         "JOIN series s ON s.id=c.series WHERE c.occurrence=?1 "
+                         "ORDER BY c.place DESC LIMIT 1") {
     newestBirth =
         Timestamp(database.number("SELECT max(raised) FROM change WHERE digest IS NOT NULL"));
 }
@@ -111,7 +117,7 @@ void HistoryTable::flush() {
 std::int64_t HistoryTable::insert(const Pending& each, const std::optional<std::string>& text) {
     const HistoryRow& row = each.row;
     const std::string& target = row.record ? row.record->target : row.target;
-    const std::uint32_t severity = row.record ? row.record->severity : ungraded;
+    const std::uint32_t severity = row.record ? row.record->severity : row.severity;
     std::string event = row.event;
     if (row.record)
         appendJson(event, *row.record);
@@ -139,10 +145,20 @@ std::int64_t HistoryTable::insert(const Pending& each, const std::optional<std::
     }
     if (place != first || taken != nextPlaces.end())
         nextPlaces[first] = place + 1;
+    keepUnended(row, occurrence);
     if ((text && !text->empty()) || !row.comment.empty())
         words.push_back({place, wordsOf(text.value_or(""), row.comment),
                          marksOf(station, target, row.change, severity)});
     return place;
+}
+
+void HistoryTable::keepUnended(const HistoryRow& row, std::int64_t occurrence) {
+    if (row.former != 0)
+        giveUp(row.former);
+    if (row.change == HistoryChange::removed && occurrence != 0)
+        giveUp(occurrence);
+    else if (row.birth && row.record && row.record->alarm())
+        addUnended.bind(occurrence, row.record->target).run();
 }
 
 std::int64_t HistoryTable::seriesOf(const std::string& target, HistoryChange change,
@@ -196,6 +212,30 @@ std::vector<HistoryTable::Step> HistoryTable::lifeOf(std::int64_t occurrence) {
         steps.push_back({static_cast<HistoryChange>(findLife.integer(0)),
                          Timestamp(findLife.integer(1))});
     return steps;
+}
+
+std::vector<std::int64_t> HistoryTable::unended(std::string_view target) {
+    flush();
+    std::vector<std::int64_t> occurrences;
+    for (findUnended.bind(target); findUnended.step();)
+        occurrences.push_back(findUnended.integer(0));
+    return occurrences;
+}
+
+std::optional<HistoryRow> HistoryTable::lastOf(std::int64_t occurrence) {
+    std::optional<HistoryRow> last;
+    if (findLast.bind(occurrence).step()) {
+        last = HistoryRow{.change = HistoryChange::updated,
+                          .at = Timestamp(findLast.integer(0)),
+                          .occurrence = occurrence,
+                          .target = std::string(findLast.text(3)),
+                          .event = std::string(findLast.text(1)),
+                          .severity = static_cast<std::uint32_t>(findLast.integer(4))};
+        if (!findLast.isNull(2))
+            last->text = std::string(findLast.text(2));
+    }
+    findLast.reset();
+    return last;
 }
 
 void HistoryTable::wishText(std::int64_t occurrence, const EventRecordPtr& event) {

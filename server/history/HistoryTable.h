@@ -52,6 +52,12 @@ public:
         ZrHmiSrv::Timestamp at;
     };
     std::vector<Step> lifeOf(std::int64_t occurrence);
+    /// The alarms of a target system whose end is not there.
+    std::vector<std::int64_t> unended(std::string_view target);
+    /// The last row of an occurrence, as it can be written again; nothing when it has none.
+    std::optional<HistoryRow> lastOf(std::int64_t occurrence);
+    /// The end of this one is not waited for any more.
+    void giveUp(std::int64_t occurrence) { forgetUnended.bind(occurrence).run(); }
     /// Asks for the text of an occurrence that has been left without.
     void wishText(std::int64_t occurrence, const EventRecordPtr& event);
     /// Whether what is as old as this has been removed already.
@@ -76,6 +82,7 @@ private:
 
     void flush();
     std::int64_t insert(const Pending& pending, const std::optional<std::string>& text);
+    void keepUnended(const HistoryRow& row, std::int64_t occurrence);
     std::int64_t seriesOf(const std::string& target, HistoryChange change, std::uint32_t severity);
 
     Database& database;
@@ -91,7 +98,8 @@ private:
 
     std::vector<Words> words;
     Statement insertRow, insertWords, deleteWords, findBirths, findLife, findTextless, findMarks,
-        updateText, insertSeries, findSeries, takenFrom, readOldest, deleteRow, readMeta, writeMeta;
+        updateText, insertSeries, findSeries, takenFrom, readOldest, deleteRow, readMeta, writeMeta, findUnended,
+        addUnended, forgetUnended, findLast;
 };
 
 }  // namespace hmi

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "host/Time.h"
-#include "server/history/HistoryEntry.h"
+#include "server/history/HistoryRow.h"
 
 namespace hmi {
 
@@ -22,9 +22,6 @@ inline std::string marksOf(std::string_view station, std::string_view target, Hi
     return stationMark(station) + " " + targetMark(target) + " " + changeMark(change) + " " +
            severityMark(severity);
 }
-
-/// Severities above this are one: those that are none.
-inline constexpr std::uint32_t ungraded = 5;
 
 /// Where rows of a time have their places: from here on.
 std::int64_t placeOf(ZrHmiSrv::Timestamp at);

@@ -7,6 +7,7 @@
 
 #include "server/Log.h"
 #include "server/StartError.h"
+#include "server/events/LogBook.h"
 #include "server/history/HistoryFile.h"
 #include "server/json/TargetJson.h"
 #include "server/json/ValueJson.h"
@@ -167,6 +168,8 @@ void HistoryWriter::writeItem(const Change& change) {
             return file->lives.onForgotten(*change.event);
         case ChangeType::reset:
             return change.replacement ? file->lives.onHandedOver(*change.replacement) : void();
+        case ChangeType::log:
+            return file->lives.onImported(importedTarget(change.entry->message).value());
         case ChangeType::gap:
             file->table.append({.change = HistoryChange::gap,
                                 .at = change.gap->to.isset() ? change.gap->to : change.gap->from,

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "server/events/LogBook.h"
+
 namespace hmi {
 
 using ZrHmiSrv::ErrorValue;
@@ -148,10 +150,10 @@ bool EventTextService::release(const TextKey& key) {
 bool EventTextService::post(const Change& change) noexcept {
     if (change.replacement)
         forget(change.replacement->target);
-    if (!change.entry || change.entry->message.name().view() != "LOGGED_EVENTS_IMPORTED")
+    if (!change.entry)
         return true;
-    if (const ZrHmiSrv::Value* const target = change.entry->message.parameters().lookup("0"))
-        forget(target->get_string());
+    if (const auto target = importedTarget(change.entry->message))
+        forget(*target);
     return true;
 }
 

@@ -33,7 +33,8 @@ struct PlainList final : IChangeSink {
         allocationsLeft = -1;  // a listener's memory is its own affair
         lastType = change.type;
         if (change.replacement) {
-            const auto& [target, replaced] = *change.replacement;
+            const std::string& target = change.replacement->target;
+            const auto& replaced = change.replacement->events;
             std::erase_if(events, [&](const auto& held) { return held->target == target; });
             events.insert(events.end(), replaced.begin(), replaced.end());
             ++replacements[target];

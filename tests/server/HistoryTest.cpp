@@ -16,6 +16,7 @@
 
 #include "server/StartError.h"
 #include "server/events/EventBook.h"
+#include "server/events/LogBook.h"
 #include "server/history/History.h"
 
 using testing::ElementsAre;
@@ -177,6 +178,41 @@ TEST_F(HistoryTest, EachChangeOnceHoweverOftenItIsHeard) {
     EXPECT_THAT(ended, ElementsAre("removed 20", "cleared 20", "confirmed 30", "raised 40",
                                    "removed 50", "cleared 50", "message 80", "message 80",
                                    "message 80", "confirmed 90", "raised 100"));
+}
+
+TEST_F(HistoryTest, AnAlarmThatTheLoggerDoesNotKnowAnyMoreHasEndedUnseen) {
+    const auto before = changesAfter([](EventBook& book) {
+        book.raise(alarm(1, 100, "gone"));
+        book.raise(alarm(2, 90, "there"));
+        book.raise(alarm(2, 80, "there"));
+        book.raise(cleared(alarm(3, 70, "gone"), 60));
+    });
+    EXPECT_THAT(before, ElementsAre("cleared 60", "raised 70", "raised_again 80", "raised 90",
+                                    "raised 100"));
+    Session run(settings);
+    const auto import = [&](const std::vector<Event>& all) {
+        ZrHmiSrv::Message entry;
+        entry.set_name("LOGGED_EVENTS_IMPORTED");
+        entry.parameters().insert("0", "A");
+        LogBook(run.feed).add(entry);
+        run.book.replaceTarget("A", all);
+        run.settle();
+    };
+    run.book.replaceTarget("A", {}, false);
+    run.settle();
+    EXPECT_EQ(changes(run), before) << "it is lost, and nobody can say";
+    import(log(alarm(9, 80, "there")));
+    const std::vector<std::string> after{"removed 60",   "cleared 60", "raised 70", "raised_again 80",
+                                         "raised 90", "removed 100", "raised 100"};
+    EXPECT_EQ(changes(run), after);
+    const auto ends = run.read({.change = HistoryChange::removed, .text = "level"}).entries;
+    ASSERT_EQ(ends.size(), 2U);
+    EXPECT_THAT(ends[0].event, testing::HasSubstr("\"alarmState\":0"));
+    EXPECT_THAT(ends[1].event, testing::HasSubstr("\"timeCleared\":null"));
+    EXPECT_THAT(ends[1].event, testing::HasSubstr("\"alarmState\":4"));
+    EXPECT_EQ(ends[1].severity, run.read({.limit = 1}).entries.at(0).severity);
+    import(log(alarm(9, 80, "there")));
+    EXPECT_EQ(changes(run), after);
 }
 
 TEST_F(HistoryTest, TwinsAreToldApartByTheirArguments) {
