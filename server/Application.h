@@ -71,7 +71,7 @@ private:
     Audit audit;
     AccessControl access;
     Dispatcher dispatcher;
-    SessionResource sessionResource{access, !options.certificate.empty()};
+    SessionResource sessionResource{access};
     AboutResource aboutResource;
     EventsResource eventsResource{backend.events, targets, backend.calls, texts};
     ConfirmationsResource confirmationsResource{confirmations, backend.events, lanes, audit};

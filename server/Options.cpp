@@ -60,7 +60,8 @@ void describe(CLI::App& app, Options& options, Typed& typed) {
         ->delimiter(',')
         ->check(notEmpty);
     add(app, "--trusted-proxy", "ADDRESS", options.trustedProxies,
-        "Address of a reverse proxy that names the clients in X-Forwarded-For; repeatable")
+        "Address of a reverse proxy that names the clients in X-Forwarded-For, and how they "
+        "come in X-Forwarded-Proto; repeatable")
         ->allow_extra_args(false)
         ->delimiter(',')
         ->check(notEmpty);

@@ -1,9 +1,9 @@
 #include "server/http/ClientAddress.h"
 
 #include <algorithm>
-#include <optional>
 
 #include "server/StartError.h"
+#include "server/json/Utf8.h"
 
 namespace hmi {
 
@@ -76,6 +76,13 @@ ip::address TrustedProxies::clientOf(const ip::address& peer, std::string_view f
         forwarded = forwarded.substr(0, isFirst ? 0 : comma);
     }
     return client;
+}
+
+std::optional<bool> TrustedProxies::isUnderTls(const ip::address& peer,
+                                               std::string_view schemes) const {
+    if (!contains(peer) || schemes.empty())
+        return std::nullopt;
+    return toLowerAscii(trimmed(schemes.substr(0, schemes.find(',')))) == "https";
 }
 
 }  // namespace hmi

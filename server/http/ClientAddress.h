@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -26,6 +27,10 @@ public:
     /// the other, the last that is no proxy's. `forwarded`: "client, proxy, ..."
     boost::asio::ip::address clientOf(const boost::asio::ip::address& peer,
                                       std::string_view forwarded) const;
+    /// Whether the client of `peer` has come by TLS. Nothing when that is no proxy, or says
+    /// nothing. `schemes`: "https", or a chain's, the client's first.
+    std::optional<bool> isUnderTls(const boost::asio::ip::address& peer,
+                                   std::string_view schemes) const;
 
 private:
     std::set<boost::asio::ip::address> proxies;

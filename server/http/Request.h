@@ -25,6 +25,7 @@ struct Request {
     std::string body;
 
     std::string peer;  ///< the client's address, without a port
+    bool underTls = false;  ///< the client's connection is
     std::string user;  ///< who asks; empty when nobody is asked who they are
     /// Fingerprint of the password by which the user was admitted; sessions end with it.
     std::string proof;

@@ -39,6 +39,7 @@ public:
     ClientStream(ClientStream&&) noexcept;
     ~ClientStream();
 
+    bool isUnderTls() const noexcept { return context != nullptr; }
     executor_type get_executor() noexcept { return tcp->get_executor(); }
     next_layer_type& next_layer() noexcept { return *tcp; }
     const next_layer_type& next_layer() const noexcept { return *tcp; }

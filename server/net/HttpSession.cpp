@@ -117,9 +117,12 @@ void HttpSession::onHeader(Error error) {
     manner = {head.version(), head.method() == http::verb::head, head.keep_alive()};
     if (auto fault = faultOf(head))
         return refuse(std::move(*fault));
-    client = context->proxies.clientOf(peer, forwardedForOf(head));
+    const TrustedProxies& proxies = context->proxies;
+    client = proxies.clientOf(peer, forwardedOf(head, "X-Forwarded-For"));
     request = requestOf(head);
     request.peer = client.to_string();
+    request.underTls = proxies.isUnderTls(peer, forwardedOf(head, "X-Forwarded-Proto"))
+                           .value_or(stream.isUnderTls());
     target = std::string(head.target());
     upgrades = beast::websocket::is_upgrade(head) && Dispatcher::isStream(target);
     if (parser->is_done())

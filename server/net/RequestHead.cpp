@@ -83,9 +83,9 @@ Request requestOf(const http::request_header<>& head) {
     return request;
 }
 
-std::string forwardedForOf(const http::request_header<>& head) {
+std::string forwardedOf(const http::request_header<>& head, std::string_view name) {
     std::string all;
-    const auto range = head.equal_range("X-Forwarded-For");
+    const auto range = head.equal_range(name);
     for (auto field = range.first; field != range.second; ++field)
         all.append(all.empty() ? "" : ",").append(field->value());
     return all;

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <boost/beast/http/fields.hpp>
 #include <boost/beast/http/message.hpp>
@@ -17,7 +18,7 @@ std::optional<Response> faultOf(const boost::beast::http::request_header<>& head
 
 /// All but its target and its body.
 Request requestOf(const boost::beast::http::request_header<>& head);
-/// Whom the proxies on the way have noted, the nearest last.
-std::string forwardedForOf(const boost::beast::http::request_header<>& head);
+/// What the proxies on the way have noted in a field of this name, the nearest last.
+std::string forwardedOf(const boost::beast::http::request_header<>& head, std::string_view name);
 
 }  // namespace hmi

@@ -33,21 +33,21 @@ Response SessionResource::open(const Request& request) {
     if (!access.hasUsers())
         throw RequestError(404, "nobody is asked who they are");
     using std::chrono::seconds;
-    return withCookie(who(request), access.openSession(request),
+    return withCookie(request, who(request), access.openSession(request),
                       seconds(Sessions::lifetime).count());
 }
 
 Response SessionResource::close(const Request& request) {
     request.target.query.allowOnly({});
     access.closeSession(request.cookie);
-    return withCookie(Response::json(boost::json::object()), "hmi-session=", 0);
+    return withCookie(request, Response::json(boost::json::object()), "hmi-session=", 0);
 }
 
-Response SessionResource::withCookie(Response response, const std::string& cookie,
-                                     long long seconds) const {
+Response SessionResource::withCookie(const Request& request, Response response,
+                                     const std::string& cookie, long long seconds) {
     response.headers.emplace_back("Set-Cookie", cookie + "; Path=/; HttpOnly; SameSite=Strict" +
                                                     "; Max-Age=" + std::to_string(seconds) +
-                                                    (secure ? "; Secure" : ""));
+                                                    (request.underTls ? "; Secure" : ""));
     return response;
 }
 

@@ -8,8 +8,7 @@ namespace hmi {
 /// /api/session: signing in and out with a cookie.
 class SessionResource {
 public:
-    /// `secure`: the cookie goes over TLS only.
-    SessionResource(AccessControl& access, bool secure) : access(access), secure(secure) {}
+    explicit SessionResource(AccessControl& access) : access(access) {}
 
     void addRoutes(Router& router);
 
@@ -17,10 +16,11 @@ private:
     Response who(const Request& request) const;
     Response open(const Request& request);
     Response close(const Request& request);
-    Response withCookie(Response response, const std::string& cookie, long long seconds) const;
+    /// One who has come by TLS never sends the cookie in another way.
+    static Response withCookie(const Request& request, Response response,
+                               const std::string& cookie, long long seconds);
 
     AccessControl& access;
-    const bool secure;
 };
 
 }  // namespace hmi

@@ -72,13 +72,19 @@ protected:
         return sendRequest(server.port(), method, target, body, as(user));
     }
 
-    /// Of a session that the user opens now.
-    std::string cookieOf(const std::string& user) const {
+    /// The answer to the user, who comes behind a proxy by that scheme.
+    std::string signedIn(const std::string& user, const std::string& scheme) const {
         const std::string body = R"({"user": ")" + user + R"(", "password": "secret"})";
-        const std::string answer = exchange(
+        return exchange(
             server.port(),
             "POST /api/session HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n"
+            "X-Forwarded-Proto: " + scheme + "\r\n"
             "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+    }
+
+    /// Of a session that the user opens now.
+    std::string cookieOf(const std::string& user) const {
+        const std::string answer = signedIn(user, "http");
         EXPECT_THAT(answer, testing::HasSubstr("; HttpOnly; SameSite=Strict"));
         const auto at = std::min(answer.find("hmi-session="), answer.size());
         return answer.substr(at, answer.find(';', at) - at);
@@ -137,7 +143,7 @@ protected:
                 "events": {"1": {"kind": "alarm", "severity": 3, "confirm": true,
                                  "text": {"1033": "Low"}}}}}})")}}}},
         {"--users", files.write("users.json", users), "--history",
-         files.path("history.db").string()}};
+         files.path("history.db").string(), "--trusted-proxy", "127.0.0.1"}};
 };
 
 TEST_F(UsersTest, WithoutARightNothingHappens) {
@@ -212,6 +218,8 @@ TEST_F(UsersTest, SignInWithACookieAndGuessInVain) {
                            serialize(json::value{{"user", name}, {"password", password}}));
     };
     EXPECT_EQ(signIn(std::string(65, 'x'), "wrong").status, 401U) << "nobody's name";
+    EXPECT_THAT(signedIn("view", "https, http"), testing::HasSubstr("; Secure"));
+    EXPECT_THAT(signedIn("view", "http"), testing::Not(testing::HasSubstr("; Secure")));
     const std::string cookie = cookieOf("confirm");
     const auto with = [&](const char* method, const char* target) {
         return sendRequest(server.port(), method, target, "", {{"Cookie", "a=b; " + cookie}});

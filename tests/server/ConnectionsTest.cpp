@@ -153,6 +153,8 @@ TEST(TrustedProxies, NameTheClientThatNobodyElseCanName) {
     EXPECT_EQ(clientOf("10.0.0.1", "2.2.2.2:80"), "2.2.2.2");
     for (const char* nothing : {"", ",", "unknown", "1.1.1.1, _hidden", "["})
         EXPECT_EQ(clientOf("10.0.0.1", nothing), "10.0.0.1");
+    const auto peer = boost::asio::ip::make_address("10.0.0.2");
+    EXPECT_FALSE(proxies.isUnderTls(peer, "https").has_value()) << "nobody trusts it";
     EXPECT_THROW(TrustedProxies({"10.0.0.0/8"}), StartError);
 }
 
