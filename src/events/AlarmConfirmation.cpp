@@ -6,8 +6,8 @@
 namespace ZrHmiEventLogger {
 
 HRESULT AlarmConfirmation::confirm(int hostId) noexcept {
-    static const ZrHmiSrv::Text name("CALL_CONFIRM");
     try {
+        static const ZrHmiSrv::Text name("CALL_CONFIRM");
         const auto alarm = store.pin(hostId);
         if (!alarm)
             return E_FAIL;

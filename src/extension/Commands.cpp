@@ -32,7 +32,7 @@ ResultPair ZrHmiEventLogger::handle(const Context&, CommandGroup& commands) {
             else
                 execute(*command);
         } catch (...) {
-            reportCurrentException(*this, productName());
+            reportFailure();
             answer(*command, ErrorValue::operation_failed);
         }
     }

@@ -17,19 +17,13 @@ constexpr std::string_view targetSystemsKey = "TARGET_SYSTEMS";
 }  // namespace
 
 void ZrHmiEventLogger::value_set(ResultPair& result, const Context&, const char* path) {
-    try {
-        result = ErrorValue::success;
+    result = guarded(ErrorValue::operation_failed, "", [&]() -> ResultPair {
         const auto names = splitPath(path ? path : "");
         if (names.size() != 2)
-            return;
-        result = names[0] == targetSystemsKey ? setTargetSystem(path, names[1])
-                                              : ErrorValue::unknown_command;
-    } catch (const Refused&) {
-        result = ErrorValue::operation_failed;
-    } catch (...) {
-        result = ErrorValue::operation_failed;
-        reportCurrentException(*this, productName());
-    }
+            return ErrorValue::success;
+        return names[0] == targetSystemsKey ? setTargetSystem(path, names[1])
+                                            : ErrorValue::unknown_command;
+    });
 }
 
 ResultPair ZrHmiEventLogger::setTargetSystem(const char* path, std::string_view name) {
@@ -87,27 +81,22 @@ void ZrHmiEventLogger::retireFormer(const Kept& former, Deadline deadline) noexc
         if (former)
             targetSystems.retire({former}, deadline);
     } catch (...) {
-        reportCurrentException(*this, productName());
+        reportFailure();
     }
 }
 
 void ZrHmiEventLogger::value_deleted(ResultPair& result, const Context&, const char* path) {
-    try {
-        result = ErrorValue::success;
+    result = guarded(ErrorValue::operation_failed, "", [&]() -> ResultPair {
         const auto names = splitPath(path ? path : "");
-        if (names[0] != targetSystemsKey) {
-            result = ErrorValue::unknown_command;
-            return;
-        }
+        if (names[0] != targetSystemsKey)
+            return ErrorValue::unknown_command;
         if (names.size() < 2)
-            return;
+            return ErrorValue::success;
         const ConfigurationTurns::Turn turn(configurationTurns, std::string(names[1]));
         if (const Kept former = targetSystems.remove(names[1]))
             retireFormer(former, deadlineAfter(former.target->timeout()));
-    } catch (...) {
-        result = ErrorValue::operation_failed;
-        reportCurrentException(*this, productName());
-    }
+        return ErrorValue::success;
+    });
 }
 
 /// Throws Refused when that fails, having told why.

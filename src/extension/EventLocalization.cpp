@@ -17,7 +17,10 @@ ErrorValue ZrHmiEventLogger::localize_event(Context, const char* locale, ILocali
             const auto target = targetSystems.find(targetName);
             return std::shared_ptr<TextLookup>(target, target ? &target->texts() : nullptr);
         });
-        return localizer.localize(locale, item, localized_text).result();
+        const ErrorValue result = localizer.localize(locale, item, localized_text).result();
+        // All have left by then, also those that are known.
+        return result == ErrorValue::unknown_target_system && stopping ? ErrorValue::not_connected
+                                                                       : result;
     } catch (...) {
         return ErrorValue::request_failed;
     }

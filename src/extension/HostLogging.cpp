@@ -43,6 +43,14 @@ void ZrHmiEventLogger::reportRefusal(const Text& subject, const std::string& rea
     }
 }
 
+void ZrHmiEventLogger::reportFailure() noexcept {
+    try {
+        reportCurrentException(*this, productName());
+    } catch (...) {
+        // There is no memory even for who speaks.
+    }
+}
+
 void ZrHmiEventLogger::sendMessage(Message message) {
     callHost([&] { host->send_message(context, message, true); });
 }
@@ -67,7 +75,7 @@ void ZrHmiEventLogger::sendResetTemporaryEvents() {
     try {
         logMessage(diagnosticMessage("RESET_TEMPORARY_EVENTS", {}));
     } catch (...) {
-        reportCurrentException(*this, productName());
+        reportFailure();
     }
     callHost([&] { host->reset_events(context); });
 }

@@ -67,9 +67,17 @@ ResultPair ZrHmiEventLogger::init(const Context& initContext) {
     } catch (const Refused&) {
         // It has been told which target system that was.
     } catch (...) {
-        reportCurrentException(*this, productName());
+        reportFailure();
     }
     return abandonInit(deadline);
+}
+
+ResultPair ZrHmiEventLogger::withText(ErrorValue code, const char* text) noexcept {
+    try {
+        return {code, text};
+    } catch (...) {
+        return code;
+    }
 }
 
 ResultPair ZrHmiEventLogger::abandonInit(Deadline deadline) {
@@ -78,7 +86,7 @@ ResultPair ZrHmiEventLogger::abandonInit(Deadline deadline) {
         stopThreading();
         targetSystems.retire(targetSystems.close(), deadline);
     } catch (...) {
-        reportCurrentException(*this, productName());
+        reportFailure();
     }
     hostGate.close(deadline);
     return ErrorValue::initialization_failed;
@@ -165,7 +173,7 @@ void ZrHmiEventLogger::onTimer(TimerError error) {
             kept.keeper->wake();
     } catch (...) {
         // The next tick wakes them.
-        reportCurrentException(*this, productName());
+        reportFailure();
     }
     // Last: the host may take its time.
     reset.settle();
@@ -186,7 +194,7 @@ ResultPair ZrHmiEventLogger::shutdown(const Context&) {
         for (const Kept& kept : leaving)
             kept.keeper->retire(deadline);
     } catch (...) {
-        reportCurrentException(*this, productName());
+        reportFailure();
     }
     unregister(static_cast<IZrHmiSrvAlarmProviderListener*>(this));
     unregister(static_cast<IZrHmiSrvEventLocalizationListener*>(this));
@@ -197,7 +205,7 @@ ResultPair ZrHmiEventLogger::shutdown(const Context&) {
         stopThreading();
         targetSystems.retire(std::move(leaving), deadline);
     } catch (...) {
-        reportCurrentException(*this, productName());
+        reportFailure();
     }
     hostGate.close(deadlineAfter(Timespan::from_milliseconds(stopTimeoutMilliseconds)));
     return ErrorValue::success;
@@ -216,7 +224,7 @@ void ZrHmiEventLogger::unregister(ZrHmiSrv::IZrHmiSrvListener* listener) {
         callHost([&] { host->unregister_listener(context, listener); });
     } catch (...) {
         // The rest of the shutdown does not depend on it.
-        reportCurrentException(*this, productName());
+        reportFailure();
     }
 }
 

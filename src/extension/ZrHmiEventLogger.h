@@ -100,6 +100,25 @@ private:
             function();
     }
     void reportRefusal(const ZrHmiSrv::Text& subject, const std::string& reason) noexcept;
+    /// Reports the exception that is being handled, which is no target system's.
+    void reportFailure() noexcept;
+
+    // The host's way in.
+    /// What `serve` answers. An exception is reported, and answered with the code and the text.
+    template <class Serve>
+    ZrHmiSrv::ResultPair guarded(ZrHmiSrv::ErrorValue failure, const char* text,
+                                 Serve serve) noexcept {
+        try {
+            return serve();
+        } catch (const Refused&) {
+            return failure;
+        } catch (...) {
+            reportFailure();
+            return withText(failure, text);
+        }
+    }
+    /// Without the text when there is no memory for it.
+    static ZrHmiSrv::ResultPair withText(ZrHmiSrv::ErrorValue code, const char* text) noexcept;
 
     // Configuration while running.
     Kept createTargetSystem(const TargetSystemConfiguration& configured,

@@ -393,6 +393,8 @@ TEST_F(Running, TheTextsOfATargetAreLookedUpAnewAfterItsImport) {
         EXPECT_EQ(report.get("2").get_string(),
                   "An error occurred in the communication with the Corvane EventLogger.");
     });
+    loaded.shutdown();
+    EXPECT_EQ(localize(), ErrorValue::not_connected) << "its target has left";
     item.parameters() = 5;
     EXPECT_EQ(localize(), ErrorValue::request_failed) << "and no exception leaves";
 }
