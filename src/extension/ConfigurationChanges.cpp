@@ -1,4 +1,6 @@
 /// Target systems that are added, changed or removed while the server runs.
+#include <algorithm>
+
 #include "extension/Deadline.h"
 #include "extension/ZrHmiEventLogger.h"
 #include "targetsystem/TargetSystemPlatformSpecific.h"
@@ -45,10 +47,12 @@ ResultPair ZrHmiEventLogger::applyTargetSystem(const TargetSystemConfiguration& 
         return ErrorValue::invalid_configuration;
     }
     const auto running = targetSystems.find(configured.name.view());
-    if (running && fullAddress(running->configuredAddress()) == fullAddress(configured.address) &&
+    if (running && isSameAddress(running->configuredAddress(), configured.address) &&
         running->isEnabled() == configured.enabled)
         return ErrorValue::success;
-    const Deadline deadline = deadlineAfter(*timeout);
+    // What the former one is just doing ends within its own time-out.
+    const Deadline deadline =
+        deadlineAfter(running ? std::max(*timeout, running->timeout()) : *timeout);
     const Kept replacement = createTargetSystem(configured, *timeout, eventLimit);
     const bool prepared = replacement.keeper->awaitPrepared(deadline);
     if (!prepared)
@@ -116,9 +120,10 @@ ZrHmiEventLogger::Kept ZrHmiEventLogger::createTargetSystem(
     }
 }
 
-std::string ZrHmiEventLogger::fullAddress(const std::string& address) {
-    // The router, which may hang, is asked only for what it completes.
-    return needsLocalAddress(address) ? resolveAddress(address, localAddress.get()) : address;
+/// As far as is known. The router, which may hang, is asked by keepers only.
+bool ZrHmiEventLogger::isSameAddress(const std::string& a, const std::string& b) const {
+    const std::string local = localAddress.known();
+    return a == b || resolveAddress(a, local) == resolveAddress(b, local);
 }
 
 }  // namespace ZrHmiEventLogger

@@ -123,7 +123,7 @@ private:
     // Configuration while running.
     Kept createTargetSystem(const TargetSystemConfiguration& configured,
                             ZrHmiSrv::Timespan timeout, std::int64_t eventLimit);
-    std::string fullAddress(const std::string& address);
+    bool isSameAddress(const std::string& a, const std::string& b) const;
     ZrHmiSrv::ResultPair setTargetSystem(const char* path, std::string_view name);
     ZrHmiSrv::ResultPair applyTargetSystem(const TargetSystemConfiguration& configured);
     void replaceTargetSystem(const Kept& replacement, Deadline deadline);

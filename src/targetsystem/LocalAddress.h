@@ -7,14 +7,17 @@
 namespace ZrHmiEventLogger {
 
 /// The address of this device, which completes those of target systems. A router that starts
-/// later than we do is found later: it is looked up at every use until it is known. Any thread.
+/// later than we do is found later: it is asked at every look-up until the address is known. Any
+/// thread.
 class LocalAddress {
 public:
-    /// Empty as long as there is no router.
-    std::string get() EXCLUDES(localAddressMutex);
+    /// Empty as long as there is no router. Waits for the router, which may hang.
+    std::string lookUp() EXCLUDES(localAddressMutex);
+    /// What has been looked up so far.
+    std::string known() const EXCLUDES(localAddressMutex);
 
 private:
-    Mutex localAddressMutex;  ///< guards the address, and held while it is looked up
+    mutable Mutex localAddressMutex;  ///< guards the address; nothing is called under it
     std::string localAddress GUARDED_BY(localAddressMutex);
 };
 

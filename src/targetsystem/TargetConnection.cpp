@@ -132,7 +132,7 @@ void TargetConnection::connectLogger() {
 std::string TargetConnection::netId() {
     if (!FnxHelper::needsLocalAddress(settings.address))
         return settings.address;
-    const std::string local = with.localAddress.get();
+    const std::string local = with.localAddress.lookUp();
     if (local.empty())
         throw std::runtime_error("The address of this device, which completes \"" +
                                  settings.address + "\", is not known yet: there is no router.");

@@ -149,14 +149,32 @@ TEST_F(Configuration, AChangeThatHangsKeepsNoOtherWaiting) {
     std::thread removing([&] { remove("TARGET_SYSTEMS::Filler"); });
     while (simulation.calls("Disconnect") == 0)
         std::this_thread::yield();
-    host.look([&] {
-        host.configuration["TARGET_SYSTEMS"]["Packer"] = entry(packerNetId, true);
-    });
-    EXPECT_EQ(set("TARGET_SYSTEMS::Packer"), ErrorValue::success);
+    const auto setPacker = [&](const char* address, Timespan timeout) {
+        host.look([&] {
+            host.configuration["TARGET_SYSTEMS"]["Packer"] = entry(address, true);
+            host.configuration.insert_or_update("TIMEOUT", timeout);
+        });
+        EXPECT_EQ(set("TARGET_SYSTEMS::Packer"), ErrorValue::success);
+    };
+    setPacker(packerNetId, Timespan::from_milliseconds(600'000));
     EXPECT_EQ(loaded.diagnostics("Packer", "connectionState"), "Good");
     EXPECT_EQ(state(), "") << "removed at once";
     simulation.act(R"({"do": "resume"})");
     removing.join();
+
+    // One of a shorter time-out does not give up what its former may still answer.
+    simulation.act(R"({"do": "pause", "call": "IsConnected"})", packerNetId);
+    const auto checks = simulation.calls("IsConnected", packerNetId);
+    EXPECT_TRUE(eventually([&] { return simulation.calls("IsConnected", packerNetId) > checks; }));
+    const auto connects = simulation.calls("ConnectWithSettings");
+    const std::size_t before = resets();
+    std::thread replacing([&] { setPacker(fillerNetId, Timespan()); });
+    EXPECT_TRUE(eventually([&] { return resets() > before; }));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_EQ(simulation.calls("ConnectWithSettings"), connects);
+    simulation.act(R"({"do": "resume"})", packerNetId);
+    replacing.join();
+    EXPECT_EQ(loaded.diagnostics("Packer", "connectionState"), "Good");
 }
 
 TEST_F(Configuration, EachCommandOfAGroupIsAnswered) {

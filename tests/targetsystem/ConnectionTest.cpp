@@ -188,7 +188,7 @@ TEST_F(Connection, WaitsForTheRouterThatCompletesItsAddress) {
     ZrFnxSimulatorSetLocalNetId(&local);
     EXPECT_TRUE(check());
     ZrFnxSimulatorSetLocalNetId(nullptr);
-    EXPECT_EQ(localAddress.get(), "5.10.20.1.1.1") << "once known it is kept";
+    EXPECT_EQ(localAddress.lookUp(), "5.10.20.1.1.1") << "once known it is kept";
     ZrFnxSimulatorSetLocalNetId(&local);
 }
 
