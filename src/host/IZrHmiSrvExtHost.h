@@ -3,16 +3,14 @@
 /// 1. The server loads the library and calls `ext_interface`, which makes the extension object. The
 ///    server owns it from then on and deletes it at the end.
 /// 2. `init`, once. The context that it is given is the one for later calls of the host: keep a
-/// copy.
-///    The extension reads its configuration and registers its listeners, which may be called before
-///    `init` returns. A result other than success ends the server.
+///    copy. The extension reads its configuration and registers its listeners, which may be called
+///    before `init` returns. A result other than success ends the server.
 /// 3. Listeners are called, and the extension calls the host. It raises, updates and removes alarms
 ///    under ids of its own choice, one of each at a time; they name their target system in the
 ///    parameter "targetName". The host asks `provide_events` for all of them when it starts, and
 ///    again after `reset_events`. A removed alarm stays in the operators' list until `drop_event`.
-/// 4. The shutdown listener, once, on any thread, even while `init` runs. Then the destructor,
-/// which
-///    unregisters the listeners. The library stays loaded.
+/// 4. The shutdown listener, once, on any thread, even while `init` runs. It unregisters all
+///    listeners, itself included. Then the destructor. The library stays loaded.
 #pragma once
 
 #include <cstdint>
