@@ -1,10 +1,12 @@
 /// The target system as the receiver of its logger's notifications.
 #include <array>
+#include <stdexcept>
+#include <string>
 
 #include "events/Abandoned.h"
 #include "targetsystem/TargetSystem.h"
-#include "targetsystem/proxy/CAtlException.h"
 #include "targetsystem/proxy/CatchToHresult.h"
+#include "targetsystem/proxy/ErrorText.h"
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::CallDescription;
@@ -22,11 +24,9 @@ constexpr CallDescription databaseCall{CC_STDCALL, VT_UI4, 1, {VT_I4}};
 
 constexpr LONG lastReason = databaseChangeDeleted;
 
-/// A notification without the object that it is about.
-void requireObject(const RecordedCallback& notification) {
-    const bool complete = notification.kind == NotificationKind::databaseChanged ||
-                          notification.alarm || notification.message;
-    ZrAtlCom::check(complete ? S_OK : E_POINTER);
+bool hasItsObject(const RecordedCallback& notification) {
+    return notification.kind == NotificationKind::databaseChanged || notification.alarm ||
+           notification.message;
 }
 
 }  // namespace
@@ -83,8 +83,9 @@ void TargetSystem::guard(Function function) {
 }
 
 void TargetSystem::receive(RecordedCallback&& notification) {
+    if (!hasItsObject(notification))
+        return refused(E_POINTER);
     guard([&] {
-        requireObject(notification);
         notifications.deliver(std::move(notification), [this](const RecordedCallback& live) {
             if (!context.isOver())
                 handle(live);
@@ -93,7 +94,15 @@ void TargetSystem::receive(RecordedCallback&& notification) {
 }
 
 void TargetSystem::refused(HRESULT hr) noexcept {
-    ZrAtlCom::catchToHresult([&] { guard([hr] { ZrAtlCom::check(hr); }); });
+    ZrAtlCom::catchToHresult([&] {
+        guard([&] {
+            const std::string count = std::to_string(++misfits);
+            logging.reportCommunicationError(
+                name(), std::runtime_error("A notification does not fit (" + count +
+                                           " so far): " + ZrAtlCom::describe(hr)));
+            connection.makeUpForMisfit();
+        });
+    });
 }
 
 void TargetSystem::handle(const RecordedCallback& notification) {

@@ -143,6 +143,7 @@ bool TargetConnection::import(ImportResultPtr& importResult) {
     try {
         // Before the import: what asks for another one meanwhile is not to be overlooked.
         imported = true;
+        mayMakeUp = !makingUp.exchange(false);
         with.texts.clearCache();
         const ImportResultPtr result = with.importer.run(*with.logger.get());
         // Also what was asked for on the connection before, while the import ran.
@@ -238,6 +239,13 @@ HRESULT TargetConnection::requestReconnect() {
         return hr;
     with.context.logging.reportCommunicationError(settings.name);
     return E_FAIL;
+}
+
+void TargetConnection::makeUpForMisfit() {
+    if (!mayMakeUp.exchange(false))
+        return;
+    makingUp = true;
+    requestReconnect();
 }
 
 void TargetConnection::databaseChanged(DatabaseChangeReason reason) {

@@ -51,6 +51,10 @@ public:
     /// Drops the connection only, so that the next check connects and imports again. Any thread,
     /// also from inside a notification: takes no lock.
     HRESULT requestReconnect();
+    /// A notification that does not fit was lost, which another import makes up for: a reconnect is
+    /// requested, unless the last import did that already. A library that always passes something
+    /// else would never stay connected. Any thread.
+    void makeUpForMisfit();
     /// The logger's database is another one: what was imported is stale. Any thread.
     void databaseChanged(DatabaseChangeReason reason);
     /// Reached when the first attempt to connect is over, whatever came of it. Any thread.
@@ -86,6 +90,8 @@ private:
     /// The host still shows what has left the store, or does not show yet what has entered it.
     std::atomic<bool> hostIsStale = false;
     std::atomic<bool> ended = false;
+    std::atomic<bool> mayMakeUp = false;  ///< for a misfit, by one more import
+    std::atomic<bool> makingUp = false;   ///< that import is owed
     bool failedToImport = false;  ///< in the running attempt; keeper only
     ZrAtlCom::EventCookie eventCookie;  ///< last, so that it goes first
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
 
 #include "events/AlarmLifecycle.h"
@@ -103,6 +105,7 @@ private:
     void handle(const RecordedCallback& notification);
 
     bool prepared = false;  ///< keeper only
+    std::atomic<std::uint64_t> misfits = 0;  ///< notifications that do not fit
     LoggerConnection logger;
     NotificationRecorder notifications;
     EventStore store;

@@ -1,3 +1,4 @@
+#include <array>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -79,13 +80,15 @@ TEST(Invoke, mapsPositionalAndNamedArguments) {
 }
 
 TEST(Invoke, passesObjectsFlagsAndResults) {
-    Sink sink;
-    VARIANT argument = number(0, VT_DISPATCH);
-    argument.pdispVal = &sink;
-    VARIANT result = number(0);
-    EXPECT_EQ(notify(sink, 3, {{number(VARIANT_TRUE, VT_BOOL), argument}, {}}, &result), S_OK);
-    EXPECT_EQ(sink.called, "this, -1");
-    EXPECT_EQ(result.ulVal, 77u);
+    for (const VARTYPE type : std::array<VARTYPE, 2>{VT_DISPATCH, VT_UNKNOWN}) {
+        Sink sink;
+        VARIANT argument = number(0, type);
+        argument.pdispVal = &sink;
+        VARIANT result = number(0);
+        EXPECT_EQ(notify(sink, 3, {{number(VARIANT_TRUE, VT_BOOL), argument}, {}}, &result), S_OK);
+        EXPECT_EQ(sink.called, "this, -1");
+        EXPECT_EQ(result.ulVal, 77u);
+    }
 }
 
 TEST(Invoke, refusesMalformedArgumentsWithoutACall) {

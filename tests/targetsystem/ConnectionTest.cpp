@@ -221,12 +221,21 @@ TEST_F(Connection, ANotificationThatDoesNotFitIsMadeUpForByAnImport) {
     simulation.raise("hot");
     logging.take();
     EXPECT_EQ(notify(3, 1), DISP_E_TYPEMISMATCH);
-    EXPECT_THAT(logging.take(), ElementsAre(StartsWith("error Filler ")));
+    EXPECT_THAT(logging.take(), ElementsAre(StartsWith("error Filler A notification does not ")));
     EXPECT_TRUE(check());
     EXPECT_EQ(target->statistics().activeAlarmsCount, 1U);
+    logging.take();
+    EXPECT_EQ(notify(3, 1), DISP_E_TYPEMISMATCH);
+    EXPECT_THAT(logging.take(), ElementsAre(HasSubstr("(2 so far)")));
+    EXPECT_FALSE(check()) << "a library that always passes that stays connected";
+    EXPECT_EQ(simulation.calls("Disconnect"), 1);
+    simulation.act(R"({"do": "drop"})");
+    EXPECT_TRUE(check());
+    EXPECT_EQ(notify(3, 1), DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(simulation.calls("Disconnect"), 2) << "on another connection once more";
     target->beginRetiring(TargetSystem::TimePoint::max());
     EXPECT_EQ(notify(3, 1), DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(simulation.calls("Disconnect"), 1) << "nobody waits for it any more";
+    EXPECT_EQ(simulation.calls("Disconnect"), 2) << "nobody waits for it any more";
 }
 
 TEST_F(Connection, ADatabaseChangeDuringAnImportReconnectsAfterwards) {

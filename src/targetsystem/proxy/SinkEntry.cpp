@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "targetsystem/proxy/ComPtr.h"
+
 namespace ZrAtlCom {
 
 namespace {
@@ -27,6 +29,31 @@ HRESULT mapArguments(const DISPPARAMS& arguments, MappedArguments& mapped) {
     const auto end = mapped.begin() + arguments.cArgs;
     return std::find(mapped.begin(), end, nullptr) == end ? S_OK : E_INVALIDARG;
 }
+
+/// Objects that come as IUnknown, as IDispatch for the length of a call.
+class QueriedObjects {
+public:
+    /// Leaves an object that refuses in its place.
+    void replace(const CallDescription& call, MappedArguments& mapped) {
+        for (UINT i = 0; i < call.parameterCount; ++i)
+            if (call.parameterTypes[i] == VT_DISPATCH && mapped[i]->vt == VT_UNKNOWN)
+                replace(i, mapped[i]);
+    }
+
+private:
+    void replace(UINT position, VARIANTARG*& argument) {
+        objects[position] = ComPtr<IUnknown>(argument->punkVal).query<IDispatch>();
+        if (argument->punkVal && !objects[position])
+            return;
+        VariantInit(&variants[position]);
+        variants[position].vt = VT_DISPATCH;
+        variants[position].pdispVal = objects[position].get();
+        argument = &variants[position];
+    }
+
+    std::array<ComPtr<IDispatch>, maxParameterCount> objects;
+    std::array<VARIANTARG, maxParameterCount> variants;  ///< refer to the objects
+};
 
 /// The kinds of a 32-bit number are as good as each other.
 VARTYPE kindOf(VARTYPE type) {
@@ -77,6 +104,8 @@ HRESULT callSinkMember(IDispatch* sink, const SinkEntry& entry, const CallDescri
     MappedArguments mapped{};
     if (const HRESULT hr = mapArguments(*arguments, mapped); FAILED(hr))
         return hr;
+    QueriedObjects queried;
+    queried.replace(call, mapped);
     if (!fit(call, mapped))
         return DISP_E_TYPEMISMATCH;
 

@@ -22,8 +22,9 @@ using SinkTable = std::span<const SinkEntry>;
 /// Null when there is no such notification.
 const SinkEntry* findSinkEntry(SinkTable table, UINT controlId, REFIID interfaceId, DISPID id);
 
-/// Maps the arguments to the parameters and calls the member through DispCallFunc. `sink` may be
-/// destroyed by the call. `result` may be null. On failure the member was not called.
+/// Maps the arguments to the parameters and calls the member through DispCallFunc. An object may
+/// also come as IUnknown: it is asked for its IDispatch. `sink` may be destroyed by the call.
+/// `result` may be null. On failure the member was not called.
 HRESULT callSinkMember(IDispatch* sink, const SinkEntry& entry, const CallDescription& call,
                        const DISPPARAMS* arguments, VARIANT* result);
 
