@@ -19,8 +19,9 @@ void combine(std::size_t& seed, std::string_view text) {
 }
 
 void combine(std::size_t& seed, const Value* value) {
+    boost::hash_combine(seed, value != nullptr);
     if (!value)
-        return boost::hash_combine(seed, 0);
+        return;
     if (value->type() == ValueType::binary) {
         const auto content = value->get_binary();
         const auto bytes = content.bytes();

@@ -318,6 +318,7 @@ TEST_F(LoggedEventImport, TellsEventsOfOneTimeApart) {
         [](FakeEventData& data) { data.eventClass.Data1 = 1; },
         [](FakeEventData& data) { data.eventId = 9; },
         [](FakeEventData& data) { data.sourceId = 2; },
+        [](FakeEventData& data) { data.sourceId.reset(); },
         [](FakeEventData& data) { data.sourceName = "Tank 2"; },
         [](FakeEventData& data) {
             data.sourceGuid = GUID{2, 0, 0, {}};
@@ -327,7 +328,7 @@ TEST_F(LoggedEventImport, TellsEventsOfOneTimeApart) {
         },
     };
     FakeEventData same;
-    same.sourceId = 1;
+    same.sourceId = 0;
     same.sourceName = "Tank 1";
     same.sourceGuid = GUID{1, 0, 0, {}};
     same.argumentCount = 1;
