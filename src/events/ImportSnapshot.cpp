@@ -75,13 +75,20 @@ void ImportSnapshot::takeActive(ComPtr<IZrAlarm> source) {
 void ImportSnapshot::convertActive() {
     std::erase_if(active, [&](Active& entry) {
         if (!rejected.unlessMalformed(
-                [&] { toHostAlarm(entry.alarm, *entry.source, context, 0, true); }))
+                [&] { toHostAlarm(entry.alarm, *entry.source, context, 0, true); })) {
+            rejectedAlarms.insert({entry.source.get(), {entry.source, entry.key}});
             return activeAlarms.erase(entry.source.get()) != 0;
+        }
         entry.key.timeRaised = entry.alarm.time_raised();  // it may have been raised again
         activeKeys.insert(entry.key);
         clearedKeys.insert(keyOfCleared(entry.key, entry.alarm));
         return false;
     });
+}
+
+bool ImportSnapshot::leftOut(IZrAlarm& alarm) const {
+    const auto found = rejectedAlarms.find(&alarm);
+    return found != rejectedAlarms.end() && found->second.key == alarmKeyOf(context, alarm);
 }
 
 /// Leaves of the skipped those that have ended between the two lists. Where the logger does not

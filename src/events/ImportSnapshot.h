@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -35,6 +36,8 @@ public:
     void keepUntilTheEnd(std::shared_ptr<Container> replaced) { former = std::move(replaced); }
 
     bool tookOver(const IZrAlarm* alarm) const { return activeAlarms.contains(alarm); }
+    /// Whether this is an active alarm that was left out, and not raised again since.
+    bool leftOut(IZrAlarm& alarm) const;
     std::uint64_t loggedCount() const { return fetchedLogged; }
     std::uint64_t activeCount() const { return activeAlarms.size(); }
     std::uint64_t keptIdCount() const { return keptIds; }
@@ -56,6 +59,12 @@ private:
         AlarmKey key;
         std::optional<int> keptId;
         ZrHmiSrv::Alarm alarm;
+    };
+
+    /// Stands for the same alarm as long as its key is the same.
+    struct Rejected {
+        ZrAtlCom::ComPtr<IZrAlarm> source;
+        AlarmKey key;
     };
 
     void takeLogged(ZrAtlCom::ComPtr<IZrLoggedEvent> item);
@@ -80,6 +89,7 @@ private:
     std::vector<Skipped> skipped;
     std::vector<Active> active;
     std::unordered_set<const IZrAlarm*> activeAlarms;
+    std::unordered_map<const IZrAlarm*, Rejected> rejectedAlarms;
     std::unordered_set<AlarmKey> activeKeys;
     std::unordered_set<AlarmKey> clearedKeys;  ///< the same, told apart by the time of the clear
     ImportedIdentities identities;

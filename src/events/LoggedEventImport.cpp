@@ -105,6 +105,9 @@ void LoggedEventImport::replay(const RecordedCallback& record, Replay& state) {
         --state.raisesAhead[alarm];
     if (alarm && state.snapshot.tookOver(alarm))
         return lifecycle.refresh(record, state.raisesAhead[alarm] > 0);
+    // It would be rejected, told and counted once more with each record.
+    if (alarm && state.snapshot.leftOut(*alarm))
+        return;
     if (const auto begin = state.begins.find(alarm); begin != state.begins.end()) {
         if (begin->second != &record)
             return;

@@ -443,20 +443,36 @@ TEST_F(LoggedEventImport, LeavesOutWhatContradictsItself) {
         event.data.layout = {1, 5, 1, 0, 1};
     };
     broken(loggedMessage(1));
-    broken(active(2, 1));
+    FakeEvent& ended = active(2, 1);
+    broken(ended);
+    FakeEvent& mended = active(2, 5);
+    broken(mended);
     broken(loggedAlarm(2, 1, true));  // the same, and so nothing more
     broken(loggedAlarm(3, 2, true));  // ended between the lists
-    active(4, 3);
+    FakeEvent& next = active(4, 3);
     FakeEvent& recorded = source(5, 4);
     broken(recorded);
-    logger.afterTheLists = [&] { raised(recorded); };
-    EXPECT_EQ(import()->rejected, 4U);
-    EXPECT_THAT(stored(), ElementsAre("4s alarm 1"));
+    logger.afterTheLists = [&] {
+        raised(recorded);
+        raised(ended);
+        cleared(ended, VARIANT_TRUE);
+    };
+    border.onCall = [&, again = false]() mutable {
+        if (next.asked == 0 || std::exchange(again, true))
+            return;
+        mended.data = next.data;  // raised again when it has been read
+        mended.data.instanceId = 5;
+        mended.data.raised = at(6);
+        raised(mended);
+    };
+    EXPECT_EQ(import()->rejected, 5U);
+    EXPECT_THAT(stored(), ElementsAre("4s alarm 1", "6s alarm 2"));
+    EXPECT_THAT(host.take(), AllOf(SizeIs(6), Contains("NEW_ALARM_RAISED Filler 2 6s")));
     raised(recorded);
     sent(recorded);
-    EXPECT_THAT(host.take(), AllOf(SizeIs(6), Each(StartsWith("error Filler Event 1 of class {0000"
+    EXPECT_THAT(host.take(), AllOf(SizeIs(2), Each(StartsWith("error Filler Event 1 of class {0000"
                                                               "ABCD-0001-0002-0304-"))));
-    EXPECT_EQ(ids, 2);
+    EXPECT_EQ(ids, 3);
 }
 
 }  // namespace
