@@ -1,6 +1,7 @@
 // What an engineer does with the bridge: target systems, log, configuration, simulated runtimes.
 import { element } from "../shell/dom.js";
-import { addWords, label } from "../shell/words.js";
+import { lazyView } from "../shell/lazyview.js";
+import { label } from "../shell/words.js";
 import { openConfiguration } from "./configuration.js";
 import { openLog } from "./log.js";
 import { openSimulator } from "./simulator.js";
@@ -76,7 +77,7 @@ function createView(root, context) {
   draw();
   offerSimulator();
   return {
-    draw,
+    languageChanged: draw,
     close() {
       isOpen = false;
       closePart();
@@ -84,27 +85,4 @@ function createView(root, context) {
   };
 }
 
-/** @type {ReturnType<typeof createView> | null} */
-let view = null;
-let openings = 0;
-
-/** @type {import("../types.js").View["open"]} */
-export async function open(root, context) {
-  const mine = ++openings;
-  await addWords("engineer");
-  if (mine !== openings)
-    return;
-  if (context.may("engineer"))
-    view = createView(root, context);
-  else
-    root.replaceChildren(
-      element("p", { className: "refused", textContent: label("engineersOnly") }));
-}
-
-export function close() {
-  ++openings;
-  view?.close();
-  view = null;
-}
-
-export const languageChanged = () => view?.draw();
+export const { open, close, languageChanged } = lazyView("engineer", createView);

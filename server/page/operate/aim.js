@@ -18,16 +18,19 @@ export class Aim {
   constructor(area, rowAt, signal) {
     const take = (/** @type {Event} */ press) => {
       this.#row = rowAt(press.target);
-      this.#event = this.#row?.event ?? null;
+      this.#event = this.#row?.seen.isBefore(press) ? this.#row.event : null;
     };
     area.addEventListener("pointerdown", take, { capture: true, signal });
     area.addEventListener("keydown", (press) => press.repeat || take(press),
       { capture: true, signal });
   }
 
-  /** The event that a click on this row means. @param {Row} row */
+  /**
+   * The event that a click on this row means; null for one that nobody can have seen.
+   * @param {Row} row
+   */
   take(row) {
-    const meant = row === this.#row ? this.#event ?? row.event : row.event;
+    const meant = row === this.#row ? this.#event : row.event;
     this.#row = null;
     return meant;
   }

@@ -19,7 +19,7 @@ export class Bar {
 
   /**
    * @param {HTMLElement} root
-   * @param {Record<string, () => void>} actions by the class of the button
+   * @param {Record<string, (press: Event) => void>} actions by the class of the button
    */
   constructor(root, actions) {
     this.#part = (/** @type {string} */ name) =>

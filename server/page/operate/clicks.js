@@ -39,14 +39,16 @@ export class Clicks {
 
   /**
    * The second click of a double one is not meant for whatever stands there.
-   * @param {Row} row @param {HmiEvent} meant @param {number} clicks
+   * @param {Row} row @param {HmiEvent | null} meant @param {number} clicks
    */
   #press(row, meant, clicks) {
     if (clicks > 1 || row.button.getAttribute("aria-disabled") === "true")
       return;
     if (row.group)
       this.#handlers.showGroup(row);
-    else
+    else if (meant)
       this.#handlers.confirm(meant);
+    else
+      this.#handlers.unseen();
   }
 }

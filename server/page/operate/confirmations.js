@@ -1,6 +1,6 @@
 // Confirming, and what became of it as long as the server has not said it better.
 import { clock, number } from "../shell/format.js";
-import { isConfirmable, keyOf, severities } from "../shell/event.js";
+import { isConfirmable, keyOf, severities, targetOf } from "../shell/event.js";
 import { element, icon } from "../shell/dom.js";
 import { label } from "../shell/words.js";
 import { ask } from "./dialog.js";
@@ -55,15 +55,21 @@ export class Confirmations {
   /**
    * What is selected; else what has the focus or is open.
    * @param {import("./list.js").List} list
+   * @param {Event} press
    */
-  confirmSelected(list) {
+  confirmSelected(list, press) {
     const focused = list.rowAt(document.activeElement) ?? list.get(list.openKey);
-    const chosen = list.selected.size > 0 ? list.selectedEvents
-      : focused && !focused.group ? [focused.event] : [];
-    const meant = chosen.filter(isConfirmable);
-    if (meant.length === 1 && this.#context.may("confirm"))
-      return this.confirm(meant);
-    return this.confirmMany(meant);
+    const chosen = list.selected.size > 0 ? list.selectedRows
+      : focused && !focused.group ? [focused] : [];
+    const rows = chosen.filter(({ event }) => isConfirmable(event));
+    const meant = rows.map(({ event }) => event);
+    if (meant.length !== 1 || !this.#context.may("confirm"))
+      return this.confirmMany(meant);
+    return rows[0].seen.isBefore(press) ? this.confirm(meant) : this.sayUnseen();
+  }
+
+  sayUnseen() {
+    this.#context.notify(label("unseen"));
   }
 
   /** Confirms these occurrences. @param {HmiEvent[]} events @param {string} [comment] */
@@ -80,11 +86,21 @@ export class Confirmations {
       const answers = await this.#context.api.confirm(events, comment);
       answers.forEach(({ status, text }, index) => {
         if (status >= 300)
-          this.#note([events[index]], "failed", status === 409 ? label("raisedAgain") : text);
+          this.#fail(events[index], status, text);
       });
     } catch (error) {
       this.#note(events, "failed", /** @type {Error} */ (error).message);
     }
+  }
+
+  /** @param {HmiEvent} event @param {number} status @param {string} [text] */
+  #fail(event, status, text) {
+    const target = this.#context.targets().find(({ name }) => name === targetOf(event));
+    const isAgain = status === 409 && target?.state !== "lost";
+    this.#note([event], "failed",
+      isAgain ? label("raisedAgain") : status === 409 ? label("targetLost") : text);
+    if (isAgain)  // the row is the new occurrence's
+      this.#context.notify(label("raisedAgain"));
   }
 
   /**

@@ -12,6 +12,7 @@ import { Rows } from "./rows.js";
  * @property {(row: Row) => void} open
  * @property {() => void} close the row that was open is gone
  * @property {(event: HmiEvent) => void} confirm
+ * @property {() => void} unseen what was to be confirmed had only just come there
  * @property {(row: Row) => void} showGroup
  * @property {(rows: Row[]) => void} doubt rows of which nobody knows whether they still exist
  * @property {() => boolean} isBusy a dialog asks about rows
@@ -69,8 +70,8 @@ export class List {
     return this.#rows.get(key);
   }
 
-  get selectedEvents() {
-    return [...this.selected].map((key) => this.#rows.get(key)?.event).filter((event) => !!event);
+  get selectedRows() {
+    return [...this.selected].map((key) => this.#rows.get(key)).filter((row) => row !== null);
   }
 
   /** Those of the rows as they stand. */

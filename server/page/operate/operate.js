@@ -1,8 +1,9 @@
 // The view that a plant is run with: the list of alarms and messages, and all about one of them.
-import { applyWords, addWords } from "../shell/words.js";
+import { applyWords } from "../shell/words.js";
 import { byId } from "../shell/dom.js";
 import { isConfirmable, keyOf } from "../shell/event.js";
 import * as horn from "../shell/horn.js";
+import { lazyView } from "../shell/lazyview.js";
 import { flood, onCounts } from "../shell/situation.js";
 import { Bar } from "./bar.js";
 import { choicesOf, exportPath, filterNames, pageSize } from "./choices.js";
@@ -80,6 +81,7 @@ class Operate {
       open: (row) => this.#open(row),
       close: () => this.pane.hide(),
       confirm: (event) => this.confirmations.confirm([event]),
+      unseen: () => this.confirmations.sayUnseen(),
       showGroup: ({ group }) => group && this.#use(
         { group: "0", target: group.target, text: group.sourceName || group.eventClass }),
       doubt: (rows) => this.listing.lookFor(rows),
@@ -89,13 +91,14 @@ class Operate {
     };
   }
 
+  /** @returns {Record<string, (press: Event) => void>} */
   #barActions() {
     return {
       freeze: () => this.#freeze(),
       waiting: () => { this.list.place(); this.list.move(0); },
       grouping: () => this.#use({ group: this.#isGrouped() ? "0" : "1" }),
       showAll: () => this.#use(Object.fromEntries(filterNames.map((name) => [name, ""]))),
-      confirmChosen: () => this.confirmations.confirmSelected(this.list),
+      confirmChosen: (press) => this.confirmations.confirmSelected(this.list, press),
       confirmShown: () => this.confirmations.confirmMany(this.list.events),
     };
   }
@@ -103,7 +106,7 @@ class Operate {
   /** @returns {import("./keys.js").Actions} */
   #keyActions() {
     return {
-      a: () => this.confirmations.confirmSelected(this.list),
+      a: (press) => this.confirmations.confirmSelected(this.list, press),
       A: () => this.confirmations.confirmMany(this.list.events),
       "/": () => this.#part("[name=text]").focus(), s: horn.silence,
       e: () => this.#export(), p: () => this.#freeze(), "?": () => { showHelp(); },
@@ -231,20 +234,5 @@ class Operate {
   }
 }
 
-/** @type {Operate | null} */
-let operate = null;
-
-/** @type {import("../types.js").View["open"]} */
-export async function open(root, context) {
-  await addWords("operate");
-  operate = new Operate(root, context);
-}
-
-export function close() {
-  operate?.close();
-  operate = null;
-}
-
-export function languageChanged() {
-  operate?.languageChanged();
-}
+export const { open, close, languageChanged } =
+  lazyView("operate", (root, context) => new Operate(root, context));

@@ -7,6 +7,7 @@ import { label, language } from "../shell/words.js";
 import * as facts from "./facts.js";
 import { member, parse } from "./jsontext.js";
 import { lifeFrom } from "./life.js";
+import { Seen } from "./seen.js";
 import { Terms } from "./terms.js";
 
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
@@ -35,6 +36,8 @@ export class Pane {
   #steps = element("ol", { className: "steps" });
   #shownCauses = "";
   #shownSteps = "";
+  #seen = new Seen();
+  #pressed = /** @type {HmiEvent | null | undefined} */ (undefined);
 
   /**
    * @param {HTMLElement} root
@@ -48,8 +51,8 @@ export class Pane {
     this.#confirmations = confirmations;
     this.#content = /** @type {HTMLElement} */ (root.querySelector(".content"));
     root.querySelector(".close")?.addEventListener("click", close);
-    this.#button.addEventListener("pointerdown", () => { this.#pressed = this.#event; });
-    this.#button.addEventListener("keydown", () => { this.#pressed = this.#event; });
+    this.#button.addEventListener("pointerdown", (press) => this.#aim(press));
+    this.#button.addEventListener("keydown", (press) => press.repeat || this.#aim(press));
     this.#button.addEventListener("click", () => this.#confirm());
     this.#content.append(
       element("h2", {}, this.#picture, this.#title), this.#life,
@@ -59,13 +62,17 @@ export class Pane {
     this.languageChanged();
   }
 
-  /** What the button was pressed for. @type {HmiEvent | null} */
-  #pressed = null;
+  /** What the button was pressed for; null for what nobody can have seen. @param {Event} press */
+  #aim(press) {
+    this.#pressed = this.#seen.isBefore(press) ? this.#event : null;
+  }
 
   #confirm() {
-    const meant = this.#pressed ?? this.#event;
-    this.#pressed = null;
-    if (!meant || isConfirming(meant))
+    const meant = this.#pressed === undefined ? this.#event : this.#pressed;
+    this.#pressed = undefined;
+    if (meant === null)
+      return this.#confirmations.sayUnseen();
+    if (isConfirming(meant))
       return;
     this.#confirmations.confirm([meant], this.#comment.value.trim());
     this.#comment.value = "";
@@ -163,6 +170,7 @@ export class Pane {
     const event = this.#event;
     if (!event)
       return;
+    this.#seen.stands(`${keyOf(event)} ${event.timeRaised}`);
     this.#picture.firstElementChild?.setAttribute("href", `#${pictureOf(event)}`);
     this.#root.className = `details severity${Math.min(event.severity, 4)}` +
       (event.active ? " active" : "") + (event.lastKnownSince ? " lastKnown" : "");

@@ -7,6 +7,7 @@ import {
   stateText, subtitle, targetOf, title,
 } from "../shell/event.js";
 import { label, language } from "../shell/words.js";
+import { Seen } from "./seen.js";
 
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
 /** @typedef {import("../types.js").Group} Group */
@@ -38,6 +39,10 @@ export class Row {
 
   check = element("input", { type: "checkbox", tabIndex: -1 });
   button = element("button", { type: "button", className: "confirm", tabIndex: -1 });
+  /** The occurrence in its place. */
+  seen = new Seen();
+  /** How many rows stand above it. */
+  at = 0;
   /** It is known to be in the list no more. */
   hasLeft = false;
   /** Whether it is still in the list has to be asked. */
@@ -70,6 +75,7 @@ export class Row {
   fill(item, flags) {
     this.event = item.event;
     this.group = item.group;
+    this.seen.stands(`${this.at} ${item.key} ${item.event.timeRaised}`);
     const now = JSON.stringify([item, flags, this.hasLeft, language()]);
     if (now === this.#filled)
       return;

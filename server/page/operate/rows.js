@@ -56,6 +56,7 @@ export class Rows {
       const here = this.#body.rows[at] ?? null;
       const row = this.#byKey.get(item.key) ?? rowFor(item, free, here);
       row.hasLeft = row.isDoubtful = false;
+      row.at = at;
       placed.set(item.key, row);
       if (here !== row.element)
         this.#body.insertBefore(row.element, here);

@@ -1,6 +1,7 @@
 // What has happened: the server's history, a page of it at a time, and the life of one event.
 import { element, foreign } from "../shell/dom.js";
-import { addWords, label } from "../shell/words.js";
+import { lazyView } from "../shell/lazyview.js";
+import { label } from "../shell/words.js";
 import { factsOf, lifeOf, rowOf, subject } from "./entries.js";
 import { createFilters, parametersOf } from "./filters.js";
 
@@ -126,7 +127,7 @@ function createView(root, context) {
   });
   draw();
   return {
-    draw,
+    languageChanged: draw,
     close() {
       clearTimeout(timer);
       loading.abort();
@@ -134,22 +135,4 @@ function createView(root, context) {
   };
 }
 
-/** @type {ReturnType<typeof createView> | null} */
-let view = null;
-let openings = 0;
-
-/** @type {import("../types.js").View["open"]} */
-export async function open(root, context) {
-  const mine = ++openings;
-  await addWords("past");
-  if (mine === openings)
-    view = createView(root, context);
-}
-
-export function close() {
-  ++openings;
-  view?.close();
-  view = null;
-}
-
-export const languageChanged = () => view?.draw();
+export const { open, close, languageChanged } = lazyView("past", createView);

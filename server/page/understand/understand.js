@@ -2,7 +2,8 @@
 import { element } from "../shell/dom.js";
 import { clock, duration } from "../shell/format.js";
 import { throttled } from "../shell/throttled.js";
-import { addWords, label } from "../shell/words.js";
+import { lazyView } from "../shell/lazyview.js";
+import { label } from "../shell/words.js";
 import { createPanels } from "./panels.js";
 import { moment, ratePicture } from "./rate.js";
 import * as tables from "./tables.js";
@@ -151,22 +152,4 @@ function createView(root, context) {
   };
 }
 
-/** @type {ReturnType<typeof createView> | null} */
-let view = null;
-let openings = 0;
-
-/** @type {import("../types.js").View["open"]} */
-export async function open(root, context) {
-  const mine = ++openings;
-  await addWords("understand");
-  if (mine === openings)
-    view = createView(root, context);
-}
-
-export function close() {
-  ++openings;
-  view?.close();
-  view = null;
-}
-
-export const languageChanged = () => view?.languageChanged();
+export const { open, close, languageChanged } = lazyView("understand", createView);

@@ -1,5 +1,5 @@
 // Every view and state in every way to look at it: nothing for axe, nothing out of reach.
-import { after, before, test } from "node:test";
+import { after, before, describe, test } from "node:test";
 import {
   assertAccessible, assertFits, assertQuiet, closeBrowser, openPage,
 } from "../support/browser.js";
@@ -34,7 +34,7 @@ const states = {
   "operate, grouped": { path: "/", show: async (page) => {
     await ready(page);
     await page.locator("main .grouping").click();
-    await page.waitForTimeout(300);
+    await visible(page, "main tbody tr.group");
   } },
   details: { path: "/", show: async (page) => {
     await ready(page);
@@ -80,16 +80,21 @@ const ways = {
   "1366 px at 200 %": { viewport: { width: 683, height: 384 }, deviceScaleFactor: 2 },
 };
 
-for (const [way, options] of Object.entries(ways)) {
-  test(way, async () => {
-    const page = await openPage(server, "/", options);
-    for (const [state, { path, show, leave }] of Object.entries(states)) {
-      await page.goto(server.address + path);
-      await show(page);
-      await assertAccessible(page, `${state}, ${way}`);
-      await assertFits(page, `${state}, ${way}`);
-      await leave?.(page);
-    }
-    assertQuiet(page);
-  });
+async function lookAt(options, way) {
+  const page = await openPage(server, "/", options);
+  for (const [state, { path, show, leave }] of Object.entries(states)) {
+    await page.goto(server.address + path);
+    await show(page);
+    await assertAccessible(page, `${state}, ${way}`);
+    await assertFits(page, `${state}, ${way}`);
+    await leave?.(page);
+  }
+  assertQuiet(page);
+  await page.context().close();
 }
+
+// Two at a time: the long work is done in each page's own process.
+describe("every view and state", { concurrency: 2 }, () => {
+  for (const [way, options] of Object.entries(ways))
+    test(way, () => lookAt(options, way));
+});

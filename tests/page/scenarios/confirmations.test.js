@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { after, before, test } from "node:test";
 import { assertAccessible, assertQuiet, closeBrowser, openPage } from "../support/browser.js";
-import { rowOf, rowsWhen } from "../support/list.js";
+import { confirmRow, rowOf, rowsWhen } from "../support/list.js";
 import { config, filler, plant, raise } from "../support/plant.js";
 import { Server, eventually } from "../support/server.js";
 
@@ -37,14 +37,14 @@ test("a held and a failed confirmation", async () => {
   const [held, failing] = [idOf("tank level"), idOf("valve")];
 
   await open.sim(filler, { do: "hold" });
-  await rowOf(page, held).locator("button.confirm").click();
+  await confirmRow(page, held);
   await lifeIs(page, held, /taken by the controller/);
   assert.equal(await rowOf(page, held).locator("button.confirm").getAttribute("aria-disabled"), "true");
   await open.sim(filler, { do: "release" });
   await lifeIs(page, held, /confirmed/);
 
   await open.sim(filler, { do: "fail", call: "Confirm", hresult: "0x80004005" });
-  await rowOf(page, failing).locator("button.confirm").click();
+  await confirmRow(page, failing);
   await lifeIs(page, failing, /failed.+\w/s);
   await assertAccessible(page, "a failed confirmation");
   await rowOf(page, failing).getByText("Try again").click();
@@ -70,7 +70,7 @@ test("two users, and one whose session ends", async () => {
   const [{ id }] = await rowsWhen(eva, (shown) => shown.length === 1, "the alarm");
   const [seen] = await rowsWhen(max, (shown) => shown.length === 1, "the alarm at the other place");
   assert.equal(seen.confirmable, false, "who may only look confirms nothing");
-  await rowOf(eva, id).locator("button.confirm").click();
+  await confirmRow(eva, id);
   await lifeIs(max, id, /confirmed by eva/);
   for (const page of [eva, max])
     assert.equal(await page.locator("#nav a[data-view=engineer]").isVisible(), false);

@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { after, before, test } from "node:test";
 import { assertQuiet, closeBrowser, openPage } from "../support/browser.js";
-import { rowOf, rowsWhen, watchConfirmations } from "../support/list.js";
+import { confirmRow, rowOf, rowsWhen, watchConfirmations } from "../support/list.js";
 import { config, filler, packer, plant, raise } from "../support/plant.js";
 import { Server, eventually } from "../support/server.js";
 
@@ -55,7 +55,7 @@ test("a shift", async () => {
   await page.getByText("On top of the tank").waitFor();
   await page.keyboard.press("Escape");
 
-  await rowOf(page, level.id).locator("button.confirm").click();
+  await confirmRow(page, level.id);
   await confirmationsOf([level.id]);
   await rowsWhen(page, (shown) => /confirmed/.test(shown.find(({ id }) => id === level.id)?.life ?? "confirmed"),
     "the row says who confirmed it");

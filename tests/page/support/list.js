@@ -1,7 +1,14 @@
 // The list of alarms as somebody sees it.
-import { eventually } from "./server.js";
+import { eventually, sleep } from "./server.js";
 
 export const rowOf = (page, id) => page.locator(`main tbody tr[data-key="${id}"]`);
+
+/** Confirms like a person, who sees first what is pressed: under the pointer rows stand still. */
+export async function confirmRow(page, id) {
+  await rowOf(page, id).hover();
+  await sleep(500);
+  await rowOf(page, id).locator("button.confirm").click();
+}
 
 /** The rows from top to bottom: {id, title, life, state, confirmable}. */
 export const rows = (page) => page.locator("main tbody tr").evaluateAll((all) => all.map((row) => ({

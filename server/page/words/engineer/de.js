@@ -1,6 +1,6 @@
 // Of the engineer's view.
 export const words = {
-  engineersOnly: "Diese Ansicht ist für Ingenieure.", engineerParts: "Teile dieser Ansicht",
+  engineerParts: "Teile dieser Ansicht",
   part_targets: "Zielsysteme", part_log: "Protokoll", part_configuration: "Konfiguration",
   part_simulator: "Simulator", address: "Adresse", localAddress: "dieses Gerät",
   stateSince: "{0} seit {1} ({2})", targetError: "Fehler", importProgress: "Einlesen",

@@ -1,6 +1,6 @@
 // Of the engineer's view.
 export const words = {
-  engineersOnly: "This view is for engineers.", engineerParts: "Parts of this view",
+  engineerParts: "Parts of this view",
   part_targets: "Target systems", part_log: "Log", part_configuration: "Configuration",
   part_simulator: "Simulator", address: "Address", localAddress: "this device",
   stateSince: "{0} since {1} ({2})", targetError: "Error", importProgress: "Import",

@@ -1,6 +1,6 @@
 // Of the engineer's view.
 export const words = {
-  engineersOnly: "Esta vista es solo para ingenieros.", engineerParts: "Partes de esta vista",
+  engineerParts: "Partes de esta vista",
   part_targets: "Sistemas de destino", part_log: "Registro", part_configuration: "Configuración",
   part_simulator: "Simulador", address: "Dirección", localAddress: "este equipo",
   stateSince: "{0} desde {1} ({2})", targetError: "Error", importProgress: "Importación",

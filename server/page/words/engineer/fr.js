@@ -1,6 +1,6 @@
 // Of the engineer's view.
 export const words = {
-  engineersOnly: "Cette vue est réservée aux ingénieurs.", engineerParts: "Parties de cette vue",
+  engineerParts: "Parties de cette vue",
   part_targets: "Systèmes cibles", part_log: "Journal", part_configuration: "Configuration",
   part_simulator: "Simulateur", address: "Adresse", localAddress: "cet appareil",
   stateSince: "{0} depuis {1} ({2})", targetError: "Erreur", importProgress: "Importation",

@@ -1,6 +1,5 @@
 // Of the engineer's view.
 export const words = {
-  engineersOnly: "Questa vista è riservata agli ingegneri.",
   engineerParts: "Parti di questa vista", part_targets: "Sistemi di destinazione",
   part_log: "Registro", part_configuration: "Configurazione", part_simulator: "Simulatore",
   address: "Indirizzo", localAddress: "questo dispositivo", stateSince: "{0} dal {1} ({2})",

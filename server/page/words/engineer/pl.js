@@ -1,6 +1,6 @@
 // Of the engineer's view.
 export const words = {
-  engineersOnly: "Ten widok jest dla inżynierów.", engineerParts: "Części tego widoku",
+  engineerParts: "Części tego widoku",
   part_targets: "Systemy docelowe", part_log: "Dziennik", part_configuration: "Konfiguracja",
   part_simulator: "Symulator", address: "Adres", localAddress: "to urządzenie",
   stateSince: "{0} od {1} ({2})", targetError: "Błąd", importProgress: "Import",

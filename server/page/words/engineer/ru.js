@@ -1,6 +1,6 @@
 // Of the engineer's view.
 export const words = {
-  engineersOnly: "Этот раздел доступен инженерам.", engineerParts: "Части раздела",
+  engineerParts: "Части раздела",
   part_targets: "Целевые системы", part_log: "Журнал", part_configuration: "Конфигурация",
   part_simulator: "Имитатор", address: "Адрес", localAddress: "это устройство",
   stateSince: "{0} с {1} ({2})", targetError: "Ошибка", importProgress: "Импорт",

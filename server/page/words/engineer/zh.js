@@ -1,6 +1,6 @@
 // Of the engineer's view.
 export const words = {
-  engineersOnly: "此视图仅供工程师使用。", engineerParts: "此视图的各部分", part_targets: "目标系统", part_log: "日志",
+  engineerParts: "此视图的各部分", part_targets: "目标系统", part_log: "日志",
   part_configuration: "配置", part_simulator: "模拟器", address: "地址", localAddress: "本机",
   stateSince: "{0}，自 {1} 起（{2}）", targetError: "错误", importProgress: "导入", progressOf: "{0}/{1}",
   lastNotification: "最近通知", lastImport: "最近导入",

@@ -36,4 +36,5 @@ export const words = {
   change_message: "Meldung", change_gap: "Lücke", change_confirmation: "Quittierung",
   change_audit: "vermerkt",
   asOf: "Stand {0}", order: "Reihenfolge",
+  unseen: "Das steht eben erst hier. Nichts wurde quittiert.",
 };

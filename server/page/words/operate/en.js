@@ -34,4 +34,5 @@ export const words = {
   change_confirmed: "confirmed", change_removed: "removed", change_message: "message",
   change_gap: "gap", change_confirmation: "confirmation", change_audit: "noted",
   asOf: "As of {0}", order: "Order",
+  unseen: "It has only just come here. Nothing was confirmed.",
 };

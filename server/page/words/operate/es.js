@@ -37,4 +37,5 @@ export const words = {
   change_message: "mensaje", change_gap: "laguna", change_confirmation: "confirmación",
   change_audit: "anotado",
   asOf: "Estado a las {0}", order: "Orden",
+  unseen: "Acaba de llegar aquí. No se confirmó nada.",
 };

@@ -38,4 +38,5 @@ export const words = {
   change_removed: "supprimée", change_message: "message", change_gap: "lacune",
   change_confirmation: "acquittement", change_audit: "noté",
   asOf: "État à {0}", order: "Ordre",
+  unseen: "Cela vient seulement d’arriver ici. Rien n’a été acquitté.",
 };

@@ -35,4 +35,5 @@ export const words = {
   change_confirmed: "riconosciuto", change_removed: "rimosso", change_message: "messaggio",
   change_gap: "lacuna", change_confirmation: "riconoscimento", change_audit: "annotato",
   asOf: "Stato alle {0}", order: "Ordine",
+  unseen: "È appena arrivato qui. Niente è stato riconosciuto.",
 };

@@ -34,4 +34,5 @@ export const words = {
   change_confirmed: "potwierdzony", change_removed: "usunięty", change_message: "komunikat",
   change_gap: "luka", change_confirmation: "potwierdzenie", change_audit: "odnotowano",
   asOf: "Stan z {0}", order: "Kolejność",
+  unseen: "To dopiero się tu pojawiło. Nic nie potwierdzono.",
 };

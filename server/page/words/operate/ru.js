@@ -34,4 +34,5 @@ export const words = {
   change_confirmed: "подтверждено", change_removed: "удалено", change_message: "сообщение",
   change_gap: "пропуск", change_confirmation: "подтверждение", change_audit: "отмечено",
   asOf: "По состоянию на {0}", order: "Порядок",
+  unseen: "Это появилось здесь только что. Ничего не подтверждено.",
 };

@@ -23,4 +23,5 @@ export const words = {
   change_removed: "已移除", change_message: "消息", change_gap: "缺口", change_confirmation: "确认",
   change_audit: "已记录",
   asOf: "截至 {0}", order: "排序",
+  unseen: "该项刚刚出现在这里。未确认任何报警。",
 };
