@@ -25,7 +25,7 @@ json::object reportOf(const TargetImport& import, const json::storage_ptr& stora
 }  // namespace
 
 json::object toJson(const TargetStatus& target, json::storage_ptr storage) {
-    json::object object(12, storage);
+    json::object object(13, storage);
     object.emplace("name", toJson(std::string_view(target.name), storage));
     object.emplace("address", toJson(std::string_view(target.address), storage));
     object.emplace("state", nameOf(target.state));
@@ -37,6 +37,10 @@ json::object toJson(const TargetStatus& target, json::storage_ptr storage) {
                                     storage));
     if (target.lastNotification.isset())
         object.emplace("lastNotification", toJson(target.lastNotification, storage));
+    if (target.progress)
+        object.emplace("progress", json::object({{"done", target.progress->done},
+                                                 {"of", target.progress->of}},
+                                                storage));
     if (target.import)
         object.emplace("import", reportOf(*target.import, storage));
     object.emplace("forgotten", target.forgotten);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <optional>
 #include <utility>
 
 #include "server/json/Utf8.h"
@@ -44,6 +45,13 @@ Value countersOf(const Value& diagnosed) {
             counters.insert(field.name(), *field);
     }
     return counters;
+}
+
+std::optional<TargetProgress> progressOf(const Value& diagnosed) {
+    const Value* const progress = diagnosed.lookup("importProgress");
+    if (!progress || !progress->is_map())
+        return std::nullopt;
+    return TargetProgress{countOf(*progress, "done"), countOf(*progress, "of")};
 }
 
 }  // namespace
@@ -161,6 +169,7 @@ void TargetBook::enter(Entry& entry, TargetState state) {
         return;
     const bool isNew = !entry.status.since.isset();
     entry.status.state = state;
+    entry.status.progress.reset();
     entry.status.since = Timestamp::now();
     entry.changed = true;
     if (isNew || lines.size() >= maxLines)
@@ -240,6 +249,9 @@ bool TargetBook::onDiagnosed(Entry& entry, const Value& diagnosed) {
     } else {
         status.error.reset();
         enter(entry, TargetState::importing);
+        const auto progress = progressOf(diagnosed);
+        entry.changed |= progress != status.progress;
+        status.progress = progress;
     }
     return false;
 }

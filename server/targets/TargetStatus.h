@@ -29,6 +29,14 @@ struct TargetImport {
     std::uint64_t rejected;
 };
 
+/// How many events an import has read.
+struct TargetProgress {
+    std::uint64_t done;
+    std::uint64_t of;
+
+    bool operator==(const TargetProgress&) const = default;
+};
+
 /// What is known of a target system without asking it.
 struct TargetStatus {
     struct Error {
@@ -42,6 +50,7 @@ struct TargetStatus {
     ZrHmiSrv::Timestamp since = {};  ///< in this state
     std::optional<Error> error = {};
     ZrHmiSrv::Timestamp lastNotification = {};  ///< by the server's clock
+    std::optional<TargetProgress> progress = {};  ///< of the import that is under way
     std::optional<TargetImport> import = {};
     std::uint64_t forgotten = 0;
     std::uint64_t rejected = 0;

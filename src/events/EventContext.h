@@ -43,10 +43,17 @@ struct EventContext {
         proceed();
         return receiveObject<Object>(call);
     }
+    template <class Item>
+    ULONG countOf(ZrEventLoggerFnxProxyLib::IZrCollection<Item>& collection) const {
+        return read(collection, &ZrEventLoggerFnxProxyLib::IZrCollection<Item>::get_Count);
+    }
     template <class Item, class Visit>
     void forEach(ZrEventLoggerFnxProxyLib::IZrCollection<Item>& collection, Visit visit) const {
-        using Collection = ZrEventLoggerFnxProxyLib::IZrCollection<Item>;
-        const ULONG count = read(collection, &Collection::get_Count);
+        forEach<Item>(collection, countOf<Item>(collection), visit);
+    }
+    template <class Item, class Visit>
+    void forEach(ZrEventLoggerFnxProxyLib::IZrCollection<Item>& collection, ULONG count,
+                 Visit visit) const {
         for (ULONG index = 0; index < count; ++index)
             visit(receive<Item>([&](Item** item) { return collection.get_Item(index, item); }));
     }

@@ -36,11 +36,16 @@ void ImportSnapshot::fetch(Logger& logger) {
         });
     const auto alarms = context.receive<IZrAlarmCollection>(
         [&](IZrAlarmCollection** collection) { return logger.GetActiveAlarms(collection); });
-    context.forEach<IZrLoggedEvent>(*loggedEvents, [&](auto item) {
+    const ULONG loggedCount = context.countOf<IZrLoggedEvent>(*loggedEvents);
+    const ULONG activeCount = context.countOf<IZrAlarm>(*alarms);
+    progress.begin(std::uint64_t{loggedCount} + activeCount);
+    context.forEach<IZrLoggedEvent>(*loggedEvents, loggedCount, [&](auto item) {
         ++fetchedLogged;
         rejected.unlessMalformed([&] { takeLogged(std::move(item)); });
+        progress.advance();
     });
-    context.forEach<IZrAlarm>(*alarms, [&](auto alarm) { takeActive(std::move(alarm)); });
+    context.forEach<IZrAlarm>(*alarms, activeCount,
+                              [&](auto alarm) { takeActive(std::move(alarm)); });
     convertActive();
     convertUnlisted();
     // The proxy is not called any more: an import that fails or is abandoned has drawn no ids.
@@ -74,8 +79,10 @@ void ImportSnapshot::takeActive(ComPtr<IZrAlarm> source) {
 /// Leaves of the active alarms those that were not rejected.
 void ImportSnapshot::convertActive() {
     std::erase_if(active, [&](Active& entry) {
-        if (!rejected.unlessMalformed(
-                [&] { toHostAlarm(entry.alarm, *entry.source, context, 0, true); })) {
+        const bool isConverted = rejected.unlessMalformed(
+            [&] { toHostAlarm(entry.alarm, *entry.source, context, 0, true); });
+        progress.advance();
+        if (!isConverted) {
             rejectedAlarms.insert({entry.source.get(), {entry.source, entry.key}});
             return activeAlarms.erase(entry.source.get()) != 0;
         }

@@ -8,6 +8,7 @@
 
 #include "events/EventContext.h"
 #include "events/EventStore.h"
+#include "events/ImportProgress.h"
 #include "events/ImportedIdentities.h"
 #include "events/RejectedEvents.h"
 #include "targetsystem/proxy/ComPtr.h"
@@ -24,8 +25,9 @@ public:
     using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
     using IZrLoggedEvent = ZrEventLoggerFnxProxyLib::IZrLoggedEvent;
 
-    ImportSnapshot(const EventContext& context, const EventStore& running, RejectedEvents& rejected)
-        : context(context), running(running), rejected(rejected) {}
+    ImportSnapshot(const EventContext& context, const EventStore& running, RejectedEvents& rejected,
+                   ImportProgress& progress)
+        : context(context), running(running), rejected(rejected), progress(progress) {}
 
     /// Throws what the proxy throws, or Abandoned when the target is over.
     void fetch(Logger& logger);
@@ -83,6 +85,7 @@ private:
     const EventContext& context;
     const EventStore& running;
     RejectedEvents& rejected;
+    ImportProgress& progress;
     std::uint64_t fetchedLogged = 0;
     std::uint64_t keptIds = 0;
     std::vector<Logged> logged;

@@ -38,7 +38,8 @@ void LoggedEventImport::lookAhead(const NotificationRecorder::Records& records, 
 
 ImportResultPtr LoggedEventImport::run(Logger& logger) {
     // Both outlive sinkMutex: they hold what is to be released without it.
-    const auto snapshot = std::make_shared<ImportSnapshot>(context, store, lifecycle.rejected());
+    const auto snapshot =
+        std::make_shared<ImportSnapshot>(context, store, lifecycle.rejected(), progress);
     NotificationRecorder::Records discarded;
 
     const auto start = std::chrono::steady_clock::now();
@@ -50,7 +51,9 @@ ImportResultPtr LoggedEventImport::run(Logger& logger) {
     try {
         snapshot->fetch(logger);
         swapAndReplay(*snapshot, *result);
+        progress.end();
     } catch (...) {
+        progress.end();
         discarded = abandon();
         throw;
     }

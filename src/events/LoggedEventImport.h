@@ -2,12 +2,14 @@
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "events/AlarmLifecycle.h"
 #include "events/EventContext.h"
 #include "events/EventStore.h"
+#include "events/ImportProgress.h"
 #include "events/ImportResult.h"
 #include "events/ImportSnapshot.h"
 #include "events/NotificationRecorder.h"
@@ -30,6 +32,8 @@ public:
     ImportResultPtr run(Logger& logger) EXCLUDES(notifications.sinkMutex);
     /// Whether the last run, failed or not, left another store behind than it found.
     bool exchangedStore() const { return storeExchanged; }
+    /// Of the run that is under way. Any thread.
+    std::optional<ImportProgress::Count> progressNow() const { return progress.read(); }
 
 private:
     using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
@@ -47,6 +51,7 @@ private:
     EventStore& store;
     NotificationRecorder& notifications;
     AlarmLifecycle& lifecycle;
+    ImportProgress progress;
     std::uint64_t completedImports = 0;
     bool storeExchanged = false;
 };

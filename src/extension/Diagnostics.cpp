@@ -1,6 +1,7 @@
 #include "extension/Diagnostics.h"
 
 #include <string>
+#include <utility>
 
 #include "targetsystem/proxy/ErrorText.h"
 
@@ -25,6 +26,13 @@ void addCounters(Value& entry, const EventStatistics& statistics) {
     add("cachedMessagesCount", statistics.cachedMessagesCount);
 }
 
+void addProgress(Value& entry, const ImportProgress::Count& progress) {
+    Value numbers(ValueType::structure);
+    numbers.insert("done", static_cast<std::int64_t>(progress.done));
+    numbers.insert("of", static_cast<std::int64_t>(progress.of));
+    entry.insert("importProgress", std::move(numbers));
+}
+
 }  // namespace
 
 Value diagnosticsOf(const TargetSystem& target) {
@@ -41,6 +49,8 @@ Value diagnosticsOf(const TargetSystem& target) {
         entry.insert("connectError", ZrAtlCom::describe(error) + " (" +
                                          ZrAtlCom::hexText(error) + ")");
     }
+    if (const auto progress = target.importProgress())
+        addProgress(entry, *progress);
     return entry;
 }
 

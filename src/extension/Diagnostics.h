@@ -5,8 +5,8 @@
 
 namespace ZrHmiEventLogger {
 
-/// What "Diagnostics" tells of one target system. Waits for nothing: state and counters are
-/// published copies.
+/// What "Diagnostics" tells of one target system. Waits for nothing: state, counters and the
+/// progress of an import are published copies.
 ZrHmiSrv::Value diagnosticsOf(const TargetSystem& target);
 
 }  // namespace ZrHmiEventLogger

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "events/AlarmLifecycle.h"
 #include "events/EventStatistics.h"
@@ -68,6 +69,8 @@ public:
     void reportFailure() noexcept { reportCurrentException(logging, name()); }
 
     ConnectionState GetConnectionState() const;
+    /// Nothing while no import runs.
+    std::optional<ImportProgress::Count> importProgress() const { return importer.progressNow(); }
     EventStatistics statistics() const { return store.statistics(); }
 
     /// An operator's confirmation.

@@ -124,6 +124,22 @@ TEST_F(Operator, SeesALostTargetSystemAndWhatWasKnownOfItLast) {
     EXPECT_FALSE(server.events("target=Packer&gaps=1&limit=1").at(0).at("to").is_null());
 }
 
+TEST_F(Operator, SeesHowFarAnImportHasCome) {
+    raise(filler, "low");
+    ASSERT_TRUE(reaches("kind=alarm&target=Filler", 1));
+    act(filler, R"({"do": "pause", "call": "ConfirmationState"})");
+    server.send("POST", "/api/commands",
+                json::parse(R"([{"command": "ForceReconnect", "writeValue": "Filler"}])"));
+    const json::value logged{{"done", 2}, {"of", 3}};  // and not yet the active alarm
+    EXPECT_TRUE(eventually([&] {
+        const json::object target = targetOf("Filler");
+        return target.contains("progress") && target.at("progress") == logged;
+    }));
+    act(filler, R"([{"do": "resume"}, {"do": "accept"}])");
+    EXPECT_TRUE(isTarget("Filler", "good"));
+    EXPECT_FALSE(targetOf("Filler").contains("progress"));
+}
+
 TEST_F(Operator, FindsCountsAndGroupsWhatTheRowsShow) {
     raise(filler, "low");
     raise(filler, "lower");
@@ -234,11 +250,11 @@ TEST_F(Operator, TakesTheListAwayAsATable) {
 
 TEST_F(Operator, OrdersAndFollows) {
     EXPECT_EQ(server.get("/api/stream?types=nonsense").status / 100, 4U);
-    StreamClient all(server.port());
-    StreamClient few(server.port(), {}, "/api/stream?types=message");
+    StreamClient all(server.port(), {}, "/api/stream?brief=0");
+    StreamClient few(server.port(), {}, "/api/stream?types=message&brief=1");
     raise(filler, "low");
     act(filler, R"({"do": "message", "class": "{00000001-0000-0000-0000-00000000ABCD}",
-                    "event": 2})");
+                    "event": 2, "arguments": [7]})");
     std::int64_t sequence = 0;
     std::string types;
     while (types.find("message alive") == std::string::npos) {
@@ -246,6 +262,9 @@ TEST_F(Operator, OrdersAndFollows) {
         ASSERT_TRUE(line) << types;
         EXPECT_TRUE(sequence == 0 || line->at("seq") == sequence + 1) << serialize(*line);
         sequence = line->at("seq").as_int64();
+        if (line->at("type") == "message") {
+            EXPECT_TRUE(line->at("event").at("parameters").as_object().contains("data"));
+        }
         if (line->at("type") == "message" || line->at("type") == "alive")
             types.append(line->at("type").as_string()).append(" ");
     }
@@ -254,6 +273,7 @@ TEST_F(Operator, OrdersAndFollows) {
     while (line->at("type") == "alive")
         line = few.next();
     EXPECT_EQ(line->at("type"), "message");
+    EXPECT_FALSE(line->at("event").at("parameters").as_object().contains("data"));
 
     EXPECT_EQ(server.events("target=Filler").at(0).at("kind"), "message");
     EXPECT_EQ(server.events("target=Filler&order=priority").at(0).at("kind"), "alarm");
