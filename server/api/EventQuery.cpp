@@ -69,8 +69,8 @@ EventQuery::EventQuery(const Query& query, Query::Names further, std::uint64_t u
                                        {"unconfirmed", EventState::unconfirmed}});
     filter.from = timeOf(query, "from");
     filter.to = timeOf(query, "to");
-    filter.lastKnown = isWanted(query, "lastKnown");
-    withGaps = isWanted(query, "gaps");
+    filter.lastKnown = query.flag("lastKnown");
+    withGaps = query.flag("gaps");
     constexpr std::uint64_t highest = std::numeric_limits<std::uint32_t>::max();
     filter.severity = static_cast<std::uint32_t>(std::min(query.number("severity", 0), highest));
     readOrder(query);
@@ -99,10 +99,6 @@ void EventQuery::readOrder(const Query& query) {
     } else if (!asked.empty()) {
         throw RequestError(400, "order cannot be " + asked);
     }
-}
-
-bool isWanted(const Query& query, std::string_view name) {
-    return choice<bool>(query, name, {{"0", false}, {"1", true}}).value_or(false);
 }
 
 }  // namespace hmi

@@ -51,7 +51,4 @@ private:
     void readOrder(const Query& query);
 };
 
-/// Whether a parameter that is 0 or 1 is 1; throws RequestError 400 when it is another.
-bool isWanted(const Query& query, std::string_view name);
-
 }  // namespace hmi

@@ -63,7 +63,7 @@ void EventsResource::addRoutes(Router& router) {
         [=](const Request& r) {
             constexpr std::uint64_t usual = 1000;  // events at a time
             const Query& query = r.target.query;
-            const bool isLong = query.number("limit", 0) > usual || isWanted(query, "group");
+            const bool isLong = query.number("limit", 0) > usual || query.flag("group");
             return ifLocalized(r, {Lane::lists}, isLong ? Lane::longLists : Lane::local);
         },
         [this](const Request& r) { return list(r); });
@@ -83,12 +83,12 @@ Response EventsResource::list(const Request& request) {
     const Query& query = request.target.query;
     const EventQuery asked(query, {"counts", "group", "brief"}, usualLimit);
     const EventSearch search(asked, book, targets, texts);
-    const Extent extent = isWanted(query, "brief") ? Extent::brief : Extent::whole;
+    const Extent extent = query.flag("brief") ? Extent::brief : Extent::whole;
     std::string counts;
-    if (isWanted(query, "counts"))
+    if (query.flag("counts"))
         counts = ",\"counts\":" +
                  serialize(toJson(book.attention(asked.filter.target, asked.filter.lastKnown)));
-    if (isWanted(query, "group"))
+    if (query.flag("group"))
         return grouped(search, asked, extent, counts);
     const auto found = std::make_shared<const EventSearch::Result>(search.page());
     const auto item = [found, extent](std::size_t index, std::string& to) {
@@ -146,7 +146,7 @@ Response EventsResource::table(const Request& request) {
         asked.texts.wait = TextWish::maxWait;
     const auto found = std::make_shared<const EventSearch::Result>(
         EventSearch(asked, book, targets, texts).page());
-    std::string head(isWanted(query, "bom") ? byteOrderMark : std::string_view());
+    std::string head(query.flag("bom") ? byteOrderMark : std::string_view());
     const std::size_t count = found->hits.size();
     Response response = LongText{
         head + csvHead(),

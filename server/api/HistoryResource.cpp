@@ -158,7 +158,7 @@ Response HistoryResource::table(const Request& request) {
     query.limit = 1;
     pageOf(kept(), query);  // what cannot be read is told before the first row
     query.limit = pageSize;
-    std::string head(isWanted(parameters, "bom") ? byteOrderMark : std::string_view());
+    std::string head(parameters.flag("bom") ? byteOrderMark : std::string_view());
     Response response;
     response.held = pageSize << 10;
     response.parts = Rows(kept(), std::move(query), head + historyCsvHead());

@@ -99,6 +99,13 @@ std::uint64_t Query::number(std::string_view name, std::uint64_t otherwise) cons
     return number;
 }
 
+bool Query::flag(std::string_view name) const {
+    const std::uint64_t number = this->number(name, 0);
+    if (number > 1)
+        throw RequestError(400, std::string(name) + " is 0 or 1");
+    return number == 1;
+}
+
 Target Target::parse(std::string_view text) {
     const std::string encoded = encodeRest(text);
     const urls::url_view url = parseText(encoded);

@@ -20,6 +20,8 @@ public:
     void allowOnly(Names names, Names further = {}) const;
     /// A whole number from 0 on; throws RequestError 400 for anything else.
     std::uint64_t number(std::string_view name, std::uint64_t otherwise) const;
+    /// Whether it is 1; throws RequestError 400 unless it is 0, 1 or missing.
+    bool flag(std::string_view name) const;
 
 private:
     std::vector<std::pair<std::string, std::string>> parameters;

@@ -149,13 +149,13 @@ std::string_view nameOf(ChangeType type) {
     return typeNames[static_cast<std::size_t>(type)];
 }
 
-std::string toLine(const Change& change) {
+std::string toLine(const Change& change, Extent extent) {
     std::string text;
     text.reserve(1024);
     JsonObjectText line(text);
     line.add("type", nameOf(change.type));
     if (change.event)
-        appendJson(line.member("event"), *change.event);
+        appendJson(line.member("event"), *change.event, extent);
     if (change.entry)
         appendJson(line.member("entry"), *change.entry);
     if (change.target)

@@ -30,6 +30,6 @@ boost::json::object toJson(const Attention& attention);
 /// What the stream calls a change of this type.
 std::string_view nameOf(ChangeType type);
 /// A change as one line of the stream.
-std::string toLine(const Change& change);
+std::string toLine(const Change& change, Extent extent = Extent::whole);
 
 }  // namespace hmi

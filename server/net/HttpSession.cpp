@@ -241,30 +241,30 @@ void HttpSession::follow() {
 }
 
 void HttpSession::accept(const Request& admitted, std::optional<Response> refusal) {
-    std::optional<StreamTypes> types = StreamTypes::parse(target);
+    std::optional<StreamWish> wish = StreamWish::parse(target);
     if (!refusal)
-        refusal = whyNotToFollow(admitted.user, types);
+        refusal = whyNotToFollow(admitted.user, wish);
     if (refusal)
         return refuse(std::move(*refusal));
     handedOver = true;
     std::make_shared<StreamSession>(std::move(stream), client, context)
-        ->accept(parser->release(), *types, context->access.admissionOf(admitted));
+        ->accept(parser->release(), *wish, context->access.admissionOf(admitted));
 }
 
 /// The log is no type of change for those who may not read it.
 std::optional<Response> HttpSession::whyNotToFollow(const std::string& user,
-                                                    std::optional<StreamTypes>& types) const {
-    if (!types)
-        return Response::error(400, "types are names of changes");
+                                                    std::optional<StreamWish>& wish) const {
+    if (!wish)
+        return Response::error(400, "types are names of changes, brief is 0 or 1");
     if (!context->dispatcher.isOpen())
         return Dispatcher::notOpen();
     if (!all->mayFollow(client))
         return busy("too many follow the changes");
-    if (context->access.roleOf(user) >= Role::engineer || !types->contains(ChangeType::log))
+    if (context->access.roleOf(user) >= Role::engineer || !wish->contains(ChangeType::log))
         return std::nullopt;
-    if (types->areNamed())
+    if (wish->areNamed())
         return Response::error(403, "the log takes the role engineer");
-    types->remove(ChangeType::log);
+    wish->remove(ChangeType::log);
     return std::nullopt;
 }
 

@@ -60,7 +60,7 @@ private:
     void follow();
     void accept(const Request& admitted, std::optional<Response> refusal);
     std::optional<Response> whyNotToFollow(const std::string& user,
-                                           std::optional<StreamTypes>& types) const;
+                                           std::optional<StreamWish>& wish) const;
 
     void refuse(Response reply);
     void send(Response reply);

@@ -31,8 +31,11 @@ bool StreamHub::post(const Change& change) noexcept {
 }
 
 StreamLines::Position StreamHub::join(std::shared_ptr<IStreamClient> client) {
-    if (clients.insert(std::move(client)).second)
+    const Extent extent = client->extent();
+    if (clients.insert(std::move(client)).second) {
         metrics.countStreamClients(1);
+        ++followersOf(extent);
+    }
     if (!beating)
         beat();
     Lock lock(mutex);
@@ -46,6 +49,7 @@ void StreamHub::leave(const IStreamClient* client) {
     });
     if (found == clients.end())
         return;
+    --followersOf(client->extent());
     clients.erase(found);
     metrics.countStreamClients(-1);
     if (clients.empty())
@@ -78,8 +82,23 @@ std::deque<Change> StreamHub::takeChanges() {
 
 void StreamHub::drain() {
     for (const Change& change : takeChanges())
-        recent.add(change.type, toLine(change));
+        recent.add(change.type, textsOf(change));
     deliver();
+}
+
+/// In the extents that clients want now: one that joins begins with a later line.
+StreamLineTexts StreamHub::textsOf(const Change& change) const {
+    const auto [whole, brief] = followers;
+    const auto lineOf = [&](Extent extent) {
+        std::string text = toLine(change, extent);
+        text.shrink_to_fit();  // what counts is what it takes
+        return std::make_shared<const std::string>(std::move(text));
+    };
+    if (!change.event) {
+        const StreamLine line = lineOf(Extent::whole);
+        return {line, line};
+    }
+    return {whole > 0 ? lineOf(Extent::whole) : nullptr, brief > 0 ? lineOf(Extent::brief) : nullptr};
 }
 
 /// Each client takes its lines as fast as it can; what all have taken goes.
@@ -109,7 +128,7 @@ void StreamHub::beat() {
     heartbeat.async_wait([this](const boost::system::error_code& error) {
         if (error)
             return;
-        recent.add(ChangeType::alive, toLine({.type = ChangeType::alive}));
+        recent.add(ChangeType::alive, textsOf({.type = ChangeType::alive}));
         deliver();
         beat();
     });

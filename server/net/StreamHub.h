@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <deque>
 #include <memory>
 #include <set>
@@ -21,6 +22,8 @@ public:
     virtual void wake() = 0;
     /// Of the next line that it asks for.
     virtual StreamLines::Position position() const = 0;
+    /// How much of each event it wants; does not change.
+    virtual Extent extent() const = 0;
     virtual void disconnect() = 0;
 
 protected:
@@ -46,6 +49,8 @@ public:
 private:
     void drain();
     std::deque<Change> takeChanges();
+    StreamLineTexts textsOf(const Change& change) const;
+    std::size_t& followersOf(Extent extent) { return followers[static_cast<std::size_t>(extent)]; }
     void deliver();
     void beat();
     void disconnectAll();
@@ -59,6 +64,7 @@ private:
     Metrics& metrics;
     // I/O thread only.
     std::set<std::shared_ptr<IStreamClient>> clients;
+    std::array<std::size_t, 2> followers{};  ///< of these, by extent
     StreamLines recent{maxBytes};
     boost::asio::steady_timer heartbeat;
     bool beating = false;

@@ -10,19 +10,18 @@ constexpr std::size_t overhead = 128;  ///< bytes of a line besides its text
 
 }  // namespace
 
-void StreamLines::add(ChangeType type, std::string text) {
-    text.shrink_to_fit();  // what counts is what it takes
-    bytes += text.size() + overhead;
-    lines.push_back({type, std::make_shared<const std::string>(std::move(text))});
+void StreamLines::add(ChangeType type, StreamLineTexts texts) {
+    bytes += sizeOf(texts);
+    lines.push_back({type, std::move(texts)});
     while (bytes > maxBytes)
         drop();
 }
 
-StreamLine StreamLines::next(Position& position, const StreamTypes& types) const {
+StreamLine StreamLines::next(Position& position, const StreamWish& wish) const {
     while (position < end()) {
-        const Line& line = lines[position++ - first];
-        if (line.type == ChangeType::alive || types.contains(line.type))
-            return line.text;
+        const auto& [type, texts] = lines[position++ - first];
+        if (type == ChangeType::alive || wish.contains(type))
+            return wish.extent() == Extent::brief ? texts.brief : texts.whole;
     }
     return nullptr;
 }
@@ -32,8 +31,17 @@ void StreamLines::dropBefore(Position position) {
         drop();
 }
 
+std::size_t StreamLines::sizeOf(const StreamLineTexts& texts) {
+    std::size_t size = overhead;
+    if (texts.whole)
+        size += texts.whole->size();
+    if (texts.brief && texts.brief != texts.whole)
+        size += texts.brief->size();
+    return size;
+}
+
 void StreamLines::drop() {
-    bytes -= lines.front().text->size() + overhead;
+    bytes -= sizeOf(lines.front().texts);
     lines.pop_front();
     ++first;
 }

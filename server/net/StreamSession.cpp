@@ -30,10 +30,10 @@ StreamSession::StreamSession(ClientStream from, const asio::ip::address& client,
 }
 
 void StreamSession::accept(beast::http::request<beast::http::string_body> upgrade,
-                           StreamTypes wanted, AccessControl::Admission admitted) {
+                           StreamWish wanted, AccessControl::Admission admitted) {
     admission = std::move(admitted);
     request = std::move(upgrade);
-    types = wanted;
+    wish = wanted;
     // Before the client learns that it is accepted: what it reads of the list from then on and
     // what it is told must leave no gap.
     next = context->hub.join(shared_from_this());
@@ -77,7 +77,7 @@ void StreamSession::read() {
 void StreamSession::wake() {
     if (!accepted || line)
         return;
-    line = context->hub.lines().next(next, types);
+    line = context->hub.lines().next(next, wish);
     if (line)
         write();
 }

@@ -24,9 +24,10 @@ public:
                   std::shared_ptr<SessionContext> context);
 
     void accept(boost::beast::http::request<boost::beast::http::string_body> request,
-                StreamTypes types, AccessControl::Admission admitted);
+                StreamWish wanted, AccessControl::Admission admitted);
     void wake() override;
     StreamLines::Position position() const override { return next; }
+    Extent extent() const override { return wish.extent(); }
     void disconnect() override;
     void close() override;
     void abort() override { disconnect(); }
@@ -45,7 +46,7 @@ private:
     AccessControl::Admission admission;
     boost::asio::steady_timer admissionCheck;
     boost::beast::flat_buffer received;
-    StreamTypes types;
+    StreamWish wish;
     StreamLines::Position next = 0;
     std::uint64_t sequence = 0;  ///< of the lines that this client was sent
     StreamLine line;             ///< being written; null: none

@@ -127,16 +127,20 @@ TEST_F(ConnectionsTest, MemoryGoesToThoseWhoGetOn) {
 
 TEST(StreamLines, AreKeptOnceAndOfTheirTypes) {
     StreamLines lines(1000);
-    const StreamTypes types = *StreamTypes::parse("/api/stream?types=raised");
+    const StreamWish types = *StreamWish::parse("/api/stream?types=raised");
+    const auto same = [](std::string text) -> StreamLineTexts {
+        const auto line = std::make_shared<const std::string>(std::move(text));
+        return {line, line};
+    };
     StreamLines::Position quick = lines.end();
     const StreamLines::Position slow = quick;
     for (int i = 0; i < 10; ++i) {
-        lines.add(i % 2 == 0 ? ChangeType::raised : ChangeType::log, std::string(100, 'x'));
+        lines.add(i % 2 == 0 ? ChangeType::raised : ChangeType::log, same(std::string(100, 'x')));
         EXPECT_EQ(lines.next(quick, types) != nullptr, i % 2 == 0);
     }
     EXPECT_EQ(quick, lines.end());
     EXPECT_LT(slow, lines.begin()) << "it has lost its place";
-    lines.add(ChangeType::alive, "y");
+    lines.add(ChangeType::alive, same("y"));
     EXPECT_EQ(*lines.next(quick, types), "y") << "of every type";
     lines.dropBefore(quick);
     EXPECT_EQ(lines.begin(), lines.end());

@@ -71,7 +71,7 @@ function openAgain() {
 function open() {
   if (socket)
     return;
-  const mine = new WebSocket(`${location.origin.replace(/^http/, "ws")}/api/stream`);
+  const mine = new WebSocket(`${location.origin.replace(/^http/, "ws")}/api/stream?brief=1`);
   const giveUp = setTimeout(() => mine.readyState === WebSocket.CONNECTING && end(), patience);
   const end = () => {
     if (socket !== mine)

@@ -1,8 +1,7 @@
-#include "server/net/StreamTypes.h"
+#include "server/net/StreamWish.h"
 
 #include "server/http/Response.h"
 #include "server/http/Target.h"
-#include "server/json/EventJson.h"
 
 namespace hmi {
 
@@ -18,10 +17,12 @@ std::optional<std::size_t> indexOf(std::string_view name) {
 
 }  // namespace
 
-std::optional<StreamTypes> StreamTypes::parse(std::string_view target) try {
+std::optional<StreamWish> StreamWish::parse(std::string_view target) try {
     const Query query = Target::parse(target).query;
-    query.allowOnly({"types"});
-    StreamTypes parsed;
+    query.allowOnly({"types", "brief"});
+    StreamWish parsed;
+    if (query.flag("brief"))
+        parsed.wanted = Extent::brief;
     const std::string* const wanted = query.find("types");
     if (!wanted) {
         parsed.types.set();
