@@ -2,8 +2,8 @@
 import { byId, setText } from "./dom.js";
 import { needsConfirmation } from "./event.js";
 import { keep, kept } from "./storage.js";
-import { counts, onCounts } from "./situation.js";
-import { onChange } from "./stream.js";
+import { counts, countsAskedAt, onCounts } from "./situation.js";
+import { link, onChange } from "./stream.js";
 import { label } from "./words.js";
 
 /** By severity: pitches in Hz of the beeps, and ms from one call to the next. */
@@ -16,9 +16,14 @@ const calls = [
 ];
 const beepLength = 0.16;  // s
 const mostRinging = 1000;
+const catchUp = 10000;    // ms, after a time in which we may have missed something
 
-/** Alarms that ring, with their severities. @type {Map<number | string, number>} */
+/** Alarms that ring. @type {Map<number | string, {severity: number, since: number}>} */
 const ringing = new Map();
+/** Of how many unconfirmed ones we know, by severity. @type {number[] | null} */
+let known = null;
+let knownAt = 0;
+let missedAt = -Infinity;
 /** @type {AudioContext | null} */
 let sound = null;
 /** @type {ReturnType<typeof setTimeout> | undefined} */
@@ -73,41 +78,66 @@ export function silence() {
 
 /** @param {number | string} id */
 function forget(id) {
-  many[ringing.get(id) ?? 0] -= ringing.has(id) ? 1 : 0;
+  const { severity } = ringing.get(id) ?? { severity: 0 };
+  many[severity] -= ringing.has(id) ? 1 : 0;
   ringing.delete(id);
 }
 
-/** @param {import("../types.js").HmiEvent} event @param {boolean} rings */
+/** @param {{id: number | string, severity: number}} event @param {boolean} rings */
 function note({ id, severity }, rings) {
   forget(id);
   if (!rings || (ringing.size >= mostRinging && severity <= loudest()))
     return;
   if (ringing.size >= mostRinging)
     forget(/** @type {number} */ (ringing.keys().next().value));
-  ringing.set(id, severity);
+  ringing.set(id, { severity, since: performance.now() });
   many[severity] += 1;
 }
 
-/** @param {import("../types.js").Change} change */
-function hear({ type, event }) {
-  if (!event || event.kind !== "alarm")
-    return;
-  const before = loudest();
-  const rings = needsConfirmation(event) && event.severity >= 1 && event.severity <= 4;
-  if (!rings || type === "removed" || type === "forgotten")
-    note(event, false);
-  else if (type === "raised")
-    note(event, true);
+/** @param {number} before the loudest, before something changed */
+function changed(before) {
   if (loudest() > before || (loudest() > 0 && next === undefined))
     ring();
   if (loudest() !== before)
     show();
 }
 
-/** What rang may have been confirmed while we heard nothing. */
+/** @param {import("../types.js").Change} change */
+function hear({ type, event }) {
+  if (type === "missed" || type === "reset")
+    missedAt = performance.now();
+  if (!event || event.kind !== "alarm")
+    return;
+  const before = loudest();
+  const rings = needsConfirmation(event) && event.severity >= 1 && event.severity <= 4;
+  if (!rings || type === "removed" || type === "forgotten")
+    note(event, false);
+  else if (type === "raised") {
+    note(event, true);
+    if (known)
+      known[event.severity] += 1;
+  }
+  changed(before);
+}
+
+/** What rang may have been confirmed while we heard nothing, and others raised. */
 function checkCounts() {
-  if (ringing.size > 0 && counts()?.unconfirmed.every((count) => count === 0))
-    silence();
+  if (knownAt === countsAskedAt())
+    return;
+  knownAt = countsAskedAt();
+  const before = loudest();
+  const now = counts()?.unconfirmed ?? [];
+  for (const [id, { severity, since }] of ringing) {
+    if (now[severity] === 0 && since < knownAt)
+      forget(id);
+  }
+  const isCatchingUp = performance.now() - missedAt < catchUp;
+  for (let severity = 1; severity < now.length; ++severity) {
+    if (isCatchingUp && known && now[severity] > known[severity])
+      note({ id: `missed ${severity}`, severity }, true);
+  }
+  known = [...now];
+  changed(before);
 }
 
 /** The browser lets a page be heard after somebody has pressed something. */
@@ -131,6 +161,7 @@ export function start() {
   byId("silenceHorn").addEventListener("click", silence);
   onChange(hear);
   onCounts(checkCounts);
+  link.onChange(({ state }) => { missedAt = state === "connected" ? performance.now() : missedAt; });
   if (!isWanted() || !("AudioContext" in window))
     return show();
   sound = new AudioContext();

@@ -11,6 +11,7 @@ const floodInterval = 10000;
 let known = new Map();
 /** @type {import("../types.js").Counts | null} */
 let counted = null;
+let countedAt = 0;
 let flooded = { flood: false, rate: 0 };
 /** @type {Set<() => void>} */
 const targetListeners = new Set();
@@ -19,6 +20,8 @@ const countListeners = new Set();
 
 export const targets = () => [...known.values()];
 export const counts = () => counted;
+/** What has happened since then they may not know yet; as performance.now(). */
+export const countsAskedAt = () => countedAt;
 /** `rate`: alarms within the last ten minutes. */
 export const flood = () => flooded;
 
@@ -38,8 +41,10 @@ export function onCounts(listener) {
 const orNothing = (asked) => asked.catch(() => null);
 
 const loadCounts = throttled(async () => {
+  const askedAt = performance.now();
   const answer = await orNothing(api.events({ counts: 1, limit: 0, lastKnown: 1 }));
-  counted = answer?.counts ?? counted;
+  if (answer?.counts)
+    [counted, countedAt] = [answer.counts, askedAt];
   countListeners.forEach((listener) => listener());
 }, () => countPause);
 

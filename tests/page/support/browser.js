@@ -35,13 +35,15 @@ async function serveFromDisk(context, folder) {
 
 /**
  * A page of its own; `errors` collects what it complains of. `options` as playwright's newContext:
- * viewport, locale, colorScheme, forcedColors, reducedMotion ...
+ * viewport, locale, colorScheme, forcedColors, reducedMotion ...; `prepare` runs in the page first.
  */
-export async function openPage(server, path = "/", options = {}) {
+export async function openPage(server, path = "/", { prepare, ...options } = {}) {
   const context = await (await launched()).newContext({
     viewport: { width: 1366, height: 768 }, locale: "en-US", timezoneId: "Europe/Berlin",
     acceptDownloads: true, ...options,
   });
+  if (prepare)
+    await context.addInitScript(prepare);
   context.setDefaultTimeout(30000);
   if (process.env.HMI_PAGE)
     await serveFromDisk(context, process.env.HMI_PAGE);
