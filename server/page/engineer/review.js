@@ -57,14 +57,14 @@ async function apply(api, { path, value }) {
  */
 export function review(api, change) {
   const go = element("button",
-    { type: "button", textContent: label("applyChange"), disabled: true });
+    { type: "button", className: "main", textContent: label("applyChange"), disabled: true });
   const no = element("button", { type: "button", textContent: label("giveUp") });
   const title = element("h2", { id: "reviewTitle", textContent: label("reviewTitle") });
   const found = element("div", { role: "status" }, label("checking"));
   const told = element("p", { className: "change" },
     element("code", {}, foreign(changeText(change))));
   const dialog = element("dialog", { className: "review", "aria-labelledby": title.id }, title,
-    told, found, element("div", { className: "buttons" }, go, no));
+    told, found, element("div", { className: "choices" }, no, go));
   document.body.append(dialog);
   dialog.showModal();
   check(api, change).then(({ isGood, parts }) => {

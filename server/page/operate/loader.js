@@ -5,6 +5,7 @@ import { isFiltered, listQuery, pageSize } from "./choices.js";
 /** @typedef {import("./row.js").Item} Item */
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
 /** @typedef {import("../types.js").Group} Group */
+/** @typedef {(event: HmiEvent) => string} KeyOf */
 
 /** @param {Group} group @returns {Item} */
 const itemOfGroup = (group) => ({
@@ -13,6 +14,10 @@ const itemOfGroup = (group) => ({
   group,
 });
 
+/** An event that is alone stands for itself. @param {Group} group @param {KeyOf} keyOf */
+const itemOfOneOrMore = (group, keyOf) =>
+  group.count === 1 ? itemOf(group.newest, keyOf(group.newest)) : itemOfGroup(group);
+
 /** @param {HmiEvent} event @param {string} key @returns {Item} */
 const itemOf = (event, key) => ({ key, event });
 
@@ -20,7 +25,7 @@ const itemOf = (event, key) => ({ key, event });
  * @param {import("./choices.js").Choices} choices
  * @param {string} locale
  * @param {boolean} isGrouped
- * @param {(event: HmiEvent) => string} keyOf
+ * @param {KeyOf} keyOf
  * @param {AbortSignal} signal
  * @returns {Promise<{items: Item[], total: number, hidden: number}>}
  */
@@ -29,7 +34,7 @@ export async function load(choices, locale, isGrouped, keyOf, signal) {
     api.request(`/api/events?${api.query(listQuery(choices, locale, isGrouped))}`, { signal }),
     isFiltered(choices) ? api.events({ limit: 0, lastKnown: 1, gaps: 1 }, signal) : null,
   ]);
-  const items = page.groups?.map(itemOfGroup) ??
+  const items = page.groups?.map((/** @type {Group} */ group) => itemOfOneOrMore(group, keyOf)) ??
     page.events.map((/** @type {HmiEvent} */ event) => itemOf(event, keyOf(event)));
   const shown = page.groups ? page.events : page.total;
   return { items, total: page.total, hidden: all ? Math.max(0, all.total - shown) : 0 };

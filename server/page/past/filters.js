@@ -57,7 +57,7 @@ export function createFilters({ address, targets }, onChange) {
     named("pastTarget", choice("target", value("target"), orAll([...known], ""))),
     named("pastKind", choice("kind", value("kind"), orAll(kinds, "kind_"))),
     named("pastChange", choice("change", value("change"), orAll(changes, "pastChange_"))),
-    named("pastSeverity",
+    named("severityFrom",
       choice("severity", value("severity"), orAll(["4", "3", "2", "1"], "severity"))),
     named("pastText", text));
   range.hidden = period.value !== "range";

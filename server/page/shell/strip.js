@@ -32,7 +32,10 @@ function showCounts({ unconfirmed, active, oldestUnconfirmed }) {
   for (const { severity, tile, waiting, standing } of tiles) {
     const count = countOf(unconfirmed, severity);
     setText(waiting, number(count));
-    setText(standing, number(countOf(active, severity)));
+    const still = countOf(active, severity);
+    setText(standing, number(still));
+    tile.title = [label(`severity${severity}`), label("countUnconfirmed", number(count)),
+      label("countActive", number(still))].join(", ");
     tile.classList.toggle("some", count > 0);
   }
   const all = unconfirmed.reduce((sum, count) => sum + count, 0);

@@ -40,10 +40,10 @@ function thinned(series, room) {
   return kept;
 }
 
-/** A round number from `value` up. @param {number} value */
+/** A round number from `value` up, whose half is round as well. @param {number} value */
 function roundUp(value) {
   const power = 10 ** Math.floor(Math.log10(value));
-  return [1, 1.5, 2, 3, 5, 10].map((step) => step * power).find((step) => step >= value) ?? value;
+  return [1, 2, 4, 6, 10].map((step) => step * power).find((step) => step >= value) ?? value;
 }
 
 const minute = new Intl.DateTimeFormat(undefined,

@@ -64,7 +64,7 @@ for (const viewport of [{ width: 1366, height: 768 }, { width: 390, height: 844 
     for (const view of ["understand", "past", "engineer", "engineer&part=log", "engineer&part=configuration",
       "engineer&part=simulator"]) {
       await page.goto(`${server.address}/?view=${view}`);
-      await page.locator("main :is(h2, th)").first().waitFor();
+      await page.locator("main :is(h2, th):visible").first().waitFor();
       await assertFits(page, `${view} at ${viewport.width}`);
     }
     const found = await page.evaluate(() =>

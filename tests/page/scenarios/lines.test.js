@@ -24,6 +24,7 @@ test("a target system is lost and comes back", async () => {
   await server.sim(filler, raise("level", 1), raise("stop", 2));
   await server.sim(packer, raise("valve", 4));
   const known = await rowsWhen(page, (shown) => shown.length === 3, "three alarms");
+  const place = await page.locator("main tbody").boundingBox();
   await server.sim(filler, { do: "refuse", hresult: "0x98110745" }, { do: "drop" });
   await rowsWhen(page, (shown) =>
     shown.filter(({ confirmable }) => confirmable).length === 1, "nobody can confirm what is not known");
@@ -32,6 +33,7 @@ test("a target system is lost and comes back", async () => {
   for (const { title } of known)
     assert.ok(shown.includes(title), `${title} stays`);
   await eventually(async () => /1 lost/.test(await textOf(page, "#targetsLine")), "the strip says so");
+  assert.equal((await page.locator("main tbody").boundingBox()).y, place.y, "the list stays where it is");
   await page.locator("#targets summary").click();
   assert.match(await textOf(page, "#targetsAll"), /Filler.*lost/is);
   await assertAccessible(page, "a target system is lost");

@@ -14,7 +14,7 @@ export const words = {
   pastChange_gap: "Lücke", pastChange_confirmation: "Quittierung", pastChange_audit: "Handlung",
   past_requested: "angefordert", past_accepted: "von der Steuerung angenommen",
   past_confirmed: "von der Steuerung bestätigt", past_failed: "fehlgeschlagen",
-  past_unanswered: "keine Antwort", pastSeverity: "Schwere ab", pastText: "Suche",
+  past_unanswered: "keine Antwort", severityFrom: "Priorität ab", pastText: "Suche",
   pastAt: "Zeit", pastEvent: "Ereignis", pastBy: "Von, Bemerkung", pastNewer: "Neuere",
   pastOlder: "Ältere", pastAgain: "Neu laden", pastCsv: "Exportieren (CSV)",
   life: "Was mit ihm geschah", lifeLoading: "Wird geladen …", closeLife: "Schließen",

@@ -13,7 +13,7 @@ export const words = {
   pastChange_confirmation: "confirmation", pastChange_audit: "done by somebody",
   past_requested: "asked for", past_accepted: "taken by the controller",
   past_confirmed: "confirmed by the controller", past_failed: "failed",
-  past_unanswered: "no answer", pastSeverity: "Severity from", pastText: "Search",
+  past_unanswered: "no answer", severityFrom: "Priority from", pastText: "Search",
   pastAt: "Time", pastEvent: "Event", pastBy: "By, remark", pastNewer: "Newer",
   pastOlder: "Older", pastAgain: "Load again", pastCsv: "Export (CSV)",
   life: "What happened to it", lifeLoading: "Loading …", closeLife: "Close",

@@ -15,7 +15,7 @@ export const words = {
   pastChange_confirmation: "confirmación", pastChange_audit: "acción",
   past_requested: "solicitada", past_accepted: "aceptada por el controlador",
   past_confirmed: "confirmada por el controlador", past_failed: "fallida",
-  past_unanswered: "sin respuesta", pastSeverity: "Gravedad desde", pastText: "Buscar",
+  past_unanswered: "sin respuesta", severityFrom: "Prioridad desde", pastText: "Buscar",
   pastAt: "Hora", pastEvent: "Evento", pastBy: "Por, nota", pastNewer: "Más recientes",
   pastOlder: "Más antiguos", pastAgain: "Volver a cargar", pastCsv: "Exportar (CSV)",
   life: "Qué le ocurrió", lifeLoading: "Cargando …", closeLife: "Cerrar",

@@ -14,7 +14,7 @@ export const words = {
   pastChange_gap: "lacune", pastChange_confirmation: "acquittement", pastChange_audit: "action",
   past_requested: "demandé", past_accepted: "accepté par l’automate",
   past_confirmed: "confirmé par l’automate", past_failed: "échec",
-  past_unanswered: "sans réponse", pastSeverity: "Gravité à partir de", pastText: "Recherche",
+  past_unanswered: "sans réponse", severityFrom: "Priorité à partir de", pastText: "Recherche",
   pastAt: "Heure", pastEvent: "Événement", pastBy: "Par, remarque", pastNewer: "Plus récents",
   pastOlder: "Plus anciens", pastAgain: "Recharger", pastCsv: "Exporter (CSV)",
   life: "Ce qui lui est arrivé", lifeLoading: "Chargement …", closeLife: "Fermer",

@@ -13,7 +13,7 @@ export const words = {
   pastChange_updated: "modificato", pastChange_message: "messaggio", pastChange_gap: "lacuna",
   pastChange_confirmation: "riconoscimento", pastChange_audit: "azione", past_requested: "richiesto",
   past_accepted: "accettato dal controllore", past_confirmed: "riconosciuto dal controllore",
-  past_failed: "non riuscito", past_unanswered: "senza risposta", pastSeverity: "Gravità da",
+  past_failed: "non riuscito", past_unanswered: "senza risposta", severityFrom: "Priorità da",
   pastText: "Cerca", pastAt: "Ora", pastEvent: "Evento", pastBy: "Da, nota",
   pastNewer: "Più recenti", pastOlder: "Più vecchi", pastAgain: "Ricarica",
   pastCsv: "Esporta (CSV)", life: "Che cosa è successo", lifeLoading: "Caricamento …",

@@ -14,7 +14,7 @@ export const words = {
   pastChange_confirmation: "potwierdzenie", pastChange_audit: "działanie",
   past_requested: "zlecone", past_accepted: "przyjęte przez sterownik",
   past_confirmed: "potwierdzone przez sterownik", past_failed: "niepowodzenie",
-  past_unanswered: "brak odpowiedzi", pastSeverity: "Ważność od", pastText: "Szukaj",
+  past_unanswered: "brak odpowiedzi", severityFrom: "Priorytet od", pastText: "Szukaj",
   pastAt: "Czas", pastEvent: "Zdarzenie", pastBy: "Kto, uwaga", pastNewer: "Nowsze",
   pastOlder: "Starsze", pastAgain: "Wczytaj ponownie", pastCsv: "Eksportuj (CSV)",
   life: "Co się z nim działo", lifeLoading: "Wczytywanie …", closeLife: "Zamknij",

@@ -14,7 +14,7 @@ export const words = {
   pastChange_confirmation: "подтверждение", pastChange_audit: "действие",
   past_requested: "запрошено", past_accepted: "принято контроллером",
   past_confirmed: "подтверждено контроллером", past_failed: "не удалось",
-  past_unanswered: "нет ответа", pastSeverity: "Важность от", pastText: "Поиск", pastAt: "Время",
+  past_unanswered: "нет ответа", severityFrom: "Приоритет от", pastText: "Поиск", pastAt: "Время",
   pastEvent: "Событие", pastBy: "Кто, примечание", pastNewer: "Новее", pastOlder: "Старее",
   pastAgain: "Загрузить снова", pastCsv: "Экспорт (CSV)", life: "Что с ней происходило",
   lifeLoading: "Загрузка …", closeLife: "Закрыть",

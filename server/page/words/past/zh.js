@@ -10,7 +10,7 @@ export const words = {
   pastChange_updated: "更改", pastChange_message: "消息", pastChange_gap: "缺口",
   pastChange_confirmation: "确认", pastChange_audit: "操作", past_requested: "已请求",
   past_accepted: "控制器已接受", past_confirmed: "控制器已确认", past_failed: "失败", past_unanswered: "无应答",
-  pastSeverity: "严重性不低于", pastText: "搜索", pastAt: "时间", pastEvent: "事件", pastBy: "人员、备注",
+  severityFrom: "优先级不低于", pastText: "搜索", pastAt: "时间", pastEvent: "事件", pastBy: "人员、备注",
   pastNewer: "较新", pastOlder: "较旧", pastAgain: "重新加载", pastCsv: "导出（CSV）", life: "经历",
   lifeLoading: "正在加载…", closeLife: "关闭",
 };
