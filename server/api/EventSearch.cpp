@@ -112,23 +112,30 @@ EventSearch::Result EventSearch::found() const {
     for (EventRecordPtr& event : selected.events)
         result.hits.push_back({std::move(event), {}});
     addTexts(result);
-    if (!query.text.empty()) {
-        TextFinder finder(query.text);
-        std::erase_if(result.hits, [&](const Hit& hit) {
-            const bool isHit = contains(hit, finder);
-            result.textsPending += !isHit && query.isLocalized() && !hit.texts ? 1U : 0U;
-            return !isHit;
-        });
-    }
+    if (!query.text.empty())
+        dropOthers(result);
     result.total = result.hits.size();
     if (query.byName)
         sortByName(result.hits);
     return result;
 }
 
-bool EventSearch::contains(const Hit& hit, TextFinder& finder) {
-    const ZrHmiSrv::Event& event = hit.event->event();
-    if (finder.isIn(event.name().view()) || finder.isIn(event.payload()))
+/// Those that do not have the text. None goes before all have been looked at: the finder knows texts
+/// by their places.
+void EventSearch::dropOthers(Result& result) const {
+    TextFinder finder(query.text);
+    std::vector<bool> hasText;
+    hasText.reserve(result.hits.size());
+    for (const Hit& hit : result.hits) {
+        hasText.push_back(contains(hit, finder));
+        result.textsPending += !hasText.back() && query.isLocalized() && !hit.texts ? 1U : 0U;
+    }
+    std::size_t next = 0;
+    std::erase_if(result.hits, [&](const Hit&) { return !hasText[next++]; });
+}
+
+bool EventSearch::contains(const Hit& hit, TextFinder& finder) const {
+    if (finder.isInFolded(hit.event->searchText(searchTexts)))
         return true;
     return hit.texts &&
            (finder.isIn(hit.texts->text.view()) || finder.isIn(hit.texts->parameters));

@@ -27,8 +27,12 @@ public:
     };
 
     EventSearch(EventQuery query, const EventBook& book, const TargetBook& targets,
-                EventTextService& service)
-        : query(std::move(query)), book(book), targets(targets), service(service) {}
+                EventTextService& service, SearchTexts& searchTexts)
+        : query(std::move(query)),
+          book(book),
+          targets(targets),
+          service(service),
+          searchTexts(searchTexts) {}
 
     /// The page that was asked for. A text is looked for in what a row shows and in the event's
     /// other text parameters, without regard to case; in localized texts as far as they are known.
@@ -42,7 +46,8 @@ public:
 private:
     Result events(std::size_t first, std::size_t size) const;
     Result found() const;
-    static bool contains(const Hit& hit, TextFinder& finder);
+    void dropOthers(Result& result) const;
+    bool contains(const Hit& hit, TextFinder& finder) const;
     void sortByName(std::vector<Hit>& hits) const;
     bool isBefore(const Hit& a, const Hit& b) const;
 
@@ -50,6 +55,7 @@ private:
     const EventBook& book;
     const TargetBook& targets;
     EventTextService& service;
+    SearchTexts& searchTexts;
 };
 
 }  // namespace hmi

@@ -82,7 +82,7 @@ void EventsResource::addRoutes(Router& router) {
 Response EventsResource::list(const Request& request) {
     const Query& query = request.target.query;
     const EventQuery asked(query, {"counts", "group", "brief"}, usualLimit);
-    const EventSearch search(asked, book, targets, texts);
+    const EventSearch search(asked, book, targets, texts, searchTexts);
     const Extent extent = query.flag("brief") ? Extent::brief : Extent::whole;
     std::string counts;
     if (query.flag("counts"))
@@ -145,7 +145,7 @@ Response EventsResource::table(const Request& request) {
     if (!query.find("wait"))
         asked.texts.wait = TextWish::maxWait;
     const auto found = std::make_shared<const EventSearch::Result>(
-        EventSearch(asked, book, targets, texts).page());
+        EventSearch(asked, book, targets, texts, searchTexts).page());
     std::string head(query.flag("bom") ? byteOrderMark : std::string_view());
     const std::size_t count = found->hits.size();
     Response response = LongText{

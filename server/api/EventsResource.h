@@ -33,6 +33,7 @@ private:
     const TargetBook& targets;
     ExtensionCalls& extension;
     EventTextService& texts;
+    SearchTexts searchTexts;
 };
 
 }  // namespace hmi

@@ -6,12 +6,21 @@
 
 namespace hmi {
 
-bool TextFinder::isIn(std::string_view text) {
+template <class Look>
+bool TextFinder::known(std::string_view text, Look look) {
     constexpr std::size_t alignment = 16;
     Known& known = lately[reinterpret_cast<std::uintptr_t>(text.data()) / alignment % lately.size()];
     if (known.text != text.data())
-        known = {text.data(), containsFolded(text, folded)};
+        known = {text.data(), look()};
     return known.contains;
+}
+
+bool TextFinder::isIn(std::string_view text) {
+    return known(text, [&] { return containsFolded(text, folded); });
+}
+
+bool TextFinder::isInFolded(std::string_view text) {
+    return known(text, [&] { return text.find(folded) != std::string_view::npos; });
 }
 
 bool TextFinder::isIn(const ZrHmiSrv::Value& parameters) {

@@ -17,10 +17,15 @@ public:
     explicit TextFinder(std::string folded) : folded(std::move(folded)) {}
 
     bool isIn(std::string_view text);
+    /// The same of a text that is folded already.
+    bool isInFolded(std::string_view text);
     /// In one of these parameters.
     bool isIn(const ZrHmiSrv::Value& parameters);
 
 private:
+    template <class Look>
+    bool known(std::string_view text, Look look);
+
     struct Known {
         const char* text = nullptr;
         bool contains = false;

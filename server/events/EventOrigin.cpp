@@ -11,10 +11,11 @@ using ZrHmiSrv::ValueType;
 
 namespace {
 
-std::string textOf(const Value& parameters, const char* name) {
+std::string_view textOf(const Value& parameters, const char* name) {
     const Value* const value = parameters.lookup(name);
-    return value && value->type() == ValueType::string ? toValidUtf8(value->get_string())
-                                                       : std::string();
+    return value && value->type() == ValueType::string
+               ? std::string_view(static_cast<const char*>(*value), value->size())
+               : std::string_view();
 }
 
 std::optional<std::uint32_t> numberOf(const Value& parameters, const char* name) {
@@ -27,31 +28,51 @@ std::optional<std::uint32_t> numberOf(const Value& parameters, const char* name)
                                        : std::nullopt;
 }
 
-std::string sourceOf(const Value& parameters) {
-    for (const char* const name : {"sourceName", "sourceGuid"}) {
-        if (std::string text = textOf(parameters, name); !text.empty())
-            return text;
-    }
-    const auto id = numberOf(parameters, "sourceId");
-    return id ? std::to_string(*id) : std::string();
-}
-
-}  // namespace
-
-std::size_t hash_value(const EventOrigin& origin) noexcept {
+template <class Origin>
+std::size_t hashOf(const Origin& origin) noexcept {
     std::size_t hash = 0;
-    for (const std::string* const part :
-         {&origin.target, &origin.name, &origin.eventClass, &origin.sourceName})
-        boost::hash_combine(hash, *part);
+    for (const std::string_view part :
+         {std::string_view(origin.target), std::string_view(origin.name),
+          std::string_view(origin.eventClass), std::string_view(origin.sourceName)})
+        boost::hash_combine(hash, part);
     boost::hash_combine(hash, origin.eventId.value_or(0));
     return hash;
 }
 
-EventOrigin originOf(const EventRecord& event) {
+}  // namespace
+
+EventOriginView::EventOriginView(const EventRecord& event)
+    : target(event.target),
+      name(event.event().name().view()),
+      eventClass(textOf(event.event().payload(), "eventClass")),
+      eventId(numberOf(event.event().payload(), "eventId")) {
     const Value& parameters = event.event().payload();
-    return {event.target, toValidUtf8(event.event().name().view()),
-            textOf(parameters, "eventClass"), numberOf(parameters, "eventId"),
-            sourceOf(parameters)};
+    for (const char* const mark : {"sourceName", "sourceGuid"}) {
+        sourceName = textOf(parameters, mark);
+        if (!sourceName.empty())
+            return;
+    }
+    if (const auto id = numberOf(parameters, "sourceId"))
+        sourceName = number = std::to_string(*id);
+}
+
+bool operator==(const EventOrigin& a, const EventOriginView& b) noexcept {
+    return a.eventId == b.eventId && a.sourceName == b.sourceName && a.name == b.name &&
+           a.eventClass == b.eventClass && a.target == b.target;
+}
+
+std::size_t hash_value(const EventOriginView& origin) noexcept {
+    return hashOf(origin);
+}
+
+std::size_t hash_value(const EventOrigin& origin) noexcept {
+    return hashOf(origin);
+}
+
+EventOrigin originOf(const EventRecord& event) {
+    const EventOriginView view(event);
+    return {event.target, toValidUtf8(view.name), toValidUtf8(view.eventClass), view.eventId,
+            toValidUtf8(view.sourceName)};
 }
 
 }  // namespace hmi

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "server/events/EventRecord.h"
 
@@ -21,6 +22,25 @@ struct EventOrigin {
     friend bool operator==(const EventOrigin&, const EventOrigin&) = default;
 };
 
+/// The same without copies, as the event holds it: not always UTF-8. Valid as long as the event.
+class EventOriginView {
+    std::string number;
+
+public:
+    explicit EventOriginView(const EventRecord& event);
+    EventOriginView(const EventOriginView&) = delete;
+    EventOriginView& operator=(const EventOriginView&) = delete;
+
+    std::string_view target;
+    std::string_view name;
+    std::string_view eventClass;
+    std::optional<std::uint32_t> eventId;
+    std::string_view sourceName;
+
+    friend bool operator==(const EventOrigin& a, const EventOriginView& b) noexcept;
+};
+
+std::size_t hash_value(const EventOriginView& origin) noexcept;
 std::size_t hash_value(const EventOrigin& origin) noexcept;
 
 EventOrigin originOf(const EventRecord& event);

@@ -13,6 +13,7 @@
 #include "host/Event.h"
 #include "server/events/Confirmation.h"
 #include "server/events/EventId.h"
+#include "server/events/SearchText.h"
 
 namespace hmi {
 
@@ -77,6 +78,10 @@ private:
 /// An event as the server keeps it. Immutable and shared between threads: a change of an event
 /// makes a new record.
 struct EventRecord : EventShape {
+private:
+    LazySearchText searched;  // first: a search looks at nothing else of most records
+
+public:
     /// `arrival` counts up over all records; a message is named by it. `ended`: the extension has
     /// ended the life of this alarm.
     EventRecord(EventContent content, std::uint64_t arrival, bool ended = false);
@@ -93,6 +98,10 @@ struct EventRecord : EventShape {
     std::size_t payloadHash() const;
     /// Of messages: equal for those that are the same to the extension.
     std::size_t contentHash() const;
+    /// What a search looks through.
+    const std::string& searchText(SearchTexts& texts) const {
+        return searched.get([this]() -> const auto& { return event(); }, texts);
+    }
 
     // Set before the record is shared.
     ConfirmationPtr confirmation = {};  ///< null until somebody asks for it

@@ -40,6 +40,27 @@ protected:
     Router router;
 };
 
+TEST_F(EventListTest, FindsWhatAnEventSaysNow) {
+    fill(3);
+    const auto found = [&](const std::string& text) {
+        Request request;
+        request.target = Target::parse("/api/events?text=" + text);
+        const std::string& body = router.find(request).handler(request).body;
+        return body.substr(0, body.find(','));
+    };
+    EXPECT_EQ(found("PACK"), "{\"total\":2");
+    ZrHmiSrv::Alarm alarm;
+    alarm.set_id(1);
+    alarm.set_name("LEVEL");
+    alarm.payload().insert("targetName", "Stra\xc3\x9f" "e");
+    book.update(alarm);
+    EXPECT_EQ(found("pack"), "{\"total\":1");
+    EXPECT_EQ(found("STRASSE"), "{\"total\":1");
+    EXPECT_EQ(found("level"), "{\"total\":1");
+    EXPECT_EQ(found("levels"), "{\"total\":0") << "no text begins where another ends";
+    EXPECT_EQ(found("filler"), "{\"total\":1");
+}
+
 TEST_F(EventListTest, TakesLittleMemoryHoweverLongItIs) {
     constexpr std::ptrdiff_t most = 16 << 20;
     fill(100'000);
