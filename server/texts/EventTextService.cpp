@@ -28,29 +28,29 @@ EventTextService::EventTextService(Localize given, WorkerLanes& lanes, IChangeSi
 std::vector<TextsPtr> EventTextService::get(std::span<const EventRecordPtr> events,
                                             const std::string& locale,
                                             std::chrono::milliseconds wait) {
-    const auto end = Clock::now() + wait;
+    const auto now = Clock::now();
+    const auto end = now + wait;
     std::vector<TextsPtr> texts(events.size());
     std::vector<std::size_t> places;
     std::vector<TextKey> missing;
     for (std::size_t i = 0; i < events.size(); ++i) {
         TextKey key{events[i], locale};
-        {
-            Lock lock(mutex);
-            texts[i] = known.find(key, Clock::now());
-            ++(texts[i] ? hits : misses);
-        }
+        texts[i] = known.find(key, now);
         if (texts[i] || missing.size() == maxAsked)
             continue;
         places.push_back(i);
         missing.push_back(std::move(key));
     }
+    const auto unknown =
+        static_cast<std::uint64_t>(std::count(texts.begin(), texts.end(), nullptr));
+    misses += unknown;
+    hits += texts.size() - unknown;
     if (missing.empty())
         return texts;
     const auto batch = std::make_shared<Batch>();
     for (const TextKey& key : join(missing, batch))
         start(key);
     await(*batch, end);
-    Lock lock(mutex);
     for (std::size_t i = 0; i < missing.size(); ++i)
         texts[places[i]] = known.find(missing[i], Clock::now());
     return texts;
@@ -63,7 +63,7 @@ std::vector<TextKey> EventTextService::join(std::span<const TextKey> missing,
     Lock lock(mutex);
     for (const TextKey& key : missing) {
         const auto [fetch, isNew] =
-            fetches.try_emplace(key, Fetch{known.generationOf(key.event->target), {}});
+            fetches.try_emplace(key, Fetch{known.generationOf(key), {}});
         fetch->second.readers.push_back(batch);
         ++batch->outstanding;
         if (isNew)
@@ -117,9 +117,7 @@ void EventTextService::finish(const TextKey& key, TextsPtr texts) {
     const auto until = isGood ? Clock::time_point::max() : Clock::now() + retryTime;
     Lock lock(mutex);
     ++(isGood ? succeeded : failed);
-    const bool isValid = known.generationOf(key.event->target) == fetches.at(key).generation;
-    if (isValid)
-        known.put(key, std::move(texts), until);
+    const bool isValid = known.put(key, std::move(texts), until, fetches.at(key).generation);
     const bool isAwaited = release(key);
     lock.unlock();
     if (isAwaited && (isGood || !isValid))
@@ -158,8 +156,8 @@ bool EventTextService::post(const Change& change) noexcept {
 }
 
 void EventTextService::forget(const std::string& target) {
-    Lock lock(mutex);
     known.forget(target);
+    Lock lock(mutex);
     hushed.erase(target);
 }
 

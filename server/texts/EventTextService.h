@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -75,13 +76,13 @@ private:
 
     const Localize localize;
     WorkerLanes& lanes;
-    mutable Mutex mutex;  ///< guards all below; nothing is called under it
+    TextCache known{32'768};
+    std::atomic<std::uint64_t> hits = 0;
+    std::atomic<std::uint64_t> misses = 0;
+    mutable Mutex mutex;  ///< guards all below; nothing but the cache is called under it
     std::condition_variable_any changed;
-    TextCache known GUARDED_BY(mutex){32'768};
     std::unordered_map<TextKey, Fetch, boost::hash<TextKey>> fetches GUARDED_BY(mutex);
     std::map<std::string, Clock::time_point> hushed GUARDED_BY(mutex);  ///< until then not asked
-    std::uint64_t hits GUARDED_BY(mutex) = 0;
-    std::uint64_t misses GUARDED_BY(mutex) = 0;
     std::uint64_t succeeded GUARDED_BY(mutex) = 0;
     std::uint64_t failed GUARDED_BY(mutex) = 0;
     std::uint64_t postponed GUARDED_BY(mutex) = 0;

@@ -23,30 +23,67 @@ std::size_t hash_value(const TextKey& key) noexcept {
     return hash;
 }
 
+/// Of the part, by other bits of the hash than those that the part's table goes by.
+std::size_t TextCache::placeOf(const TextKey& key) noexcept {
+    std::size_t mixed = hash_value(key);
+    boost::hash_combine(mixed, parts);
+    return (mixed >> 32) % parts;
+}
+
 TextsPtr TextCache::find(const TextKey& key, Clock::time_point now) {
-    auto& byKey = entries.get<1>();
+    Part& part = all[placeOf(key)];
+    Lock lock(part.mutex);
+    auto& byKey = part.entries.get<1>();
     const auto found = byKey.find(key);
-    if (found == byKey.end())
-        return nullptr;
-    if (found->until <= now || found->generation != generationOf(key.event->target)) {
-        byKey.erase(found);
-        return nullptr;
+    const bool isThere = found != byKey.end();
+    if (isThere && now < found->until &&
+        found->generation == part.generationOf(key.event->target)) {
+        part.entries.relocate(part.entries.begin(), part.entries.project<0>(found));
+        return found->texts;
     }
-    entries.relocate(entries.begin(), entries.project<0>(found));
-    return found->texts;
+    if (isThere)
+        byKey.erase(found);
+    return nullptr;
 }
 
-void TextCache::put(TextKey key, TextsPtr texts, Clock::time_point until) {
-    const std::uint64_t generation = generationOf(key.event->target);
-    entries.get<1>().erase(key);
-    entries.push_front({std::move(key), std::move(texts), until, generation});
-    if (entries.size() > capacity)
-        entries.pop_back();
+bool TextCache::put(TextKey key, TextsPtr texts, Clock::time_point until,
+                    std::uint64_t generation) {
+    Part& part = all[placeOf(key)];
+    Lock lock(part.mutex);
+    if (generation != part.generationOf(key.event->target))
+        return false;
+    part.entries.get<1>().erase(key);
+    part.entries.push_front({std::move(key), std::move(texts), until, generation});
+    if (part.entries.size() > capacityOfPart)
+        part.entries.pop_back();
+    return true;
 }
 
-std::uint64_t TextCache::generationOf(const std::string& target) const {
+void TextCache::forget(const std::string& target) {
+    for (Part& part : all) {
+        Lock lock(part.mutex);
+        ++part.generations[target];
+    }
+}
+
+std::uint64_t TextCache::generationOf(const TextKey& key) const {
+    const Part& part = all[placeOf(key)];
+    Lock lock(part.mutex);
+    return part.generationOf(key.event->target);
+}
+
+std::uint64_t TextCache::Part::generationOf(const std::string& target) const {
     const auto found = generations.find(target);
     return found == generations.end() ? 0 : found->second;
+}
+
+std::size_t TextCache::size() const {
+    std::size_t size = 0;
+    for (const Part& part : all) {
+        Lock lock(part.mutex);
+        size += part.entries.size();
+    }
+    return size;
 }
 
 }  // namespace hmi
