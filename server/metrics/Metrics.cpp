@@ -26,21 +26,27 @@ double number(std::uint64_t count) {
 
 }  // namespace
 
-std::uint64_t& Metrics::logCounter(std::string name, std::string target) {
-    const std::pair key(std::move(name), std::move(target));
-    const auto found = logMessages.find(key);
-    if (found != logMessages.end())
-        return found->second;
-    if (logMessages.size() >= maxNames)
-        return logMessages[{"other", ""}];
-    return logMessages[key];
+std::uint64_t& Metrics::logCounter(std::string_view name, std::string_view target) {
+    const auto ofTarget = logMessages.find(target);
+    if (ofTarget != logMessages.end()) {
+        const auto found = ofTarget->second.find(name);
+        if (found != ofTarget->second.end())
+            return found->second;
+    }
+    if (logNames >= maxNames)
+        return logMessages[""]["other"];
+    ++logNames;
+    return logMessages[std::string(target)][std::string(name)];
 }
 
 void Metrics::countLogMessage(const ZrHmiSrv::Message& message) {
     targets.countLogMessage(message);
     const ZrHmiSrv::Value* const about = message.parameters().lookup("0");
+    const bool isText = about && about->type() == ZrHmiSrv::ValueType::string;
     Lock lock(mutex);
-    ++logCounter(std::string(message.name().view()), about ? about->get_string() : std::string());
+    ++logCounter(message.name().view(),
+                 isText ? std::string_view(static_cast<const char*>(*about), about->size())
+                        : std::string_view());
 }
 
 std::string Metrics::text() const {
@@ -71,8 +77,9 @@ std::string Metrics::text() const {
     targets.write(text);
     Lock lock(mutex);
     text.family("hmi_log_messages_total", "counter", "Messages written to the log, by name.");
-    for (const auto& [key, count] : logMessages)
-        text.sample({{"name", key.first}, {"target", key.second}}, number(count));
+    for (const auto& [target, counts] : logMessages)
+        for (const auto& [name, count] : counts)
+            text.sample({{"name", name}, {"target", target}}, number(count));
     return text.text();
 }
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <utility>
+#include <string_view>
 
 #include "host/Event.h"
 #include "platform/Mutex.h"
@@ -48,7 +48,7 @@ public:
     TargetMetrics targets;
 
 private:
-    std::uint64_t& logCounter(std::string name, std::string target) REQUIRES(mutex);
+    std::uint64_t& logCounter(std::string_view name, std::string_view target) REQUIRES(mutex);
 
     std::array<std::atomic<std::uint64_t>, slots> hostCalls{};
     std::array<std::atomic<std::uint64_t>, 6> requests{};  ///< by the hundreds of their status
@@ -61,7 +61,10 @@ private:
     std::atomic<std::int64_t> streamClients = 0;
     std::atomic<std::uint64_t> slowClients = 0;
     mutable Mutex mutex;  ///< guards the map; nothing is called under it
-    std::map<std::pair<std::string, std::string>, std::uint64_t> logMessages GUARDED_BY(mutex);
+    /// By target system and name.
+    using Counts = std::map<std::string, std::uint64_t, std::less<>>;
+    std::map<std::string, Counts, std::less<>> logMessages GUARDED_BY(mutex);
+    std::size_t logNames GUARDED_BY(mutex) = 0;  ///< in all of them
 };
 
 }  // namespace hmi

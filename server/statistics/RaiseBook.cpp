@@ -16,9 +16,8 @@ bool RaiseBook::post(const Change& change) noexcept try {
 }
 
 void RaiseBook::add(const EventRecord& alarm, Timestamp now) {
-    auto kind = std::make_shared<Kind>(Kind{originOf(alarm)});
     Lock lock(mutex);
-    kind = *kinds.insert(std::move(kind)).first;
+    const KindPtr kind = kindOf(alarm);
     raises.push_back({now, kind, alarm.id.number});
     ++kind->raises;
     flood.add(now);
@@ -26,6 +25,13 @@ void RaiseBook::add(const EventRecord& alarm, Timestamp now) {
         floods[alarm.target].add(now);
     while (raises.size() > capacity)
         forgetOldest();
+}
+
+RaiseBook::KindPtr RaiseBook::kindOf(const EventRecord& alarm) {
+    const auto known = kinds.find(EventOriginView(alarm));
+    return known != kinds.end()
+               ? *known
+               : *kinds.insert(std::make_shared<Kind>(Kind{originOf(alarm)})).first;
 }
 
 void RaiseBook::forgetOldest() {

@@ -46,10 +46,15 @@ private:
     };
     using KindPtr = std::shared_ptr<Kind>;
     struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(const EventOriginView& origin) const { return hash_value(origin); }
         std::size_t operator()(const KindPtr& kind) const { return hash_value(kind->origin); }
     };
     struct Equal {
+        using is_transparent = void;
         bool operator()(const KindPtr& a, const KindPtr& b) const { return a->origin == b->origin; }
+        bool operator()(const KindPtr& a, const EventOriginView& b) const { return a->origin == b; }
+        bool operator()(const EventOriginView& a, const KindPtr& b) const { return b->origin == a; }
     };
     struct Entry {
         ZrHmiSrv::Timestamp at;
@@ -57,6 +62,7 @@ private:
         std::int64_t alarm;
     };
 
+    KindPtr kindOf(const EventRecord& alarm) REQUIRES(mutex);
     void forgetOldest() REQUIRES(mutex);
 
     static constexpr std::size_t maxTargets = 10'000;
