@@ -65,7 +65,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t maxBuffers = 16;
+    static constexpr std::size_t maxBuffers = 64;
     using Room = boost::container::static_vector<boost::asio::mutable_buffer, maxBuffers>;
     using Content = boost::container::static_vector<boost::asio::const_buffer, maxBuffers>;
 

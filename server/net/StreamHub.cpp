@@ -4,6 +4,7 @@
 #include <chrono>
 #include <iterator>
 #include <utility>
+#include <vector>
 
 #include <boost/asio/post.hpp>
 
@@ -104,7 +105,8 @@ StreamLineTexts StreamHub::textsOf(const Change& change) const {
 /// Each client takes its lines as fast as it can; what all have taken goes.
 void StreamHub::deliver() {
     StreamLines::Position taken = recent.end();
-    const auto receivers = clients;  // a client that is disconnected leaves meanwhile
+    // A client that is disconnected leaves meanwhile.
+    const std::vector receivers(clients.begin(), clients.end());
     for (const auto& client : receivers) {
         if (client->position() < recent.begin()) {
             log(LogLevel::warning, "a client of the stream was too slow");

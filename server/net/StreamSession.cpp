@@ -1,9 +1,7 @@
 #include "server/net/StreamSession.h"
 
-#include <array>
 #include <chrono>
-
-#include <boost/asio/buffer.hpp>
+#include <utility>
 
 namespace hmi {
 
@@ -25,7 +23,6 @@ StreamSession::StreamSession(ClientStream from, const asio::ip::address& client,
       admissionCheck(stream.get_executor()) {
     stream.set_option(websocket::stream_base::timeout::suggested(beast::role_type::server));
     stream.read_message_max(maxReceivedBytes);
-    stream.text(true);
     enter(Phase::following);
 }
 
@@ -75,21 +72,24 @@ void StreamSession::read() {
 }
 
 void StreamSession::wake() {
-    if (!accepted || line)
+    if (!accepted || ending || !frames.isEmpty())
         return;
-    line = context->hub.lines().next(next, wish);
-    if (line)
+    while (!frames.isFull()) {
+        StreamLine line = context->hub.lines().next(next, wish);
+        if (!line)
+            break;
+        frames.add(++sequence, std::move(line));
+    }
+    if (!frames.isEmpty())
         write();
 }
 
 void StreamSession::write() {
-    beginning = "{\"seq\":" + std::to_string(++sequence) + ",";
-    const std::array<asio::const_buffer, 2> parts{asio::buffer(beginning),
-                                                  asio::buffer(*line) + 1};  // without its brace
-    stream.async_write(parts, [self = shared_from_this()](beast::error_code error, std::size_t) {
+    stream.next_layer().write(frames.buffers(), [self = shared_from_this()](beast::error_code error,
+                                                                            std::size_t) {
         if (error)
             return self->disconnect();
-        self->line.reset();
+        self->frames.clear();
         self->wake();
     });
 }
@@ -108,6 +108,7 @@ void StreamSession::close() {
 
 void StreamSession::end(websocket::close_code why) {
     context->hub.leave(this);
+    ending = true;  // no message follows the closing frame
     admissionCheck.cancel();
     stream.async_close(why, [self = shared_from_this()](beast::error_code) {});
 }

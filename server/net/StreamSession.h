@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 #include <boost/asio/steady_timer.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
@@ -11,6 +10,8 @@
 
 #include "server/net/ClientStream.h"
 #include "server/net/HttpSession.h"
+#include "server/net/OrderedStream.h"
+#include "server/net/StreamFrames.h"
 
 namespace hmi {
 
@@ -41,7 +42,7 @@ private:
     void write();
 
     const std::shared_ptr<SessionContext> context;
-    boost::beast::websocket::stream<ClientStream> stream;
+    boost::beast::websocket::stream<OrderedStream> stream;
     boost::beast::http::request<boost::beast::http::string_body> request;
     AccessControl::Admission admission;
     boost::asio::steady_timer admissionCheck;
@@ -49,9 +50,9 @@ private:
     StreamWish wish;
     StreamLines::Position next = 0;
     std::uint64_t sequence = 0;  ///< of the lines that this client was sent
-    StreamLine line;             ///< being written; null: none
-    std::string beginning;       ///< and what is written before it
+    StreamFrames frames;         ///< being written; empty: none
     bool accepted = false;
+    bool ending = false;
 };
 
 }  // namespace hmi

@@ -8,7 +8,7 @@
 #include "server/StartError.h"
 #include "server/http/ClientAddress.h"
 #include "server/net/Connection.h"
-#include "server/net/StreamLines.h"
+#include "server/net/StreamFrames.h"
 
 namespace hmi {
 
@@ -144,6 +144,40 @@ TEST(StreamLines, AreKeptOnceAndOfTheirTypes) {
     EXPECT_EQ(*lines.next(quick, types), "y") << "of every type";
     lines.dropBefore(quick);
     EXPECT_EQ(lines.begin(), lines.end());
+}
+
+/// The payloads of unmasked text frames, one behind the other.
+std::vector<std::string> payloadsOf(std::string bytes) {
+    std::vector<std::string> payloads;
+    while (!bytes.empty()) {
+        const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(bytes.at(at)); };
+        EXPECT_EQ(byte(0), 0x81);
+        const std::size_t further = byte(1) < 126 ? 0 : byte(1) == 126 ? 2 : 8;
+        std::size_t size = further == 0 ? byte(1) : 0;
+        for (std::size_t i = 0; i < further; ++i)
+            size = size << 8 | byte(2 + i);
+        payloads.push_back(bytes.substr(2 + further, size));
+        bytes.erase(0, 2 + further + size);
+    }
+    return payloads;
+}
+
+TEST(StreamFrames, HoldLinesOfAnyLength) {
+    StreamFrames frames;
+    std::vector<std::string> expected;
+    for (const std::size_t size : {1U, 115U, 117U, 2000U, 70'000U}) {
+        EXPECT_FALSE(frames.isFull());
+        const std::string text(size, 'x');
+        frames.add(expected.size(), std::make_shared<const std::string>("{" + text));
+        expected.push_back("{\"seq\":" + std::to_string(expected.size()) + "," + text);
+    }
+    EXPECT_TRUE(frames.isFull());
+    std::string bytes;
+    for (const auto& buffer : frames.buffers())
+        bytes.append(static_cast<const char*>(buffer.data()), buffer.size());
+    EXPECT_EQ(payloadsOf(bytes), expected);
+    frames.clear();
+    EXPECT_TRUE(frames.buffers().empty());
 }
 
 TEST(TrustedProxies, NameTheClientThatNobodyElseCanName) {
