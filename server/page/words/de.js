@@ -30,5 +30,6 @@ export const words = {
   gapLost: "{0} verloren", gap_disconnected: "nicht verbunden",
   gap_forgotten: "der Speicher war voll",
   gap_database_changed: "die Datenbank des Loggers hat gewechselt",
-  gap_rejected: "nicht lesbar", lastKnown: "zuletzt bekannt {0}",
+  gap_rejected: "nicht lesbar", gap_history: "die Historie hat Änderungen verloren",
+  lastKnown: "zuletzt bekannt {0}",
 };

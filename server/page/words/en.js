@@ -28,5 +28,5 @@ export const words = {
   gap: "gap", gapTitle: "Events may be missing from {0} to {1}: {2}", gapLasts: "now",
   gapLost: "{0} lost", gap_disconnected: "not connected", gap_forgotten: "the store was full",
   gap_database_changed: "the logger's database has changed", gap_rejected: "not readable",
-  lastKnown: "last known {0}",
+  gap_history: "the history lost changes", lastKnown: "last known {0}",
 };

@@ -29,5 +29,5 @@ export const words = {
   gapLost: "{0} perdidos", gap_disconnected: "sin conexión",
   gap_forgotten: "la memoria estaba llena",
   gap_database_changed: "la base de datos del registro ha cambiado", gap_rejected: "ilegibles",
-  lastKnown: "último estado conocido {0}",
+  gap_history: "el historial ha perdido cambios", lastKnown: "último estado conocido {0}",
 };

@@ -29,5 +29,5 @@ export const words = {
   gapLasts: "maintenant", gapLost: "{0} perdus", gap_disconnected: "non connecté",
   gap_forgotten: "la mémoire était pleine",
   gap_database_changed: "la base de données du journal a changé", gap_rejected: "illisible",
-  lastKnown: "dernier état connu {0}",
+  gap_history: "l’historique a perdu des changements", lastKnown: "dernier état connu {0}",
 };

@@ -28,5 +28,5 @@ export const words = {
   gap: "lacuna", gapTitle: "Possono mancare eventi da {0} a {1}: {2}", gapLasts: "adesso",
   gapLost: "{0} persi", gap_disconnected: "non connesso", gap_forgotten: "la memoria era piena",
   gap_database_changed: "la base dati del registro è cambiata", gap_rejected: "non leggibili",
-  lastKnown: "ultimo stato noto {0}",
+  gap_history: "lo storico ha perso modifiche", lastKnown: "ultimo stato noto {0}",
 };

@@ -29,5 +29,5 @@ export const words = {
   gapLost: "utracono: {0}", gap_disconnected: "brak połączenia",
   gap_forgotten: "pamięć była pełna",
   gap_database_changed: "zmieniła się baza danych rejestratora", gap_rejected: "nieczytelne",
-  lastKnown: "ostatni znany stan {0}",
+  gap_history: "historia utraciła zmiany", lastKnown: "ostatni znany stan {0}",
 };

@@ -29,5 +29,5 @@ export const words = {
   gapLasts: "настоящее время", gapLost: "потеряно: {0}", gap_disconnected: "нет связи",
   gap_forgotten: "хранилище было заполнено",
   gap_database_changed: "база данных регистратора сменилась", gap_rejected: "не читаются",
-  lastKnown: "последнее известное {0}",
+  gap_history: "история потеряла изменения", lastKnown: "последнее известное {0}",
 };

@@ -23,5 +23,5 @@ export const words = {
   gap: "缺口", gapTitle: "{0} 至 {1} 期间可能缺少事件：{2}", gapLasts: "现在",
   gapLost: "丢失 {0} 条", gap_disconnected: "未连接", gap_forgotten: "存储已满",
   gap_database_changed: "记录器的数据库已更换", gap_rejected: "无法读取",
-  lastKnown: "最后已知 {0}",
+  gap_history: "历史记录丢失了更改", lastKnown: "最后已知 {0}",
 };

@@ -6,7 +6,10 @@ import { gzipSync } from "node:zlib";
 import { inProject } from "../support/server.js";
 
 const folder = inProject(process.env.HMI_PAGE || "server/page");
-const languages = ["en", "de", "ru", "fr", "it", "es", "pl", "zh"];
+const wordEntries = await readdir(`${folder}/words`, { withFileTypes: true });
+const languages = wordEntries.filter((entry) => entry.isFile())
+  .map(({ name }) => name.slice(0, -".js".length));
+const parts = ["", ...wordEntries.filter((entry) => entry.isDirectory()).map(({ name }) => name)];
 const isSource = (name) => /\.(js|css|html)$/.test(name);
 
 async function filesBelow(path) {
@@ -24,12 +27,11 @@ async function load(part, language) {
   return (await import(`data:text/javascript,${encodeURIComponent(source)}`)).words;
 }
 
-const parts = ["", ...(await readdir(`${folder}/words`, { withFileTypes: true }))
-  .filter((entry) => entry.isDirectory()).map(({ name }) => name)];
-
 const placeholders = (text) => [...new Set(text.match(/\{\d\}/g) ?? [])].sort();
 
-test("every language says everything, with the same values in it", async () => {
+test("every language can be chosen and says everything, with the same values in it", async () => {
+  const choices = (await readFile(`${folder}/shell/words.js`, "utf8")).matchAll(/\["(\w\w)-/g);
+  assert.deepEqual([...choices].map(([, language]) => language).sort(), languages.sort());
   for (const part of parts) {
     const english = await load(part, "en");
     for (const language of languages) {
@@ -43,6 +45,9 @@ test("every language says everything, with the same values in it", async () => {
 });
 
 test("no word has two meanings, and each that is asked for is there", async () => {
+  const { components: { schemas } } =
+    JSON.parse(await readFile(inProject("server/api/openapi.json"), "utf8"));
+  const { HistoryChange: changes, Gap: { properties: { reason: gaps } } } = schemas;
   const known = new Map();
   for (const part of parts) {
     for (const [key, text] of Object.entries(await load(part, "en"))) {
@@ -55,6 +60,10 @@ test("no word has two meanings, and each that is asked for is there", async () =
       .matchAll(/\blabel\("(\w+)"|data-label(?:-[a-z-]+)?="(\w+)"/g);
     for (const [, call, attribute] of asked)
       assert.ok(known.has(call ?? attribute), `${file}: ${call ?? attribute}`);
+  }
+  for (const [kind, names] of Object.entries({ change: changes, pastChange: changes, gap: gaps })) {
+    for (const name of names.enum)
+      assert.ok(known.has(`${kind}_${name}`), `the server says "${name}": ${kind}`);
   }
 });
 

@@ -34,7 +34,7 @@ export const words = {
   parameters: "Wie es kam", change_raised: "gekommen", change_raised_again: "erneut gekommen",
   change_cleared: "gegangen", change_confirmed: "quittiert", change_removed: "entfernt",
   change_message: "Meldung", change_gap: "Lücke", change_confirmation: "Quittierung",
-  change_audit: "vermerkt",
+  change_audit: "vermerkt", change_updated: "geändert",
   asOf: "Stand {0}", order: "Reihenfolge",
   unseen: "Das steht eben erst hier. Nichts wurde quittiert.",
 };

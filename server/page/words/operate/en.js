@@ -32,7 +32,7 @@ export const words = {
   detailsHeading: "Details", life: "What happened to it", parameters: "As it came",
   change_raised: "raised", change_raised_again: "raised again", change_cleared: "cleared",
   change_confirmed: "confirmed", change_removed: "removed", change_message: "message",
-  change_gap: "gap", change_confirmation: "confirmation", change_audit: "noted",
+  change_gap: "gap", change_confirmation: "confirmation", change_audit: "noted", change_updated: "changed",
   asOf: "As of {0}", order: "Order",
   unseen: "It has only just come here. Nothing was confirmed.",
 };

@@ -35,7 +35,7 @@ export const words = {
   change_raised: "aparecida", change_raised_again: "aparecida de nuevo",
   change_cleared: "desaparecida", change_confirmed: "confirmada", change_removed: "eliminada",
   change_message: "mensaje", change_gap: "laguna", change_confirmation: "confirmación",
-  change_audit: "anotado",
+  change_audit: "anotado", change_updated: "modificada",
   asOf: "Estado a las {0}", order: "Orden",
   unseen: "Acaba de llegar aquí. No se confirmó nada.",
 };

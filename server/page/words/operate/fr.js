@@ -36,7 +36,7 @@ export const words = {
   life: "Ce qui s’est passé", parameters: "Tel que reçu", change_raised: "apparue",
   change_raised_again: "réapparue", change_cleared: "disparue", change_confirmed: "acquittée",
   change_removed: "supprimée", change_message: "message", change_gap: "lacune",
-  change_confirmation: "acquittement", change_audit: "noté",
+  change_confirmation: "acquittement", change_audit: "noté", change_updated: "modifiée",
   asOf: "État à {0}", order: "Ordre",
   unseen: "Cela vient seulement d’arriver ici. Rien n’a été acquitté.",
 };

@@ -33,7 +33,7 @@ export const words = {
   detailsHeading: "Dettagli", life: "Che cosa è successo", parameters: "Come è arrivato",
   change_raised: "insorto", change_raised_again: "insorto di nuovo", change_cleared: "rientrato",
   change_confirmed: "riconosciuto", change_removed: "rimosso", change_message: "messaggio",
-  change_gap: "lacuna", change_confirmation: "riconoscimento", change_audit: "annotato",
+  change_gap: "lacuna", change_confirmation: "riconoscimento", change_audit: "annotato", change_updated: "modificato",
   asOf: "Stato alle {0}", order: "Ordine",
   unseen: "È appena arrivato qui. Niente è stato riconosciuto.",
 };

@@ -32,7 +32,7 @@ export const words = {
   detailsHeading: "Szczegóły", life: "Co się z nim działo", parameters: "Jak nadeszło",
   change_raised: "wystąpił", change_raised_again: "wystąpił ponownie", change_cleared: "ustąpił",
   change_confirmed: "potwierdzony", change_removed: "usunięty", change_message: "komunikat",
-  change_gap: "luka", change_confirmation: "potwierdzenie", change_audit: "odnotowano",
+  change_gap: "luka", change_confirmation: "potwierdzenie", change_audit: "odnotowano", change_updated: "zmieniony",
   asOf: "Stan z {0}", order: "Kolejność",
   unseen: "To dopiero się tu pojawiło. Nic nie potwierdzono.",
 };

@@ -32,7 +32,7 @@ export const words = {
   detailsHeading: "Подробности", life: "Что с ним было", parameters: "Как получено",
   change_raised: "возникло", change_raised_again: "возникло снова", change_cleared: "снято",
   change_confirmed: "подтверждено", change_removed: "удалено", change_message: "сообщение",
-  change_gap: "пропуск", change_confirmation: "подтверждение", change_audit: "отмечено",
+  change_gap: "пропуск", change_confirmation: "подтверждение", change_audit: "отмечено", change_updated: "изменено",
   asOf: "По состоянию на {0}", order: "Порядок",
   unseen: "Это появилось здесь только что. Ничего не подтверждено.",
 };

@@ -21,7 +21,7 @@ export const words = {
   causes: "原因与措施", times: "时间", detailsHeading: "详情", life: "经过记录", parameters: "原始数据",
   change_raised: "发生", change_raised_again: "再次发生", change_cleared: "消除", change_confirmed: "已确认",
   change_removed: "已移除", change_message: "消息", change_gap: "缺口", change_confirmation: "确认",
-  change_audit: "已记录",
+  change_audit: "已记录", change_updated: "更改",
   asOf: "截至 {0}", order: "排序",
   unseen: "该项刚刚出现在这里。未确认任何报警。",
 };
