@@ -6,8 +6,9 @@
   <!-- not tried: WHY -->
 
 documents.py check PROGRAM           every block is marked; files of the sources that are named are
-                                     there; the manual page and docs/server.md have the options that
-                                     `PROGRAM --help` has
+                                     there, and so is what links lead to; the manual page and
+                                     docs/server.md have the options that `PROGRAM --help` has, the
+                                     documents the metrics and log lines that the sources have
 documents.py PLACE [PORT [ROOT]]     runs the blocks of a place, those of a document as one script
                                      that ends at the first failure; a server is to listen on PORT
                                      in the place of 8080
@@ -20,7 +21,11 @@ import sys
 FOLDER = pathlib.Path(__file__).resolve().parents[2]
 PLACES = ("tree", "windows", "system")
 BLOCK = re.compile(r"(?:^<!-- (not tried|tried): (.*?) -->\n)?^```sh\n(.*?)^```$", re.M | re.S)
-SOURCE = re.compile(r"`((?:src|server|simulator|tests|docs|cmake|packaging|examples)/[\w/.-]+)`")
+SOURCE = re.compile(r"`((?:src|server|simulator|tests|docs|cmake|packaging|examples|bench|fuzz|scripts|demo)"
+                    r"/[\w/.-]+)`")
+LINK = re.compile(r"\]\((?!https?:)([^)#\s]*)(?:#([^)\s]+))?\)")
+LOGGED = re.compile(r"\blog\((?!LogLevel::debug)(?:LogLevel::)?\w+,(.*?)\);", re.S)
+LITERAL = re.compile(r'"((?:[^"\\]|\\.)*)"')
 LIMIT = 600  # seconds for a document
 
 
@@ -40,7 +45,53 @@ def options_of(text):
     return set(re.findall(r"(?<![\w-])--[a-z][a-z-]+", text.replace("\\-", "-")))
 
 
+def sources(*folders):
+    for folder in folders:
+        for path in sorted((FOLDER / folder).rglob("*.cpp")):
+            yield path.relative_to(FOLDER), path.read_text(encoding="utf-8")
+
+
+def anchors_of(text):
+    """As they are made of headings."""
+    return {re.sub(r"[^\w -]", "", heading).strip().lower().replace(" ", "-")
+            for heading in re.findall(r"^#+ (.*)$", text, re.M)}
+
+
+def check_links():
+    texts = dict(documents())
+    for name, text in texts.items():
+        for path, anchor in LINK.findall(text):
+            file = ((FOLDER / name).parent / path).resolve() if path else FOLDER / name
+            if not file.exists():
+                fail(f"{name}: a link to {path}, which is not there")
+            if anchor and anchor not in anchors_of(file.read_text(encoding="utf-8")):
+                fail(f"{name}: {path}#{anchor} is no heading")
+
+
+def check_what_is_told():
+    """Metrics in docs/server.md; in docs/engineer.md, too, the longest text of each log line and the
+    names of the extension's entries."""
+    server, engineer = ((FOLDER / f"docs/{name}.md").read_text(encoding="utf-8")
+                        for name in ("server", "engineer"))
+    metrics = set()
+    for path, text in sources("server"):
+        metrics |= set(re.findall(r'"(hmi_[a-z_]*[a-z])"', text))
+        for call in LOGGED.findall(text):
+            told = max(LITERAL.findall(call), key=len, default="").replace("\\", "").strip(" :;,")
+            if told not in engineer:
+                fail(f'{path} logs "{told}", of which docs/engineer.md says nothing')
+    for name in sorted(metrics):
+        if f"`{name}`" not in server:
+            fail(f"docs/server.md does not have {name}")
+    for path, text in sources("src/events", "src/targetsystem", "src/extension", "src/host"):
+        for name in re.findall(r'"([A-Z]+(?:_[A-Z]+)+)"', text):
+            if name not in server + engineer:
+                fail(f"{path} says {name}, the documents do not")
+
+
 def check(program):
+    check_links()
+    check_what_is_told()
     for name, text in documents():
         for block in BLOCK.finditer(text):
             kind, place, _ = block.groups()

@@ -1,4 +1,4 @@
-// Writes the pictures of the documents: node screenshots.js, on the demo plant.
+// Writes the pictures of the documents: node screenshots.js [NAME...], on the demo plant.
 import { mkdir, readFile } from "node:fs/promises";
 import { closeBrowser, openPage } from "./support/browser.js";
 import { rowsWhen } from "./support/list.js";
@@ -21,7 +21,15 @@ const pictures = [
   { name: "understand", path: "/?view=understand" },
   { name: "past", path: "/?view=past", show: (page) => page.locator("tbody button").first().click() },
   { name: "engineer", path: "/?view=engineer" },
+  { name: "operate-lost", path: "/?order=time", show: lose },
 ];
+const wanted = process.argv.slice(2);
+
+/** The packer is lost: its alarms are last known, and a gap begins. */
+async function lose() {
+  await server.sim(packer, { do: "refuse", hresult: "0x98110745" }, { do: "drop" });
+  await sleep(2500);
+}
 
 try {
   await server.ready();
@@ -36,6 +44,8 @@ try {
   await server.sim(packer, { ...raise("jam", 1, { arguments: [3] }), class: packing(1) },
     { ...raise("curtain", 1, { arguments: ["East"] }), class: packing(2) });
   for (const { name, path, options, show } of pictures) {
+    if (wanted.length > 0 && !wanted.includes(name))
+      continue;
     const page = await openPage(server, path, { ...desk, colorScheme: "dark", ...options });
     if (name.startsWith("operate"))
       await rowsWhen(page, (shown) => shown.length > 5, "the list");
