@@ -165,6 +165,10 @@ ServerInProcess::ServerInProcess(unsigned eventLimit) : files(std::make_unique<F
 
 ServerInProcess::~ServerInProcess() = default;
 
+std::uint16_t ServerInProcess::port() const {
+    return client->port;
+}
+
 void ServerInProcess::act(const std::string& actions) {
     char* answer = nullptr;
     const int code = ZrSimulatorApply(netId, actions.c_str(), &answer);

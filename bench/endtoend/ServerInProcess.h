@@ -15,6 +15,7 @@ public:
     ServerInProcess(const ServerInProcess&) = delete;
     ServerInProcess& operator=(const ServerInProcess&) = delete;
 
+    std::uint16_t port() const;
     /// Tells the runtime what to do, without a request.
     void act(const std::string& actions);
     /// The body of the answer, as it came. The connection stays.
