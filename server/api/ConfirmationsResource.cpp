@@ -67,14 +67,17 @@ Response ConfirmationsResource::one(const Request& request) {
 /// and nobody's place is taken by who waits for the last answer.
 void ConfirmationsResource::many(const Request& request, const LateReply& reply) {
     request.target.query.allowOnly({});
-    const auto body = std::make_shared<const ConfirmationBody>(ConfirmationBody::ofMany(request));
+    const auto asked = std::make_shared<const Asked>(
+        Asked{ConfirmationBody::ofMany(request), request.user, request.peer, request.client});
+    const auto& wishes = asked->body.wishes;
+    if (wishes.empty())
+        return reply([] { return Response::json(json::array()); });
     std::map<std::string, std::vector<std::size_t>> byTarget;
-    for (std::size_t i = 0; i < body->wishes.size(); ++i)
-        byTarget[targetOf(body->wishes[i].id)].push_back(i);
+    for (std::size_t i = 0; i < wishes.size(); ++i)
+        byTarget[targetOf(wishes[i].id)].push_back(i);
     const auto batch = std::make_shared<ConfirmationBatch>(
-        body->wishes.size(),
-        [this, &request, body, reply](const ConfirmationBatch::Outcomes& outcomes) {
-            reply([&] { return answerTo(request, *body, outcomes); });
+        wishes.size(), [asked, reply](const ConfirmationBatch::Outcomes& outcomes) {
+            reply([&] { return answerTo(asked->body, outcomes); });
         });
     const auto isUp = [waiting = std::weak_ptr(batch)] {
         if (const auto late = waiting.lock())
@@ -83,41 +86,45 @@ void ConfirmationsResource::many(const Request& request, const LateReply& reply)
     if (!deadlines.add(Deadlines::Clock::now() + service.patience(), isUp))
         throw RequestError(503, "too many confirmations are under way");
     for (auto& [target, indexes] : byTarget)
-        ask(target, body, std::move(indexes), batch, request.client);
+        ask(target, asked, std::move(indexes), batch);
 }
 
-/// A client that has gone by then wants nothing confirmed any more.
+/// Each outcome is audited when it comes, also when nobody waits for it any more.
 void ConfirmationsResource::ask(const std::string& target,
-                                const std::shared_ptr<const ConfirmationBody>& body,
+                                const std::shared_ptr<const Asked>& asked,
                                 std::vector<std::size_t> indexes,
-                                const std::shared_ptr<ConfirmationBatch>& batch,
-                                const std::shared_ptr<const Presence>& client) noexcept {
+                                const std::shared_ptr<ConfirmationBatch>& batch) noexcept {
+    const auto settle = [this, asked, batch](std::size_t i, ConfirmationOutcome outcome) noexcept {
+        record(*asked, asked->body.wishes[i], outcome);
+        batch->set(i, std::move(outcome));
+    };
     try {
         lanes.run({Lane::confirmations, target},
-                  {[this, body, batch, client, indexes] {
+                  {[this, asked, batch, settle, indexes] {
                        for (const std::size_t i : indexes) {
-                           const bool isOver = client && client->isOver();
-                           batch->set(i, isOver
-                                             ? ConfirmationOutcome{503, {}, "the client has gone"}
-                                             : confirm(body->wishes[i], body->asker));
+                           if (asked->client && asked->client->isOver())
+                               settle(i, {503, {}, "not asked for: the client has gone"});
+                           else if (batch->isOver())
+                               settle(i, {503, {}, "not asked for: the time was up"});
+                           else
+                               settle(i, confirm(asked->body.wishes[i], asked->body.asker));
                        }
                    },
-                   [batch, indexes](const std::string& why) {
+                   [settle, indexes](const std::string& why) {
                        for (const std::size_t i : indexes)
-                           batch->set(i, {503, {}, why});
+                           settle(i, {503, {}, why});
                    }});
     } catch (const std::exception& exception) {
         log(LogLevel::error, std::string("confirmations failed: ") + exception.what());
         for (const std::size_t i : indexes)
-            batch->set(i, {500, {}, {}});
+            settle(i, {500, {}, {}});
     }
 }
 
-Response ConfirmationsResource::answerTo(const Request& request, const ConfirmationBody& body,
-                                         const ConfirmationBatch::Outcomes& outcomes) const {
+Response ConfirmationsResource::answerTo(const ConfirmationBody& body,
+                                         const ConfirmationBatch::Outcomes& outcomes) {
     json::array answers;
     for (std::size_t i = 0; i < outcomes.size(); ++i) {
-        record(request, body.wishes[i], body.asker.comment, outcomes[i]);
         json::object answer = answerOf(outcomes[i]);
         answer.emplace("id", idJson(body.wishes[i].id));
         answer.emplace("status", outcomes[i].status);
@@ -128,16 +135,19 @@ Response ConfirmationsResource::answerTo(const Request& request, const Confirmat
     return response;
 }
 
-void ConfirmationsResource::record(const Request& request, const ConfirmationWish& wish,
-                                   const std::string& comment,
-                                   const ConfirmationOutcome& outcome) const {
-    json::object asked{{"id", idJson(wish.id)}};
-    if (wish.timeRaised)
-        asked.emplace("timeRaised", isoTime(*wish.timeRaised));
-    if (!comment.empty())
-        asked.emplace("comment", toJson(std::string_view(comment)));
-    audit.record({request.user, request.peer, "POST /api/confirmations " + json::serialize(asked),
-                  outcome.status, json::serialize(answerOf(outcome))});
+void ConfirmationsResource::record(const Asked& asked, const ConfirmationWish& wish,
+                                   const ConfirmationOutcome& outcome) const noexcept {
+    try {
+        json::object what{{"id", idJson(wish.id)}};
+        if (wish.timeRaised)
+            what.emplace("timeRaised", isoTime(*wish.timeRaised));
+        if (!asked.body.asker.comment.empty())
+            what.emplace("comment", toJson(std::string_view(asked.body.asker.comment)));
+        audit.record({asked.user, asked.peer, "POST /api/confirmations " + json::serialize(what),
+                      outcome.status, json::serialize(answerOf(outcome))});
+    } catch (const std::exception& exception) {
+        log(LogLevel::error, std::string("a confirmation is not audited: ") + exception.what());
+    }
 }
 
 ConfirmationOutcome ConfirmationsResource::confirm(const ConfirmationWish& wish,

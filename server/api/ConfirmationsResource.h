@@ -24,16 +24,24 @@ public:
 
 private:
     Response one(const Request& request);
+    /// Many that are asked for at a time, and by whom.
+    struct Asked {
+        ConfirmationBody body;
+        std::string user;
+        std::string peer;
+        std::shared_ptr<const Presence> client;
+    };
+
     void many(const Request& request, const LateReply& reply);
-    void ask(const std::string& target, const std::shared_ptr<const ConfirmationBody>& body,
-             std::vector<std::size_t> indexes, const std::shared_ptr<ConfirmationBatch>& batch,
-             const std::shared_ptr<const Presence>& client) noexcept;
-    Response answerTo(const Request& request, const ConfirmationBody& body,
-                      const ConfirmationBatch::Outcomes& outcomes) const;
+    void ask(const std::string& target, const std::shared_ptr<const Asked>& asked,
+             std::vector<std::size_t> indexes,
+             const std::shared_ptr<ConfirmationBatch>& batch) noexcept;
+    static Response answerTo(const ConfirmationBody& body,
+                             const ConfirmationBatch::Outcomes& outcomes);
+    void record(const Asked& asked, const ConfirmationWish& wish,
+                const ConfirmationOutcome& outcome) const noexcept;
     ConfirmationOutcome confirm(const ConfirmationWish& wish,
                                 const ConfirmationAsker& asker) noexcept;
-    void record(const Request& request, const ConfirmationWish& wish, const std::string& comment,
-                const ConfirmationOutcome& outcome) const;
     std::string targetOf(EventId id) const;
 
     ConfirmationService& service;

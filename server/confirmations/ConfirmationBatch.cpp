@@ -29,6 +29,11 @@ void ConfirmationBatch::expire() {
     tell();
 }
 
+bool ConfirmationBatch::isOver() const {
+    Lock lock(mutex);
+    return !done;
+}
+
 std::function<void()> ConfirmationBatch::finished() {
     return [call = std::exchange(done, nullptr), all = std::move(outcomes)] { call(all); };
 }

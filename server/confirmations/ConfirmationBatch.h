@@ -24,11 +24,13 @@ public:
     void set(std::size_t index, ConfirmationOutcome outcome);
     /// What is not known by now is not waited for.
     void expire();
+    /// What has not been asked for by then is asked for no more.
+    bool isOver() const;
 
 private:
     std::function<void()> finished() REQUIRES(mutex);
 
-    Mutex mutex;                  ///< guards all below
+    mutable Mutex mutex;          ///< guards all below
     Done done GUARDED_BY(mutex);  ///< none once it was called
     Outcomes outcomes GUARDED_BY(mutex);
     std::size_t outstanding GUARDED_BY(mutex);

@@ -60,6 +60,11 @@ ConfirmationOutcome ConfirmationService::begin(const ConfirmationWish& wish,
         return {400, {}, "only alarms can be confirmed"};
     if (EventRecordPtr lost = book.findLastKnown(wish.id))
         return {409, {}, "the alarm's target system is lost", std::move(lost)};
+    const EventRecordPtr there = book.find(wish.id);
+    if (!there)
+        return {404, {}, "there is no such event"};
+    if (!isSeen(*there, wish))
+        return {409, {}, "the alarm was raised at another time", there};
     // Before anything is written or asked: what nobody watches would never be unanswered.
     const auto isUp = [this, id = wish.id, number] { expire(id, number); };
     if (!deadlines.add(Deadlines::Clock::now() + patienceOf(), isUp))

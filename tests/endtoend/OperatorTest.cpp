@@ -67,14 +67,24 @@ TEST_F(Operator, ConfirmsWhatWasSeenAndSeesWhatBecomesOfIt) {
     const json::object again{{"timeRaised", seen.at("timeRaised")}, {"comment", "on my way"}};
     EXPECT_EQ(confirm(seen, again).json().at("result"), 0);
     EXPECT_TRUE(isConfirmation("Filler", "accepted")) << "it can be asked for again";
+    const json::object jam = alarmOf("Packer");
+    act(packer, R"({"do": "delay", "call": "Confirm", "ms": 1500})");
+    const json::value slow{{"events", json::array(10, json::object{{"id", jam.at("id")}})}};
+    auto late = std::async(std::launch::async, [&] {
+        return server.send("POST", "/api/confirmations", slow).json().at(9).at("status");
+    });
     EXPECT_TRUE(isConfirmation("Filler", "unanswered")) << "the logger keeps silent";
+    EXPECT_EQ(late.get(), 504);
+    EXPECT_TRUE(eventually([&] {
+        return server.errors().find("not asked for: the time was up") != std::string::npos;
+    })) << "nothing is confirmed that an operator was told is not";
     act(filler, R"({"do": "release"})");
     EXPECT_TRUE(isConfirmation("Filler", "confirmed")) << "late, but it says so";
     const json::value confirmed = alarmOf("Filler").at("confirmation");
     EXPECT_EQ(confirmed.at("by"), "127.0.0.1");
     EXPECT_EQ(confirmed.at("comment"), "on my way");
 
-    const json::object jam = alarmOf("Packer");
+    act(packer, R"({"do": "delay", "call": "Confirm", "ms": 0})");
     const json::value many{{"events",
                             {{{"id", jam.at("id")}, {"timeRaised", jam.at("timeRaised")}},
                              {{"id", seen.at("id")}, {"timeRaised", "2024-05-01T06:00:00Z"}},
@@ -86,6 +96,8 @@ TEST_F(Operator, ConfirmsWhatWasSeenAndSeesWhatBecomesOfIt) {
         statuses += serialize(outcome.at("status")) + " ";
     EXPECT_EQ(statuses, "200 409 404 400 ");
     EXPECT_TRUE(isConfirmation("Packer", "confirmed"));
+    const json::value none{{"events", json::array()}};
+    EXPECT_EQ(server.send("POST", "/api/confirmations", none).json(), json::array());
     const json::value tooMany{{"events", json::array(1001, json::object{{"id", 1}})}};
     EXPECT_EQ(server.send("POST", "/api/confirmations", tooMany).status, 400U);
 }
