@@ -1,4 +1,6 @@
-// Writes the pictures of the documents: node screenshots.js [NAME...], on the demo plant.
+// Writes the pictures of the documents: node screenshots.js [NAME...], on the demo plant. They are
+// made small by pngquant.
+import { execFileSync } from "node:child_process";
 import { mkdir, readFile } from "node:fs/promises";
 import { closeBrowser, openPage } from "./support/browser.js";
 import { rowsWhen } from "./support/list.js";
@@ -52,7 +54,9 @@ try {
     await sleep(1000);
     await show?.(page);
     await sleep(700);
-    await page.screenshot({ path: `${folder}/${name}.png` });
+    const file = `${folder}/${name}.png`;
+    await page.screenshot({ path: file });
+    execFileSync("pngquant", ["--force", "--ext", ".png", "--speed", "1", "64", file]);
     await page.context().close();
   }
 } finally {
