@@ -319,6 +319,7 @@ TEST_F(BadRequest, OfForeignPagesIsRefused) {
         {{{"Host", "evil.example"}, {"Origin", "http://evil.example"}}, 403},
         {{{"Host", "[::1].evil.example"}}, 403},
         {{{"Host", "127.0.0.1:80@evil.example"}}, 403},
+        {{{"Host", "evil.example@localhost"}}, 403},
         {{{"Host", "127.0.0.1.evil.example"}}, 403},
         {{{"Host", "localhost.evil.example"}}, 403},
         {{{"Origin", "http://localhost.evil.example"}}, 403},
