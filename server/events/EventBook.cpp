@@ -17,9 +17,9 @@ namespace {
 
 constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
-/// The alarm of the store with new content, at its old place in the list.
-EventRecordPtr changed(const EventStore& store, const Alarm& alarm, bool ended) {
-    const EventRecordPtr held = store.find({EventKind::alarm, alarm.id()});
+/// The alarm of the index with new content, at its old place in the list.
+EventRecordPtr changed(const RecordIndex& index, const Alarm& alarm, bool ended) {
+    const EventRecordPtr held = index.find({EventKind::alarm, alarm.id()});
     if (!held)
         return nullptr;
     const auto record = std::make_shared<EventRecord>(EventContent{alarm, {}},
@@ -28,15 +28,15 @@ EventRecordPtr changed(const EventStore& store, const Alarm& alarm, bool ended) 
     return record;
 }
 
-std::vector<EventRecordPtr> eventsOf(const EventStore& store, const std::string& target) {
+std::vector<EventRecordPtr> eventsOf(const RecordIndex& index, const std::string& target) {
     EventFilter filter;
     filter.target = target;
-    return store.select(filter, 0, unlimited).events;
+    return index.select(filter, 0, unlimited).events;
 }
 
 /// The alarms of these as they were when their target system was lost.
-EventStore lostAlarms(const std::unordered_set<EventRecordPtr>& vanished) {
-    EventStore lost;
+RecordIndex lostAlarms(const std::unordered_set<EventRecordPtr>& vanished) {
+    RecordIndex lost;
     for (const EventRecordPtr& event : vanished) {
         if (event->kind != EventKind::alarm)
             continue;
@@ -47,11 +47,11 @@ EventStore lostAlarms(const std::unordered_set<EventRecordPtr>& vanished) {
     return lost;
 }
 
-EventRecordPtr takeOut(EventStore& store, const EventRecord& dropped) {
+EventRecordPtr takeOut(RecordIndex& index, const EventRecord& dropped) {
     EventRecordPtr held =
-        dropped.kind == EventKind::alarm ? store.find(dropped.id) : store.findSame(dropped);
+        dropped.kind == EventKind::alarm ? index.find(dropped.id) : index.findSame(dropped);
     if (held)
-        store.erase(held->id);
+        index.erase(held->id);
     return held;
 }
 
@@ -136,7 +136,7 @@ void EventBook::replaceTarget(const std::string& target, std::span<const Event> 
     KnownEvents known(before);
     std::unordered_set<EventRecordPtr> vanished(gone.begin(), gone.end());
     std::unordered_set<std::int64_t> here;
-    EventStore added;
+    RecordIndex added;
     for (const Event& event : events) {
         std::optional<EventContent> content = contentOf(event);
         if (!content)
@@ -150,7 +150,7 @@ void EventBook::replaceTarget(const std::string& target, std::span<const Event> 
     }
     gone.assign(vanished.begin(), vanished.end());
     std::erase_if(vanished, [&](const auto& event) { return here.contains(event->id.number); });
-    EventStore lost;
+    RecordIndex lost;
     if (!isImported)
         lost = lostAlarms(vanished);
     Lock lock(mutex);

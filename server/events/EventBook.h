@@ -11,7 +11,7 @@
 
 #include "platform/Mutex.h"
 #include "server/events/Change.h"
-#include "server/events/EventStore.h"
+#include "server/events/RecordIndex.h"
 
 namespace hmi {
 
@@ -86,8 +86,8 @@ private:
     const std::size_t capacity;
     std::atomic<std::uint64_t> arrivals = 0;
     mutable Mutex mutex;  ///< guards all below; short, nothing but the sink is called under it
-    EventStore current GUARDED_BY(mutex);
-    EventStore lastKnown GUARDED_BY(mutex);  ///< none of them is in `current`
+    RecordIndex current GUARDED_BY(mutex);
+    RecordIndex lastKnown GUARDED_BY(mutex);  ///< none of them is in `current`
     std::optional<Reset> reset GUARDED_BY(mutex);
     std::set<std::string> complete GUARDED_BY(mutex);  ///< have handed over all of their events
 };

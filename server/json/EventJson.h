@@ -7,7 +7,7 @@
 #include <boost/json/object.hpp>
 
 #include "server/events/Change.h"
-#include "server/events/EventStore.h"
+#include "server/events/RecordIndex.h"
 #include "server/events/LocalizedEvent.h"
 
 namespace hmi {

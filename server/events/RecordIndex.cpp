@@ -1,4 +1,4 @@
-#include "server/events/EventStore.h"
+#include "server/events/RecordIndex.h"
 
 #include <algorithm>
 #include <iterator>
@@ -57,16 +57,16 @@ void Attention::add(const Attention& other) {
 }
 
 /// Negative numbers name no message, so that each id has a key of its own.
-std::uint64_t EventStore::keyOf(EventId id) noexcept {
+std::uint64_t RecordIndex::keyOf(EventId id) noexcept {
     return static_cast<std::uint64_t>(id.number) * 2 + (id.kind == EventKind::message ? 1 : 0);
 }
 
-EventRecordPtr EventStore::find(EventId id) const {
+EventRecordPtr RecordIndex::find(EventId id) const {
     const auto found = byId.find(keyOf(id));
     return found == byId.end() || found->second->id != id ? nullptr : found->second;
 }
 
-EventRecordPtr EventStore::findSame(const EventRecord& message) const {
+EventRecordPtr RecordIndex::findSame(const EventRecord& message) const {
     EventRecordPtr same;
     const auto found = targets.find(message.target);
     if (found == targets.end())
@@ -86,7 +86,7 @@ EventRecordPtr EventStore::findSame(const EventRecord& message) const {
     return same;
 }
 
-EventRecordPtr EventStore::oldest() const {
+EventRecordPtr RecordIndex::oldest() const {
     EventRecordPtr oldest;
     for (const auto& [target, cells] : targets)
         for (const Cell& cell : cells)
@@ -96,7 +96,7 @@ EventRecordPtr EventStore::oldest() const {
     return oldest;
 }
 
-void EventStore::insertInto(Cells& cells, const EventRecordPtr& event) {
+void RecordIndex::insertInto(Cells& cells, const EventRecordPtr& event) {
     auto cell = std::find_if(cells.begin(), cells.end(),
                              [&](const Cell& held) { return held.shape == *event; });
     const bool isNew = cell == cells.end();
@@ -111,7 +111,7 @@ void EventStore::insertInto(Cells& cells, const EventRecordPtr& event) {
     }
 }
 
-void EventStore::eraseFrom(Cells& cells, const EventRecord& event) noexcept {
+void RecordIndex::eraseFrom(Cells& cells, const EventRecord& event) noexcept {
     const auto cell = std::find_if(cells.begin(), cells.end(),
                                    [&](const Cell& held) { return held.shape == event; });
     cell->events.erase(event);
@@ -122,14 +122,14 @@ void EventStore::eraseFrom(Cells& cells, const EventRecord& event) noexcept {
     cells.pop_back();
 }
 
-void EventStore::eraseFromTarget(const EventRecord& event) noexcept {
+void RecordIndex::eraseFromTarget(const EventRecord& event) noexcept {
     const auto target = targets.find(event.target);
     eraseFrom(target->second, event);
     if (target->second.empty())
         targets.erase(target);
 }
 
-void EventStore::insert(EventRecordPtr event) {
+void RecordIndex::insert(EventRecordPtr event) {
     const auto [slot, isNew] = byId.try_emplace(keyOf(event->id));
     try {
         const auto target = targets.try_emplace(event->target).first;
@@ -150,7 +150,7 @@ void EventStore::insert(EventRecordPtr event) {
         eraseFromTarget(*replaced);
 }
 
-void EventStore::erase(EventId id) noexcept {
+void RecordIndex::erase(EventId id) noexcept {
     const auto found = byId.find(keyOf(id));
     if (found == byId.end() || found->second->id != id)
         return;
@@ -159,8 +159,8 @@ void EventStore::erase(EventId id) noexcept {
     eraseFromTarget(*erased);
 }
 
-EventStore::Prepared EventStore::prepare(const std::vector<EventRecordPtr>& gone,
-                                         const EventStore& added) {
+RecordIndex::Prepared RecordIndex::prepare(const std::vector<EventRecordPtr>& gone,
+                                         const RecordIndex& added) {
     Prepared prepared(gone, added);
     Targets& changed = prepared.changed;
     for (const auto& [target, cells] : added.targets) {
@@ -186,8 +186,8 @@ EventStore::Prepared EventStore::prepare(const std::vector<EventRecordPtr>& gone
     return prepared;
 }
 
-void EventStore::apply(Prepared prepared) noexcept {
-    const EventStore& added = prepared.added;
+void RecordIndex::apply(Prepared prepared) noexcept {
+    const RecordIndex& added = prepared.added;
     Targets& changed = prepared.changed;
     for (const auto& [key, event] : added.byId) {
         EventRecordPtr& slot = byId[key];
@@ -208,7 +208,7 @@ void EventStore::apply(Prepared prepared) noexcept {
     targets.merge(changed);
 }
 
-EventPage EventStore::select(const EventFilter& filter, std::size_t offset,
+EventPage RecordIndex::select(const EventFilter& filter, std::size_t offset,
                              std::size_t limit) const {
     EventMerge merge;
     std::size_t place = 0;
@@ -224,7 +224,7 @@ EventPage EventStore::select(const EventFilter& filter, std::size_t offset,
                                           : merge.page(offset, limit)};
 }
 
-std::map<std::string, TargetCounts> EventStore::countsByTarget() const {
+std::map<std::string, TargetCounts> RecordIndex::countsByTarget() const {
     std::map<std::string, TargetCounts> counts;
     for (const auto& [target, cells] : targets) {
         TargetCounts& of = counts[target];
@@ -238,7 +238,7 @@ std::map<std::string, TargetCounts> EventStore::countsByTarget() const {
     return counts;
 }
 
-Attention EventStore::attention(const std::optional<std::string>& target) const {
+Attention RecordIndex::attention(const std::optional<std::string>& target) const {
     Attention attention;
     for (const auto& [name, cells] : targets) {
         if (target && *target != name)

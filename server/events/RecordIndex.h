@@ -41,7 +41,7 @@ struct Attention {
 /// A set of events. Those of one target system that no filter tells apart but by their time lie in
 /// one sequence, a cell, so that an event has one place, and a list is a merge of a few cells. Not
 /// synchronised.
-class EventStore {
+class RecordIndex {
 public:
     std::size_t size() const noexcept { return byId.size(); }
     /// Null when there is none of that id.
@@ -55,11 +55,11 @@ public:
     void insert(EventRecordPtr event);
     void erase(EventId id) noexcept;
 
-    /// A step that has all the memory that it needs: some events leave, and all of another store
+    /// A step that has all the memory that it needs: some events leave, and all of another index
     /// are taken over, which have the place of those with their ids.
     class Prepared;
-    /// Nothing else may change this store until it is applied; both live as long.
-    Prepared prepare(const std::vector<EventRecordPtr>& gone, const EventStore& added);
+    /// Nothing else may change this index until it is applied; both live as long.
+    Prepared prepare(const std::vector<EventRecordPtr>& gone, const RecordIndex& added);
     void apply(Prepared prepared) noexcept;
 
     /// The selected events from `offset` on, at most `limit`, in the filter's order. Nothing else
@@ -88,13 +88,13 @@ private:
     boost::unordered_flat_map<std::uint64_t, EventRecordPtr> byId;
 };
 
-class EventStore::Prepared {
-    friend class EventStore;
-    Prepared(const std::vector<EventRecordPtr>& gone, const EventStore& added)
+class RecordIndex::Prepared {
+    friend class RecordIndex;
+    Prepared(const std::vector<EventRecordPtr>& gone, const RecordIndex& added)
         : gone(gone), added(added) {}
 
     const std::vector<EventRecordPtr>& gone;
-    const EventStore& added;
+    const RecordIndex& added;
     Targets changed;  ///< those that get events, as they are afterwards
 };
 
