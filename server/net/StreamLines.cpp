@@ -18,7 +18,7 @@ void StreamLines::add(ChangeType type, StreamLineTexts texts) {
 }
 
 StreamLine StreamLines::next(Position& position, const StreamWish& wish) const {
-    while (position < end()) {
+    while (position >= begin() && position < end()) {
         const auto& [type, texts] = lines[position++ - first];
         if (type == ChangeType::alive || wish.contains(type))
             return wish.extent() == Extent::brief ? texts.brief : texts.whole;

@@ -30,7 +30,8 @@ public:
     Position begin() const noexcept { return first; }
     Position end() const noexcept { return first + lines.size(); }
     /// The next that is wanted from a position on, which moves behind it, or to the end when there
-    /// is none and null is answered. Signs of life are of every type.
+    /// is none and null is answered; null also for a place that is lost. Signs of life are of every
+    /// type.
     StreamLine next(Position& position, const StreamWish& wish) const;
     void dropBefore(Position position);
 

@@ -96,6 +96,7 @@ void StreamSession::write() {
 
 void StreamSession::disconnect() {
     context->hub.leave(this);
+    ending = true;  // what has been written by now may be told only later
     beast::get_lowest_layer(stream).close();
 }
 

@@ -133,12 +133,13 @@ TEST(StreamLines, AreKeptOnceAndOfTheirTypes) {
         return {line, line};
     };
     StreamLines::Position quick = lines.end();
-    const StreamLines::Position slow = quick;
+    StreamLines::Position slow = quick;
     for (int i = 0; i < 10; ++i) {
         lines.add(i % 2 == 0 ? ChangeType::raised : ChangeType::log, same(std::string(100, 'x')));
         EXPECT_EQ(lines.next(quick, types) != nullptr, i % 2 == 0);
     }
     EXPECT_EQ(quick, lines.end());
+    EXPECT_EQ(lines.next(slow, types), nullptr);
     EXPECT_LT(slow, lines.begin()) << "it has lost its place";
     lines.add(ChangeType::alive, same("y"));
     EXPECT_EQ(*lines.next(quick, types), "y") << "of every type";
