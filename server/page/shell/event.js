@@ -1,5 +1,5 @@
 // What an event looks like in words.
-import { clock, dateTime, number } from "./format.js";
+import { clock, number, shortTime } from "./format.js";
 import { isolated, label } from "./words.js";
 
 /** @typedef {import("../types.js").HmiEvent} HmiEvent */
@@ -73,8 +73,8 @@ export function confirmationText(event) {
 
 /** @param {HmiEvent} gap */
 function gapTitle({ from, to, reason, lost }) {
-  const until = to ? dateTime(to) : label("gapLasts");
-  return label("gapTitle", dateTime(from), until, label(`gap_${reason}`)) +
+  const until = to ? shortTime(to) : label("gapLasts");
+  return label("gapTitle", shortTime(from), until, label(`gap_${reason}`)) +
     (lost ? ` (${label("gapLost", number(lost))})` : "");
 }
 
