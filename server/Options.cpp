@@ -1,8 +1,10 @@
 #include "server/Options.h"
 
 #include <algorithm>
-#include <iterator>
+#include <array>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -13,7 +15,8 @@ namespace hmi {
 
 namespace {
 
-constexpr std::string_view levels[] = {"debug", "info", "warning", "error", "off"};
+/// In the order of LogLevel.
+constexpr std::array<std::string_view, 5> levels{"debug", "info", "warning", "error", "off"};
 
 std::filesystem::path toPath(const std::string& utf8) {
     return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
@@ -89,8 +92,8 @@ void describe(CLI::App& app, Options& options, Typed& typed) {
     add(app, "--history-size", "MIB", options.historySize, "Of what is beyond it the oldest goes")
         ->check(CLI::Range(1, 16'777'216))
         ->capture_default_str();
-    add(app, "--log-level", "L", typed.level, "debug, info, warning, error or off")
-        ->check(CLI::IsMember({"debug", "info", "warning", "error", "off"}))
+    add(app, "--log-level", "L", typed.level, "How much is logged")
+        ->check(CLI::IsMember(std::vector<std::string>(levels.begin(), levels.end())))
         ->capture_default_str();
     add(app, "--log-format", "F", typed.format, "text or json: one object a line")
         ->check(CLI::IsMember({"text", "json"}))
@@ -111,8 +114,8 @@ void finish(Options& options, const Typed& typed) {
     options.certificate = toPath(typed.certificate);
     options.key = toPath(typed.key);
     options.history = toPath(typed.history);
-    const auto level = std::find(std::begin(levels), std::end(levels), typed.level);
-    options.logLevel = static_cast<LogLevel>(std::distance(std::begin(levels), level));
+    const auto* const level = std::find(levels.begin(), levels.end(), typed.level);
+    options.logLevel = static_cast<LogLevel>(std::distance(levels.begin(), level));
     options.logFormat = typed.format == "json" ? LogFormat::json : LogFormat::text;
 }
 
@@ -125,7 +128,9 @@ Options Options::parse(std::span<const char* const> arguments) {
                  "automation runtimes by HTTP, WebSocket and a page for operators.",
                  "hmi-server");
     app.set_version_flag("--version", std::string("hmi-server ") + version);
-    app.footer("Each option can be given in the environment too: HMI_CONFIG for --config.\n"
+    app.footer("Each option but --hash-password can be given in the environment too: HMI_CONFIG "
+               "for --config,\nseveral values of a repeatable one with commas between them. The "
+               "command line wins.\n"
                "Exit code 2: bad arguments, files that cannot be used, or an extension that "
                "refuses to start.");
     describe(app, options, typed);
