@@ -3,7 +3,7 @@
 #include "tests/events/FakeEvent.h"
 
 /// A proxy alarm that counts its references and does nothing else.
-class InertAlarm final : public bridge_test::FakeObject<ZrEventLoggerFnxProxyLib::IZrAlarm> {
+class InertAlarm final : public bridge_test::FakeDispatch<ZrEventLoggerFnxProxyLib::IZrAlarm> {
 public:
     ULONG references = 0;
 

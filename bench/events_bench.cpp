@@ -13,6 +13,7 @@
 #include <boost/circular_buffer.hpp>
 
 #include "bench/HeapCounter.h"
+#include "bench/PlainRing.h"
 #include "events/Conversion.h"
 #include "events/LoggedEventImport.h"
 #include "events/ProxyValue.h"
@@ -242,14 +243,7 @@ void heapPerStoredEvent(benchmark::State& state) {
     }
 }
 
-class Ring {
-public:
-    explicit Ring(std::size_t limit) : events(limit) {}
-    void insert(Event event) { events.push_back(std::move(event)); }
-
-private:
-    boost::circular_buffer<Event> events;
-};
+using Ring = PlainRing<Event>;
 
 class Store {
 public:

@@ -17,9 +17,9 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
-#include <boost/circular_buffer.hpp>
 
 #include "bench/InertAlarm.h"
+#include "bench/PlainRing.h"
 #include "events/LimitedEventContainer.h"
 #include "events/ScopedEventPointer.h"
 
@@ -81,15 +81,7 @@ public:
     void insert(Item item) { benchmark::DoNotOptimize(item); }
 };
 
-class Ring {
-public:
-    static constexpr const char* name = "ring";
-    Ring(std::size_t limit, std::int64_t) : items(limit) {}
-    void insert(Item item) { items.push_back(std::move(item)); }
-
-private:
-    boost::circular_buffer<Item> items;
-};
+using Ring = PlainRing<Item>;
 
 class BareMultimap {
 public:

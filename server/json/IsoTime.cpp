@@ -1,16 +1,15 @@
 #include "server/json/IsoTime.h"
 
-#include <array>
 #include <chrono>
 #include <limits>
+
+#include "platform/IsoTimeText.h"
 
 namespace hmi {
 
 namespace {
 
 using namespace std::chrono;
-
-using Ticks = duration<std::int64_t, std::ratio<1, 10'000'000>>;
 
 constexpr std::int64_t second = 1'000'000'000;
 
@@ -77,7 +76,7 @@ void writeDigits(std::string& text, std::size_t end, Number number) {
 
 std::string isoTime(ZrHmiSrv::Timestamp time) {
     // Days from 1677 on fit into 64 bits of these, but not into nanoseconds.
-    const auto point = floor<Ticks>(sys_time<nanoseconds>{nanoseconds(time.nanoseconds())});
+    const auto point = floor<TimeTicks>(sys_time<nanoseconds>{nanoseconds(time.nanoseconds())});
     const auto day = floor<days>(point);
     const year_month_day date{day};
     const hh_mm_ss clock{point - day};
@@ -93,32 +92,13 @@ std::string isoTime(ZrHmiSrv::Timestamp time) {
 }
 
 std::optional<ZrHmiSrv::Timestamp> parseIsoTime(std::string_view text) {
-    constexpr std::string_view form = "0000-00-00T00:00:00";
-    std::array<int, 6> fields{};
-    std::size_t field = 0;
-    for (std::size_t i = 0; i < form.size(); ++i) {
-        const bool isExpected =
-            i < text.size() && (form[i] == '0' ? isDigit(text[i]) : text[i] == form[i]);
-        if (!isExpected)
-            return std::nullopt;
-        if (form[i] == '0')
-            fields[field] = fields[field] * 10 + (text[i] - '0');
-        else
-            ++field;
-    }
-    text.remove_prefix(form.size());
-    const bool hasFraction = !text.empty() && text.front() == '.';
-    const auto fraction = hasFraction ? takeFraction(text) : 0;
-    const year_month_day date{year{fields[0]}, month{static_cast<unsigned>(fields[1])},
-                              day{static_cast<unsigned>(fields[2])}};
     // The whole years that 64 bits of nanoseconds hold.
-    if (!fraction || text != "Z" || !date.ok() || fields[0] < 1678 || fields[0] > 2261 ||
-        fields[3] > 23 || fields[4] > 59 || fields[5] > 59)
+    constexpr sys_days first = year{1678} / January / 1;
+    constexpr sys_days end = year{2262} / January / 1;
+    const auto time = parseIsoTimeText(text);
+    if (!time || *time < first || *time >= end)
         return std::nullopt;
-    const nanoseconds time = sys_days{date}.time_since_epoch() + hours{fields[3]} +
-                             minutes{fields[4]} + seconds{fields[5]} +
-                             nanoseconds{*fraction / 100 * 100};
-    return ZrHmiSrv::Timestamp(time.count());
+    return ZrHmiSrv::Timestamp(nanoseconds(time->time_since_epoch()).count());
 }
 
 std::optional<ZrHmiSrv::Timespan> parseIsoDuration(std::string_view text) {

@@ -15,8 +15,7 @@ FILETIME toFiletime(FileTime time);
 
 FileTime currentTime();
 
-/// "2024-05-01T12:30:00Z", with up to nine digits of a second's fraction, of which those behind
-/// 100 ns are dropped; nothing for any other text and for what is not later than 1601 begins.
+/// "2024-05-01T12:30:00.5Z"; nothing for any other text and for what is not later than 1601 begins.
 std::optional<FileTime> parseTime(std::string_view text);
 
 }  // namespace ZrSimulator

@@ -11,14 +11,12 @@
 #define CAPABILITY(x) BRIDGE_ANNOTATE(capability(x))
 #define SCOPED_CAPABILITY BRIDGE_ANNOTATE(scoped_lockable)
 #define GUARDED_BY(x) BRIDGE_ANNOTATE(guarded_by(x))
-#define PT_GUARDED_BY(x) BRIDGE_ANNOTATE(pt_guarded_by(x))
 #define REQUIRES(...) BRIDGE_ANNOTATE(requires_capability(__VA_ARGS__))
 #define EXCLUDES(...) BRIDGE_ANNOTATE(locks_excluded(__VA_ARGS__))
 #define ACQUIRE(...) BRIDGE_ANNOTATE(acquire_capability(__VA_ARGS__))
 #define TRY_ACQUIRE(...) BRIDGE_ANNOTATE(try_acquire_capability(__VA_ARGS__))
 #define RELEASE(...) BRIDGE_ANNOTATE(release_capability(__VA_ARGS__))
 #define ACQUIRED_BEFORE(...) BRIDGE_ANNOTATE(acquired_before(__VA_ARGS__))
-#define RETURN_CAPABILITY(x) BRIDGE_ANNOTATE(lock_returned(x))
 
 template <class Native>
 class CAPABILITY("mutex") AnnotatedMutex {

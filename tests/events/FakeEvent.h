@@ -59,9 +59,9 @@ struct FakeEventData {
     bool requiresConfirmation = false;
 };
 
-/// Automation interfaces of an object of the test's, with nothing behind their common half.
+/// Automation interfaces of an object of the test's, with nothing behind what they share.
 template <class... Interfaces>
-class FakeObject : public Interfaces... {
+class FakeDispatch : public Interfaces... {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
     ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
@@ -77,7 +77,7 @@ public:
     }
 
 protected:
-    ~FakeObject() = default;
+    ~FakeDispatch() = default;
 };
 
 /// A call that answers a value, unless the border fails it.
@@ -89,7 +89,7 @@ protected:
 /// An event owned by the test, which counts the references to it: as an alarm, a message and a
 /// logged event at once, whichever it is taken for.
 class FakeEvent final
-    : public FakeObject<fnx::IZrAlarm, fnx::IZrMessage, fnx::IZrLoggedEvent, fnx::IZrJsonAttribute>,
+    : public FakeDispatch<fnx::IZrAlarm, fnx::IZrMessage, fnx::IZrLoggedEvent, fnx::IZrJsonAttribute>,
       public fnx::IZrEventArguments,
       public fnx::IZrEventInstance,
       public fnx::IZrLoggedEvent2 {

@@ -6,7 +6,7 @@ namespace bridge_test {
 
 /// The logger's own, as its items are the test's.
 template <class Collection, class Item>
-class FakeCollection final : public FakeObject<Collection> {
+class FakeCollection final : public FakeDispatch<Collection> {
 public:
     explicit FakeCollection(FakeBorder& border) : border(border) {}
 
@@ -27,7 +27,7 @@ private:
 };
 
 /// A logger that is on the stack, connected, and answers its two lists.
-class FakeLogger final : public FakeObject<fnx::IZrEventLogger4> {
+class FakeLogger final : public FakeDispatch<fnx::IZrEventLogger4> {
 public:
     explicit FakeLogger(FakeBorder& border) : border(border) {}
 
