@@ -27,7 +27,7 @@ install(TARGETS ZrHmiEventLogger ZrEventLoggerFnxProxy ZrFnxDll
     ARCHIVE COMPONENT import EXCLUDE_FROM_ALL)
 install(FILES demo/plant.json demo/config.json
     DESTINATION ${CMAKE_INSTALL_DATADIR}/hmi-server/demo COMPONENT runtime)
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT runtime)
 if(MINGW)
     install(FILES ${runtime_libraries} $<TARGET_FILE:boost_thread>
@@ -51,7 +51,20 @@ install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ZrHmiSrv/host C
 target_include_directories(ZrHmiSrvExt INTERFACE
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ZrHmiSrv>)
 target_compile_features(ZrHmiSrvExt INTERFACE cxx_std_20)
-add_library(ZrHmiSrv::ZrHmiSrvExt ALIAS ZrHmiSrvExt)
+
+# What find_package gives, in this tree: these headers and no others.
+set(public_headers ${CMAKE_BINARY_DIR}/include/ZrHmiSrv)
+file(REMOVE_RECURSE ${public_headers})
+file(MAKE_DIRECTORY ${public_headers}/host)
+foreach(header ${headers})
+    cmake_path(GET header FILENAME name)
+    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${header} ${public_headers}/host/${name}
+        COPY_ON_ERROR SYMBOLIC)
+endforeach()
+add_library(ZrHmiSrvInstalled INTERFACE)
+target_include_directories(ZrHmiSrvInstalled INTERFACE ${public_headers})
+target_link_libraries(ZrHmiSrvInstalled INTERFACE $<LINK_ONLY:ZrHmiSrvExt> Boost::headers)
+add_library(ZrHmiSrv::ZrHmiSrvExt ALIAS ZrHmiSrvInstalled)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZrHmiSrv)
 install(EXPORT ZrHmiSrv NAMESPACE ZrHmiSrv:: FILE ZrHmiSrvTargets.cmake

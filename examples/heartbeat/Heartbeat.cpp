@@ -1,12 +1,10 @@
-/// Watches over something that is to be alive: whoever is sends the command "Beat". When none has
-/// come for the configured TIMEOUT an alarm is raised; the next one clears it, an operator confirms
-/// it.
+/// Watches over something that sends the command "Beat" while it is alive. When none has come for
+/// the configured TIMEOUT an alarm is raised; the next one clears it, an operator confirms it.
 #include <chrono>
 #include <exception>
 #include <host/IZrHmiSrvExtHost.h>
 #include <host/Threading.h>
 #include <mutex>
-#include <new>
 #include <string_view>
 
 using namespace ZrHmiSrv;
@@ -54,7 +52,7 @@ public:
         return watch.stop(1000) ? ErrorValue::success : ErrorValue::operation_failed;
     }
 
-    ResultPair handle(const Context&, CommandGroup& commands) override {
+    ResultPair handle(const Context&, CommandGroup& commands) override try {
         for (auto command = commands.begin_vector(); command != commands.end_vector(); ++command) {
             if (std::string_view(command->mapping()) == "Beat")
                 beat();
@@ -62,36 +60,42 @@ public:
                 command->set_extension_result(static_cast<unsigned>(ErrorValue::unknown_command));
         }
         return ErrorValue::success;
+    } catch (const std::exception&) {
+        return ErrorValue::operation_failed;
     }
 
-    ResultPair confirm_alarm(const Context&, const Alarm& confirmed) override {
+    ResultPair confirm_alarm(const Context&, const Alarm& confirmed) override try {
         const std::lock_guard lock(mutex);
         if (!alarm.isset() || confirmed.id() != alarm.id())
             return {ErrorValue::request_failed, "there is no such alarm"};
         alarm.set_time_confirmed(Timestamp::now());
         alarm.set_confirmation_state(AlarmConfirmationState::confirmed);
         return host->apply_alarm(context, AlarmOperation::update, alarm);
+    } catch (const std::exception&) {
+        return ErrorValue::operation_failed;
     }
 
-    ResultPair provide_events(const Context&, IEventReceiver& receiver) override {
+    ResultPair provide_events(const Context&, IEventReceiver& receiver) override try {
         const std::lock_guard lock(mutex);
         const Event& last = alarm;
         receiver.replace_events(targetName, {&last, alarm.isset() ? 1U : 0U});
         return ErrorValue::success;
+    } catch (const std::exception&) {
+        return ErrorValue::operation_failed;
     }
 
     ErrorValue localize_event(Context, const char* locale, ILocalizable& item,
-                              String& text) override {
+                              String& text) override try {
         if (std::string_view(item.name()) != alarmName)
             return ErrorValue::unsupported_item;
-        text.set_name(std::string_view(locale).starts_with("de") ? "Kein Lebenszeichen"
-                                                                 : "No sign of life");
+        text.set_name(std::string_view(locale).starts_with("de") ? "Kein Puls" : "No pulse");
         return ErrorValue::success;
+    } catch (const std::exception&) {
+        return ErrorValue::operation_failed;
     }
 
 private:
     using Clock = std::chrono::steady_clock;
-
     void beat() {
         const std::lock_guard lock(mutex);
         last = Clock::now();
@@ -135,9 +139,11 @@ private:
 }  // namespace
 
 ZRHMISRV_ENTRY int ext_interface(IZrHmiSrvExtHost* host, IZrHmiSrvExt** extension,
-                                 double* version) {
+                                 double* version) try {
     initialize_api(host);
-    *extension = new (std::nothrow) Heartbeat(host);
     *version = interface_version;
+    *extension = new Heartbeat(host);
     return 0;
+} catch (const std::exception&) {
+    return 1;
 }

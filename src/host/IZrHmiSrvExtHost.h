@@ -41,7 +41,9 @@ public:
     virtual ResultPair reserved_7() { return ErrorValue::unknown_command; }
     virtual ResultPair reserved_8() { return ErrorValue::unknown_command; }
     /// Slot 9. The listener stays the extension's. An object that is several listeners registers
-    /// each of them, as a pointer to that interface.
+    /// each of them, as a pointer to that interface. `settings` are of a configuration listener:
+    /// a vector of maps with "paths", a vector of the paths that it is told of ("A::*": all below
+    /// A), and "flags", of what.
     virtual ResultPair register_listener_with_settings(const Context& context,
                                                        IZrHmiSrvListener* listener,
                                                        const Value& settings) = 0;
@@ -76,7 +78,8 @@ ZRHMISRV_API void initialize_api(IZrHmiSrvExtHost* host);
 /// The version of the extension interface that these headers describe.
 inline constexpr double interface_version = 22.0;
 
-/// The one export of an extension library, under the name "ext_interface".
+/// The one export of an extension library, under the name "ext_interface". Sets the extension and
+/// `interface_version`, and returns 0; anything else, as no extension, says that there is none.
 using ExtInterface = int (*)(IZrHmiSrvExtHost* host, IZrHmiSrvExt** extension, double* version);
 
 }  // namespace ZrHmiSrv

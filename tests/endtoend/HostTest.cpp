@@ -68,7 +68,7 @@ TEST(HeartbeatTest, WhatIsNotAliveIsAnAlarmUntilItIs) {
         return events.as_array().empty() ? json::object() : events.at(0).as_object();
     };
     ASSERT_TRUE(eventually([&] { return !alarm().empty(); }));
-    EXPECT_EQ(alarm().at("text"), "Kein Lebenszeichen");
+    EXPECT_EQ(alarm().at("text"), "Kein Puls");
     EXPECT_TRUE(alarm().at("active").as_bool());
     EXPECT_EQ(server.send("POST", "/api/events/1/confirm").json().at("result"), 0);
     EXPECT_EQ(alarm().at("confirmationState"), 3);
