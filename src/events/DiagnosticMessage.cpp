@@ -13,7 +13,7 @@ using ZrHmiSrv::ValueType;
 namespace ZrHmiEventLogger {
 
 Message diagnosticMessage(Text name, std::initializer_list<Value> parameters, Severity severity) {
-    static const std::array<Text, 8> keys{"0", "1", "2", "3", "4", "5", "6", "7"};
+    static const std::array<Text, 9> keys{"0", "1", "2", "3", "4", "5", "6", "7", "8"};
     assert(parameters.size() <= keys.size());
     Value map(ValueType::structure);
     map.reserve(parameters.size());

@@ -17,6 +17,8 @@ struct ImportResult {
     std::uint64_t keptIds = 0;       ///< of those, known to the host before
     std::uint64_t recorded = 0;      ///< notifications that arrived meanwhile
     std::uint64_t rejected = 0;      ///< events that contradict themselves, left out
+    std::uint64_t overruns = 0;      ///< of the target's imports, those that more notifications met
+                                     ///< than are kept, and that were done again
     std::chrono::nanoseconds duration{};
     /// The logger's database changed meanwhile: what was imported is stale already.
     std::optional<ZrEventLoggerFnxProxyLib::tagDatabaseChangeReasonEnum> databaseChange;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <stdexcept>
+#include <string>
 
 namespace ZrHmiEventLogger {
 
@@ -25,12 +27,12 @@ struct LoggedEventImport::Replay {
 void LoggedEventImport::lookAhead(const NotificationRecorder::Records& records, Replay& state) {
     std::unordered_set<const IZrAlarm*> removed;
     for (const auto& record : records) {
-        const IZrAlarm* const alarm = record->alarm.get();
-        if (record->kind == NotificationKind::alarmRaised) {
+        const IZrAlarm* const alarm = record.alarm.get();
+        if (record.kind == NotificationKind::alarmRaised) {
             ++state.raisesAhead[alarm];
             if (removed.erase(alarm) != 0)
-                state.begins[alarm] = record.get();
-        } else if (alarm && record->flag == VARIANT_TRUE) {
+                state.begins[alarm] = &record;
+        } else if (alarm && record.flag == VARIANT_TRUE) {
             removed.insert(alarm);
         }
     }
@@ -74,6 +76,10 @@ void LoggedEventImport::beginRecording() {
 void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& result) {
     NotificationRecorder::Records records;
     Lock lock(notifications.sinkMutex);
+    if (!notifications.isComplete())
+        throw std::runtime_error("More than " + std::to_string(notifications.capacity) +
+                                 " notifications arrived during the import, which is done again.");
+    result.overruns = notifications.overrunCount();
     lifecycle.imported() = snapshot.takeIdentities();
     exchangeStores(snapshot);
     records = notifications.takeRecords();
@@ -81,12 +87,13 @@ void LoggedEventImport::swapAndReplay(ImportSnapshot& snapshot, ImportResult& re
     Replay state{snapshot, {}, {}, {}};
     lookAhead(records, state);
     for (auto& record : records) {
-        if (record->kind == NotificationKind::databaseChanged) {
-            result.databaseChange = record->reason;
+        if (record.kind == NotificationKind::databaseChanged) {
+            result.databaseChange = record.reason;
             break;
         }
-        replay(*record, state);
-        record.reset();
+        replay(record, state);
+        record.alarm = {};
+        record.message = {};
     }
     const std::chrono::nanoseconds timeout(context.timeout.nanoseconds());
     lifecycle.imported().endAt(ImportedIdentities::Clock::now() + std::min(timeout, longestDelay));

@@ -26,9 +26,9 @@ public:
                       NotificationRecorder& notifications, AlarmLifecycle& lifecycle)
         : context(context), store(store), notifications(notifications), lifecycle(lifecycle) {}
 
-    /// Throws what the proxy threw, or Abandoned when the target is over. The store is then what it
-    /// was, or the rebuilt one when only the replay failed; the notifications that were recorded
-    /// are gone. One import at a time, called with no lock held that a notification takes.
+    /// Throws what the proxy threw, Abandoned when the target is over, or std::runtime_error when
+    /// more notifications arrived than are recorded. The store is then what it was, or the rebuilt
+    /// one when only the replay failed; the notifications that were recorded are gone. One import at a time, called with no lock held that a notification takes.
     ImportResultPtr run(Logger& logger) EXCLUDES(notifications.sinkMutex);
     /// Whether the last run, failed or not, left another store behind than it found.
     bool exchangedStore() const { return storeExchanged; }

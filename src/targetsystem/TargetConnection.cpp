@@ -179,7 +179,8 @@ void TargetConnection::logImport(const ImportResult& result) {
     with.context.logging.logMessage(
         diagnosticMessage("LOGGED_EVENTS_IMPORTED",
                           {settings.name, result.number, result.loggedEvents, result.activeAlarms,
-                           result.keptIds, result.recorded, milliseconds, result.rejected},
+                           result.keptIds, result.recorded, milliseconds, result.rejected,
+                           result.overruns},
                           Severity::verbose));
 }
 

@@ -85,7 +85,7 @@ struct TargetWorld {
     const ZrHmiEventLogger::EventContext context;
     ZrHmiEventLogger::EventStore store{context};
     ZrHmiEventLogger::AlarmLifecycle lifecycle{context, store};
-    ZrHmiEventLogger::NotificationRecorder notifications;
+    ZrHmiEventLogger::NotificationRecorder notifications{20};
     ZrHmiEventLogger::LoggedEventImport importer{context, store, notifications, lifecycle};
 };
 
