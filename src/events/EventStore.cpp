@@ -1,5 +1,7 @@
 #include "events/EventStore.h"
 
+#include <thread>
+
 #include "events/DiagnosticMessage.h"
 
 using ZrHmiSrv::Event;
@@ -30,6 +32,15 @@ std::shared_ptr<EventStore::Container> EventStore::exchange(std::shared_ptr<Cont
     collectEvictions();
     publish();
     return rebuilt;
+}
+
+void EventStore::awaitChange(std::chrono::steady_clock::time_point deadline) {
+    while (!publishMutex.try_lock()) {
+        if (std::chrono::steady_clock::now() >= deadline)
+            return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    publishMutex.unlock();
 }
 
 bool EventStore::removeAlarms() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -61,6 +62,8 @@ public:
     /// destroyed with no lock held.
     std::shared_ptr<Container> exchange(std::shared_ptr<Container> rebuilt) REQUIRES(publishMutex)
         EXCLUDES(storeMutex);
+    /// Returns when the change that is under way has been told, or at the deadline.
+    void awaitChange(std::chrono::steady_clock::time_point deadline) EXCLUDES(publishMutex);
     /// Takes out all events that are alarms; false when there are none.
     bool removeAlarms() EXCLUDES(publishMutex, storeMutex);
     /// Hands all events to the receiver, oldest first, as one batch that no change interrupts.

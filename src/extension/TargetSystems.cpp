@@ -44,16 +44,14 @@ TargetSystems::Kept TargetSystems::remove(std::string_view name) {
 }
 
 std::vector<TargetSystems::Kept> TargetSystems::close() {
-    decltype(targetSystems) leaving;
-    {
-        Lock lock(targetSystemsMutex);
-        closed = true;
-        leaving.swap(targetSystems);
-    }
     std::vector<Kept> all;
-    all.reserve(leaving.size());
-    for (auto& [name, kept] : leaving)
+    Lock lock(targetSystemsMutex);
+    closed = true;
+    // All that can fail comes before the first of them leaves.
+    all.reserve(targetSystems.size());
+    for (auto& [name, kept] : targetSystems)
         all.push_back(std::move(kept));
+    targetSystems.clear();
     return all;
 }
 

@@ -66,11 +66,9 @@ HRESULT TargetSystem::ClearLoggedEvents() {
 }
 
 void TargetSystem::beginRetiring(TimePoint deadline) {
-    {
-        // A change that is being told is told wholly.
-        Lock lock(store.publishMutex);
-        retired = true;
-    }
+    retired = true;
+    // A change that is being told is told wholly, as long as the host does not hang in it.
+    store.awaitChange(deadline);
     logging.close(deadline);
 }
 

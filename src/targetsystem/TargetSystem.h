@@ -55,7 +55,7 @@ public:
     HRESULT RequestReconnect() { return connection.requestReconnect(); }
     HRESULT ClearLoggedEvents();
     /// Tells the host nothing from now on, and its keeper begins nothing more. Waits for what is
-    /// just being told, until the deadline for what is no change.
+    /// just being told, until the deadline.
     void beginRetiring(TimePoint deadline);
     /// The same, and unsubscribes and disconnects, the latter only before the deadline. Keeper
     /// only, or the last owner.

@@ -1,5 +1,6 @@
 /// A target system against a simulated runtime that refuses, accepts, falls back and drops.
 #include <atomic>
+#include <future>
 #include <memory>
 #include <thread>
 
@@ -213,6 +214,25 @@ TEST_F(Connection, WhatComesBackLateReachesNobody) {
     target.reset();
     EXPECT_THAT(logging.take(), IsEmpty());
     EXPECT_EQ(simulation.liveObjects(), 0);
+}
+
+TEST_F(Connection, AHostThatHangsKeepsNoRetiringWaiting) {
+    ASSERT_TRUE(connect());
+    std::promise<void> inside;
+    std::promise<void> released;
+    logging.onCall = [&](const std::string& line) {
+        if (line.starts_with("raise ")) {
+            inside.set_value();
+            released.get_future().wait();
+        }
+    };
+    simulation.raise("hot");
+    inside.get_future().wait();
+    target->beginRetiring(std::chrono::steady_clock::now());
+    logging.take();
+    released.set_value();
+    target->retire(TargetSystem::TimePoint::max());
+    EXPECT_THAT(logging.take(), IsEmpty());
 }
 
 TEST_F(Connection, ANotificationThatDoesNotFitIsMadeUpForByAnImport) {
