@@ -27,6 +27,10 @@ struct ChangedAlarms::Change {
     Timestamp confirmed;
 
     Timestamp loggerTime() const { return isClear ? cleared : confirmed; }
+    /// As far as the logger says, the alarm has not ended since it was raised last.
+    bool mayBeLate(const Alarm& alarm) const {
+        return cleared < key.timeRaised && alarm.time_raised() == key.timeRaised;
+    }
 
     void applyTo(Alarm& alarm) const {
         alarm.set_confirmation_state(confirmationState);
@@ -73,7 +77,9 @@ void ChangedAlarms::change(const RecordedCallback& notification, Audience audien
     });
     if (change.removed)
         identities.settle(change.key);
-    if (released.pointer)
+    if (released.pointer && change.mayBeLate(*alarm))
+        identities.unsettle({change.key, alarm->id()});
+    else if (released.pointer)
         identities.forget(change.key);
     if (!alarm)
         return tellUnknown(change, audience);

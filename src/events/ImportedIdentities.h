@@ -37,6 +37,12 @@ public:
     /// A logged alarm that the log showed as alive but the active list did not hold: its end may
     /// still be told, and before it that the alarm was raised again.
     void addUnsettled(const UnsettledAlarm& alarm, const AlarmInstance& instance);
+    /// The end of a live alarm was told, which may be late: that of a time before the import. Then it
+    /// is told as well that the alarm was raised at the time for which it was taken over.
+    void unsettle(const UnsettledAlarm& alarm) {
+        if (alarm.key.number && contains(alarm.key))
+            unsettledAlarms.insert_or_assign(alarm.key, alarm.hostId);
+    }
     /// Its end was told, or the alarm stands in the store as a live one now.
     void settle(const AlarmKey& key) { unsettledAlarms.erase(key); }
 

@@ -154,6 +154,7 @@ TEST_F(LoggedEventImport, AnAlarmThatEndsAndIsRaisedAgainStandsThereAlive) {
         {false, false, 4, {"4s alarm 1", "9s alarm 2"}},
         {true, false, 1, {"1s alarm 1", "9s alarm 2"}},
         {true, false, 4, {"1s alarm 1 cleared now", "4s alarm 3", "9s alarm 2"}},
+        {true, true, 1, {"1s alarm 1", "9s alarm 2"}},
         {true, true, 4, {"1s alarm 1 cleared now", "4s alarm 3", "9s alarm 2"}},
     };
     for (const Case& tested : cases) {
@@ -187,7 +188,13 @@ TEST_F(LoggedEventImport, AnAlarmThatEndsAndIsRaisedAgainStandsThereAlive) {
     import();
     cleared(alarm, VARIANT_TRUE);
     raised(alarm);
-    EXPECT_THAT(stored(), ElementsAre("1s alarm 1 cleared now", "1s alarm 2")) << "also after it";
+    EXPECT_THAT(stored(), ElementsAre("1s alarm 1")) << "all of it is told late";
+    alarm.data.cleared = at(1);
+    cleared(alarm, VARIANT_TRUE);
+    alarm.data.cleared = 0;
+    raised(alarm);
+    EXPECT_THAT(stored(), ElementsAre("1s alarm 1 cleared 1s", "1s alarm 3"))
+        << "after it, in one instant";
 
     TargetWorld unlisted(100);  // neither as it was nor as it is
     unlisted.logger.afterTheLists = [&] {
@@ -435,6 +442,20 @@ TEST_F(LoggedEventImport, OneThatFailsOrIsAbandonedChangesNothing) {
     host.take();
     sent(*logger.logged[0]);
     EXPECT_THAT(host.take(), Contains("send 1s")) << "neither recorded nor taken for a late one";
+
+    // More than are kept are given up, and made up for by the next.
+    const LONG references = this->references();
+    logger.afterTheLists = [&] {
+        for (std::size_t count = 0; count < notifications.capacity + 5; ++count)
+            sent(*logger.logged[0]);
+        EXPECT_EQ(this->references(), references);
+    };
+    border.goodCalls = -1;
+    EXPECT_THROW(import(), std::runtime_error);
+    sent(*logger.logged[0]);
+    EXPECT_THAT(host.take(), Contains("send 1s")) << "recorded no more";
+    logger.afterTheLists = [] {};
+    EXPECT_EQ(import()->overruns, 1U);
 }
 
 TEST_F(LoggedEventImport, LeavesOutWhatContradictsItself) {
