@@ -18,6 +18,10 @@ using Scenario = PlantScenario;
 const json::value success{{"result", 0}};
 
 TEST_F(Scenario, AnAlarmIsRaisedConfirmedAndCleared) {
+    // A runtime is asked whether it is connected when its import has been handed over.
+    for (const std::string& netId : {filler, packer})
+        ASSERT_TRUE(eventually(
+            [&] { return simulated(netId).at("calls").at("IsConnected") != json::value(0); }));
     EXPECT_EQ(countOf("kind=message"), 2U) << "the logs of both runtimes were imported";
     StreamClient stream(server.port());
 
