@@ -1,13 +1,12 @@
 #include "bench/HeapCounter.h"
 
-#include <atomic>
 #include <cstdlib>
 #include <new>
 
 namespace {
 
-std::atomic<std::size_t> allocationCount = 0;
-std::atomic<std::size_t> byteCount = 0;
+thread_local std::size_t allocationCount = 0;
+thread_local std::size_t byteCount = 0;
 
 }  // namespace
 
@@ -16,8 +15,8 @@ HeapUse HeapUse::now() noexcept {
 }
 
 void* operator new(std::size_t size) {
-    allocationCount.fetch_add(1, std::memory_order_relaxed);
-    byteCount.fetch_add(size, std::memory_order_relaxed);
+    ++allocationCount;
+    byteCount += size;
     if (void* memory = std::malloc(size))
         return memory;
     throw std::bad_alloc();

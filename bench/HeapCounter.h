@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-/// What the whole process has taken from the heap, counted by a replaced operator new.
+/// What the calling thread has taken from the heap, counted by a replaced operator new.
 struct HeapUse {
     std::size_t allocations;
     std::size_t bytes;

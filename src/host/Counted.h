@@ -12,11 +12,17 @@ public:
     Counted(const Counted&) noexcept {}
     Counted& operator=(const Counted&) = delete;
 
-    void retain() const noexcept { owners.fetch_add(1, std::memory_order_relaxed); }
+    void retain() const noexcept {
+        if (!is_permanent())
+            owners.fetch_add(1, std::memory_order_relaxed);
+    }
     /// True when that was the last owner: the caller deletes the node.
     bool release() const noexcept {
-        return unique() || owners.fetch_sub(1, std::memory_order_acq_rel) == 1;
+        return unique() ||
+               (!is_permanent() && owners.fetch_sub(1, std::memory_order_acq_rel) == 1);
     }
+    /// Is never deleted, and its owners are not counted: threads that share it write nothing.
+    void make_permanent() noexcept { owners.store(permanent, std::memory_order_relaxed); }
     /// Acquires, so that what former owners did with the node has happened before a change of it.
     bool unique() const noexcept { return owners.load(std::memory_order_acquire) == 1; }
 
@@ -24,6 +30,11 @@ protected:
     ~Counted() = default;
 
 private:
+    static constexpr std::uint32_t permanent = 0;  // no node that can be reached has no owners
+    bool is_permanent() const noexcept {
+        return owners.load(std::memory_order_relaxed) == permanent;
+    }
+
     mutable std::atomic<std::uint32_t> owners{1};
 };
 

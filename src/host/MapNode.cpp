@@ -1,6 +1,13 @@
+#include <limits>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
 #include "host/ValueNodes.h"
 
 namespace ZrHmiSrv::detail {
+
+static_assert(sizeof(MapNode) % alignof(MapEntry) == 0 && alignof(MapNode) >= alignof(MapEntry));
 
 namespace {
 
@@ -11,10 +18,23 @@ bool is_equal(std::string_view a, std::string_view b) noexcept {
 
 }  // namespace
 
-MapNode::MapNode(const MapNode& other)
-    : Shareable(other),
-      entries(other.entries),
-      index(other.index ? std::make_unique<Index>(*other.index) : nullptr) {}
+MapNode* MapNode::create(std::size_t capacity) {
+    if (capacity > std::numeric_limits<std::uint32_t>::max())
+        throw std::length_error("map too large");
+    void* const memory = ::operator new(sizeof(MapNode) + capacity * sizeof(MapEntry));
+    return ::new (memory) MapNode(static_cast<std::uint32_t>(capacity));
+}
+
+MapNode* MapNode::copy(const MapNode& other) {
+    std::unique_ptr<MapNode> made(create(other.count));
+    for (const MapEntry& entry : other) {
+        ::new (made->end()) MapEntry(entry);
+        ++made->count;
+    }
+    if (other.index)
+        made->index = std::make_unique<Index>(*other.index);
+    return made.release();
+}
 
 const MapEntry* MapNode::find(std::string_view name) const noexcept {
     if (!index)
@@ -28,21 +48,32 @@ MapEntry* MapNode::find(std::string_view name) noexcept {
     return begin() + (std::as_const(*this).find(name) - begin());
 }
 
-MapEntry& MapNode::append(Text&& name, Value&& value) {
-    constexpr std::size_t firstCapacity = 4;
-    if (entries.empty())
-        entries.reserve(firstCapacity);
-    MapEntry& added = entries.emplace_back(std::move(name), std::move(value));
+void MapNode::index_last() {
+    MapEntry& last = *(end() - 1);
     try {
         if (index)
-            index->emplace(added.name.view(), entries.size() - 1);
-        else if (entries.size() == indexedFrom)
+            index->emplace(last.name.view(), count - 1);
+        else
             create_index();
     } catch (...) {
-        entries.pop_back();
+        std::destroy_at(&last);
+        --count;
         throw;
     }
-    return added;
+}
+
+void MapNode::reserve(MapNode*& node, std::size_t capacity) {
+    if (capacity <= node->capacity)
+        return;
+    if (node->index)
+        node->index->reserve(capacity);
+    MapNode* const larger = create(capacity);
+    std::uninitialized_move(node->begin(), node->end(), larger->begin());
+    larger->count = node->count;
+    larger->index = std::move(node->index);
+    if (node->is_exposed())
+        larger->expose();
+    delete std::exchange(node, larger);
 }
 
 MapEntry* MapNode::remove(MapEntry* position) {
@@ -52,21 +83,17 @@ MapEntry* MapNode::remove(MapEntry* position) {
         for (auto& [name, behind] : *index)
             behind -= behind > removed ? 1 : 0;
     }
-    entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(removed));
-    return begin() + removed;
-}
-
-void MapNode::reserve(std::size_t count) {
-    entries.reserve(count);
-    if (index)
-        index->reserve(count);
+    std::move(position + 1, end(), position);
+    std::destroy_at(end() - 1);
+    --count;
+    return position;
 }
 
 void MapNode::create_index() {
     auto created = std::make_unique<Index>();
-    created->reserve(entries.capacity());
-    for (std::size_t position = 0; position < entries.size(); ++position)
-        created->emplace(entries[position].name.view(), position);
+    created->reserve(capacity);
+    for (std::size_t position = 0; position < count; ++position)
+        created->emplace(begin()[position].name.view(), position);
     index = std::move(created);
 }
 

@@ -4,12 +4,15 @@
 #include <limits>
 #include <new>
 #include <stdexcept>
+#include <unordered_map>
+
+#include "platform/Mutex.h"
 
 namespace ZrHmiSrv {
 
 namespace {
 
-const detail::TextNode* create_node(std::string_view text) {
+detail::TextNode* create_node(std::string_view text) {
     if (text.size() >= std::numeric_limits<std::uint32_t>::max())
         throw std::length_error("text too long");
     void* memory = ::operator new(sizeof(detail::TextNode) + text.size() + 1);
@@ -18,6 +21,13 @@ const detail::TextNode* create_node(std::string_view text) {
     characters[text.size()] = '\0';
     return new (memory) detail::TextNode(static_cast<std::uint32_t>(text.size()));
 }
+
+/// One node for each text.
+struct Constants {
+    using Node = boost::intrusive_ptr<const detail::TextNode>;
+    Mutex mutex;
+    std::unordered_map<std::string_view, Node> nodes GUARDED_BY(mutex);
+};
 
 }  // namespace
 
@@ -29,6 +39,21 @@ void detail::destroy(const TextNode* node) noexcept {
 Text::Text(std::string_view text) {
     if (!text.empty())
         node = Node(create_node(text), false);
+}
+
+Text Text::constant(std::string_view text) {
+    if (text.empty())
+        return {};
+    // Never destroyed: what uses them may go later, and extensions that are unloaded leave theirs.
+    static Constants& all = *new Constants;
+    Lock lock(all.mutex);
+    if (const auto known = all.nodes.find(text); known != all.nodes.end())
+        return Text(known->second);
+    detail::TextNode* const created = create_node(text);
+    Node node(created, false);
+    all.nodes.emplace(node->view(), node);
+    created->make_permanent();
+    return Text(std::move(node));
 }
 
 }  // namespace ZrHmiSrv

@@ -42,6 +42,8 @@ public:
     /// Throws std::length_error from 4 GiB on.
     Text(std::string_view text);
     Text(const char* text) : Text(std::string_view(text ? text : "")) {}
+    /// For the names that code has: stays until the process ends, and is shared without counting.
+    static Text constant(std::string_view text);
 
     std::string_view view() const noexcept { return node ? node->view() : std::string_view(); }
     /// Null-terminated; never null.

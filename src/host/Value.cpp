@@ -13,13 +13,27 @@ static_assert(sizeof(Value) == 16);
 
 namespace {
 
+detail::VectorNode* create(const detail::VectorNode*) {
+    return new detail::VectorNode;
+}
+detail::MapNode* create(const detail::MapNode*) {
+    return detail::MapNode::create();
+}
+
+detail::VectorNode* copy(const detail::VectorNode& node) {
+    return new detail::VectorNode(node);
+}
+detail::MapNode* copy(const detail::MapNode& node) {
+    return detail::MapNode::copy(node);
+}
+
 /// For another owner: the node itself, or a copy while references into it are handed out.
 template <class Node>
 Node* share(Node* node) {
     if (!node)
         return nullptr;
     if (node->is_exposed())
-        return new Node(*node);
+        return copy(*node);
     node->retain();
     return node;
 }
@@ -235,9 +249,9 @@ detail::VectorNode& Value::own_vector() {
 template <class Node>
 Node& Value::own(Node*& node) {
     if (!node) {
-        node = new Node;
+        node = create(node);
     } else if (!node->unique()) {
-        Node* shared = std::exchange(node, new Node(*node));
+        Node* shared = std::exchange(node, copy(*node));
         if (shared->release())
             destroy(shared);
     }

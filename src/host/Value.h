@@ -50,6 +50,8 @@ class ZRHMISRV_API Binary {
 public:
     Binary() noexcept = default;
     explicit Binary(std::span<const std::byte> bytes);
+    /// The bytes of a text, which is shared.
+    explicit Binary(Text content) noexcept : content(std::move(content)) {}
 
     std::span<const std::byte> bytes() const noexcept;
     std::size_t size() const noexcept { return bytes().size(); }
@@ -169,6 +171,8 @@ public:
     /// False, and nothing is changed, when the name exists.
     bool insert(const char* name, Value value) { return insert(Text(name), std::move(value)); }
     bool insert(Text name, Value value);
+    /// The same where the caller knows that the name is new.
+    void append(const Text& name, Value&& value);
     void insert_or_update(const char* name, Value value);
     void insert_or_update(Text name, Value value);
     Iterator begin();
@@ -273,7 +277,7 @@ private:
 namespace detail {
 
 struct MapEntry {
-    MapEntry(Text&& name, Value&& value) noexcept
+    MapEntry(Text name, Value&& value) noexcept
         : name(std::move(name)), value(std::move(value)) {}
 
     Text name;

@@ -1,3 +1,5 @@
+#include <cassert>
+
 #include "host/Value.h"
 #include "host/ValueNodes.h"
 
@@ -15,8 +17,8 @@ Value& Value::operator[](const char* name) {
     detail::MapNode& own = own_map();
     detail::MapEntry* entry = own.find(view(name));
     if (entry == own.end())
-        entry = &own.append(Text(name), Value());
-    own.expose();
+        entry = &detail::MapNode::append(content.map, Text(name), Value());
+    content.map->expose();
     return entry->value;
 }
 
@@ -42,10 +44,16 @@ const Value* Value::lookup(std::string_view name) const noexcept {
 bool Value::insert(Text name, Value value) {
     if (lookup(name.view()))
         return false;
-    detail::MapNode& own = own_map();
-    own.append(std::move(name), std::move(value));
-    own.seal();
+    append(name, std::move(value));
     return true;
+}
+
+void Value::append(const Text& name, Value&& value) {
+    assert(!lookup(name.view()));
+    if (!map() || !map()->unique())
+        own_map();
+    detail::MapNode::append(content.map, name, std::move(value));
+    content.map->seal();
 }
 
 void Value::insert_or_update(const char* name, Value value) {
@@ -58,8 +66,8 @@ void Value::insert_or_update(Text name, Value value) {
         entry->value = std::move(value);
         return;
     }
-    own.append(std::move(name), std::move(value));
-    own.seal();
+    detail::MapNode::append(content.map, std::move(name), std::move(value));
+    content.map->seal();
 }
 
 Value::Iterator Value::begin() {

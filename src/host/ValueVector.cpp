@@ -50,8 +50,10 @@ Value::VectorIterator Value::insert(VectorIterator position, Value value) {
 }
 
 void Value::reserve(std::size_t count) {
-    if (is_map())
-        own_map().reserve(count);
+    if (is_map() && !content.map)
+        content.map = detail::MapNode::create(count);
+    else if (is_map())
+        detail::MapNode::reserve((own_map(), content.map), count);
     else if (isset())
         own_vector().elements.reserve(count);
 }

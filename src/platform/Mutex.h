@@ -1,6 +1,7 @@
 /// Mutexes whose use clang checks (-Wthread-safety): the standard ones are not annotated.
 #pragma once
 
+#include <atomic>
 #include <mutex>
 
 #if defined(__clang__)
@@ -29,8 +30,24 @@ private:
     Native native;
 };
 
+namespace detail {
+
+class TryFlag {
+public:
+    bool try_lock() { return !taken.test_and_set(std::memory_order_acquire); }
+    void unlock() { taken.clear(std::memory_order_release); }
+
+private:
+    std::atomic_flag taken;
+};
+
+}  // namespace detail
+
 using Mutex = AnnotatedMutex<std::mutex>;
 using RecursiveMutex = AnnotatedMutex<std::recursive_mutex>;
+/// For what is held briefly and can be done without while another thread has it: cannot be waited
+/// for.
+using TryMutex = AnnotatedMutex<detail::TryFlag>;
 
 /// Holds a mutex until the end of its scope, or until `unlock`.
 template <class M>
