@@ -7,7 +7,7 @@ namespace ZrHmiEventLogger {
 
 HRESULT AlarmConfirmation::confirm(int hostId) noexcept {
     try {
-        static const ZrHmiSrv::Text name("CALL_CONFIRM");
+        static const ZrHmiSrv::Text name = ZrHmiSrv::Text::constant("CALL_CONFIRM");
         const auto alarm = store.pin(hostId);
         if (!alarm)
             return E_FAIL;

@@ -39,7 +39,7 @@ void AlarmLifecycle::onMessageSent(IZrMessage& source, bool quiet) {
         Lock lock(store.publishMutex);
         context.proceed();
         const auto evicted = store.change([&](EventStore::Container& events) {
-            kept = events.insert(eventOf(message), {}, context.eventLimit) != nullptr;
+            kept = events.insert(message, {}, context.eventLimit) != nullptr;
         });
         // The host hears of a message before it hears that the message is forgotten.
         if (kept)

@@ -10,9 +10,9 @@ using namespace ZrEventLoggerFnxProxyLib;
 using ZrHmiSrv::Alarm;
 using ZrHmiSrv::AlarmConfirmationState;
 using ZrHmiSrv::AlarmState;
-using ZrHmiSrv::Event;
 using ZrHmiSrv::Text;
 using ZrHmiSrv::Timestamp;
+using ZrHmiSrv::Value;
 
 namespace ZrHmiEventLogger {
 
@@ -59,7 +59,7 @@ ChangedAlarms::Change ChangedAlarms::read(const RecordedCallback& notification) 
 void ChangedAlarms::change(const RecordedCallback& notification, Audience audience) {
     const Change change = read(notification);
     std::optional<Alarm> alarm;
-    Event former;
+    Value former;
     Container::Released released{};
     Lock lock(store.publishMutex);
     context.proceed();
@@ -67,11 +67,9 @@ void ChangedAlarms::change(const RecordedCallback& notification, Audience audien
         auto* const entry = find(events, change);
         if (!entry)
             return;
-        Event event = entry->event();
-        alarm = event.payload().get_alarm();
+        alarm = alarmOf(*entry);
         change.applyTo(*alarm);
-        event.set_payload(*alarm);
-        former = events.replaceEvent(*entry, std::move(event));
+        former = events.replace(*entry, *alarm);
         if (change.removed && entry->isLive())
             released = events.release(*entry, context.eventLimit);
     });
@@ -102,8 +100,8 @@ ChangedAlarms::Container::Entry* ChangedAlarms::find(const Container& events,
 }
 
 void ChangedAlarms::tell(const Change& change, const Alarm& alarm, Audience audience) {
-    static const Text cleared("KNOWN_ALARM_CLEARED");
-    static const Text confirmed("KNOWN_ALARM_CONFIRMED");
+    static const Text cleared = Text::constant("KNOWN_ALARM_CLEARED");
+    static const Text confirmed = Text::constant("KNOWN_ALARM_CONFIRMED");
     if (audience == Audience::nobody)
         return;
     context.logging.logMessage(
@@ -116,8 +114,8 @@ void ChangedAlarms::tell(const Change& change, const Alarm& alarm, Audience audi
 
 /// What an import took over is known, although nothing of it has to be changed any more.
 void ChangedAlarms::tellUnknown(const Change& change, Audience audience) {
-    static const Text cleared("UNKNOWN_ALARM_CLEARED");
-    static const Text confirmed("UNKNOWN_ALARM_CONFIRMED");
+    static const Text cleared = Text::constant("UNKNOWN_ALARM_CLEARED");
+    static const Text confirmed = Text::constant("UNKNOWN_ALARM_CONFIRMED");
     if (audience == Audience::nobody || identities.contains(change.key))
         return;
     context.logging.logMessage(diagnosticMessage(

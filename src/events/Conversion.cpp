@@ -17,6 +17,7 @@ using ZrHmiSrv::Severity;
 using ZrHmiSrv::Text;
 using ZrHmiSrv::Timestamp;
 using ZrHmiSrv::Value;
+using ZrHmiSrv::ValueType;
 
 namespace ZrHmiEventLogger {
 
@@ -27,12 +28,12 @@ std::uint64_t ticksOf(FILETIME time) {
 }
 
 const Text& alarmName() {
-    static const Text name("ZREVENTLOGGER_ALARM");
+    static const Text name = Text::constant("ZREVENTLOGGER_ALARM");
     return name;
 }
 
 const Text& messageName() {
-    static const Text name("ZREVENTLOGGER_MESSAGE");
+    static const Text name = Text::constant("ZREVENTLOGGER_MESSAGE");
     return name;
 }
 
@@ -74,11 +75,10 @@ Alarm loggedAlarm(IZrLoggedEvent& source, const EventContext& context, std::int3
 }
 
 template <class Payload>
-void carry(Event& event, Payload payload) {
+void describe(Event& event, const Payload& payload) {
     event.set_name(payload.name());
     event.set_domain(payload.domain());
     event.set_time_received(payload.time_raised());
-    event.set_payload(Value(std::move(payload)));
 }
 
 }  // namespace
@@ -113,38 +113,26 @@ void toHostMessage(Message& message, IZrMessage& source, const EventContext& con
     setCommon(message, source, context);
 }
 
-void toHostEvent(Event& event, IZrLoggedEvent& source, const EventContext& context,
-                 std::int32_t hostId) {
-    event.set_domain(context.domain);
+Value toHostPayload(IZrLoggedEvent& source, const EventContext& context, std::int32_t hostId) {
     switch (context.read(source, &IZrLoggedEvent::get_EventType)) {
         case LoggedEventType::message: {
             Message message;
             setCommon(message, source, context);
-            carry(event, std::move(message));
-            break;
+            return message;
         }
         case LoggedEventType::alarm:
-            carry(event, loggedAlarm(source, context, hostId));
-            break;
+            return loggedAlarm(source, context, hostId);
     }
+    return {};
 }
 
-void setHostId(Event& event, std::int32_t hostId) {
-    Alarm alarm = std::as_const(event).payload().get_alarm();
-    event.set_payload(Value());  // so that the alarm need not be copied
-    alarm.set_id(hostId);
-    event.set_payload(Value(std::move(alarm)));
-}
-
-Event eventOf(Alarm alarm) {
+Event eventOf(Value payload) {
     Event event;
-    carry(event, std::move(alarm));
-    return event;
-}
-
-Event eventOf(Message message) {
-    Event event;
-    carry(event, std::move(message));
+    if (payload.type() == ValueType::alarm)
+        describe(event, payload.get_alarm());
+    else if (payload.type() == ValueType::message)
+        describe(event, payload.get_message());
+    event.set_payload(std::move(payload));
     return event;
 }
 

@@ -27,15 +27,11 @@ void toHostAlarm(ZrHmiSrv::Alarm& alarm, IZrAlarm& source, const EventContext& c
 
 void toHostMessage(ZrHmiSrv::Message& message, IZrMessage& source, const EventContext& context);
 
-/// The event gets a payload only when the entry is an alarm or a message.
-void toHostEvent(ZrHmiSrv::Event& event, IZrLoggedEvent& source, const EventContext& context,
-                 std::int32_t hostId);
+/// An alarm, a message, or nothing when the entry is neither.
+ZrHmiSrv::Value toHostPayload(IZrLoggedEvent& source, const EventContext& context,
+                              std::int32_t hostId);
 
-/// Of an event that carries an alarm.
-void setHostId(ZrHmiSrv::Event& event, std::int32_t hostId);
-
-/// The event that carries a live alarm or message, with its name, domain and time.
-ZrHmiSrv::Event eventOf(ZrHmiSrv::Alarm alarm);
-ZrHmiSrv::Event eventOf(ZrHmiSrv::Message message);
+/// The event that carries this alarm or message, with its name, domain and time.
+ZrHmiSrv::Event eventOf(ZrHmiSrv::Value payload);
 
 }  // namespace ZrHmiEventLogger

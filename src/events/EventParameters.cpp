@@ -80,17 +80,17 @@ void addBlock(const EventContext& context, Value& parameters, IZrEventArguments&
     check(arguments.GetBlock(reinterpret_cast<BYTE*>(block.data()),
                              static_cast<ULONG>(block.size())));
     const std::span<const std::byte> bytes(block.data(), block.size());
-    parameters.insert(keys().types,
-                      Binary(bytes.subspan(part(layout.typesOffset), part(layout.typesSize))));
-    parameters.insert(keys().data,
-                      Binary(bytes.subspan(part(layout.dataOffset), part(layout.dataSize))));
+    const auto types = bytes.subspan(part(layout.typesOffset), part(layout.typesSize));
+    const auto data = bytes.subspan(part(layout.dataOffset), part(layout.dataSize));
+    parameters.append(keys().types, texts().of(types));
+    parameters.append(keys().data, Binary(data));
 }
 
 /// Alarms and messages say how many arguments they have; the block is optional.
 template <class LiveEvent>
 void addArguments(const EventContext& context, Value& parameters, LiveEvent& source) {
     const ULONG count = context.read(source, &LiveEvent::get_ArgumentCount);
-    parameters.insert(keys().numArguments, static_cast<double>(count));
+    parameters.append(keys().numArguments, static_cast<double>(count));
     const auto arguments = context.query<IZrEventArguments>(source);
     if (!arguments)
         return;
@@ -104,11 +104,11 @@ void addArguments(const EventContext& context, Value& parameters, LiveEvent& sou
 void addArguments(const EventContext& context, Value& parameters, IZrLoggedEvent& source) {
     const auto arguments = context.query<IZrEventArguments>(source);
     if (!arguments) {
-        parameters.insert(keys().numArguments, 0);
+        parameters.append(keys().numArguments, 0);
         return;
     }
     const ArgumentBlockLayout layout = readLayout(context, parameters, *arguments);
-    parameters.insert(keys().numArguments, static_cast<double>(layout.count));
+    parameters.append(keys().numArguments, static_cast<double>(layout.count));
     addBlock(context, parameters, *arguments, layout);
 }
 
@@ -116,22 +116,22 @@ template <class Source>
 Value parametersOf(const EventContext& context, Source& source) {
     Value parameters(ValueType::structure);
     parameters.reserve(parameterCount);
-    parameters.insert(keys().targetName, context.targetName);
-    parameters.insert(keys().eventClass, texts().of(context.read(source, &IZrEvent::get_EventClass)));
-    parameters.insert(keys().eventId,
+    parameters.append(keys().targetName, context.targetName);
+    parameters.append(keys().eventClass, texts().of(context.read(source, &IZrEvent::get_EventClass)));
+    parameters.append(keys().eventId,
                       static_cast<double>(context.read(source, &IZrEvent::get_EventId)));
     const EventSource origin(context, source);
     if (origin.id)
-        parameters.insert(keys().sourceId, static_cast<double>(*origin.id));
+        parameters.append(keys().sourceId, static_cast<double>(*origin.id));
     if (origin.name)
-        parameters.insert(keys().sourceName, *origin.name);
+        parameters.append(keys().sourceName, *origin.name);
     if (origin.guid)
-        parameters.insert(keys().sourceGuid, *origin.guid);
+        parameters.append(keys().sourceGuid, *origin.guid);
     if (const auto json = context.query<IZrJsonAttribute>(source)) {
         context.proceed();
         ScopedBstr received;
         check(json->get_JsonAttribute(received.put()));
-        parameters.insert(keys().jsonAttribute, texts().of(received.get()));
+        parameters.append(keys().jsonAttribute, texts().of(received.get()));
     }
     addArguments(context, parameters, source);
     return parameters;

@@ -16,16 +16,16 @@ ZrHmiSrv::Value eventParameters(const EventContext& context,
 
 /// Made at first use: nothing of the host's library may be called while ours is being loaded.
 struct ParameterKeys {
-    ZrHmiSrv::Text targetName{"targetName"};
-    ZrHmiSrv::Text eventClass{"eventClass"};
-    ZrHmiSrv::Text eventId{"eventId"};
-    ZrHmiSrv::Text sourceId{"sourceId"};
-    ZrHmiSrv::Text sourceName{"sourceName"};
-    ZrHmiSrv::Text sourceGuid{"sourceGuid"};
-    ZrHmiSrv::Text jsonAttribute{"jsonAttribute"};
-    ZrHmiSrv::Text numArguments{"numArguments"};
-    ZrHmiSrv::Text types{"types"};
-    ZrHmiSrv::Text data{"data"};
+    ZrHmiSrv::Text targetName = ZrHmiSrv::Text::constant("targetName");
+    ZrHmiSrv::Text eventClass = ZrHmiSrv::Text::constant("eventClass");
+    ZrHmiSrv::Text eventId = ZrHmiSrv::Text::constant("eventId");
+    ZrHmiSrv::Text sourceId = ZrHmiSrv::Text::constant("sourceId");
+    ZrHmiSrv::Text sourceName = ZrHmiSrv::Text::constant("sourceName");
+    ZrHmiSrv::Text sourceGuid = ZrHmiSrv::Text::constant("sourceGuid");
+    ZrHmiSrv::Text jsonAttribute = ZrHmiSrv::Text::constant("jsonAttribute");
+    ZrHmiSrv::Text numArguments = ZrHmiSrv::Text::constant("numArguments");
+    ZrHmiSrv::Text types = ZrHmiSrv::Text::constant("types");
+    ZrHmiSrv::Text data = ZrHmiSrv::Text::constant("data");
 };
 const ParameterKeys& keys();
 

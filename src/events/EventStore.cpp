@@ -2,10 +2,12 @@
 
 #include <thread>
 
+#include "events/Conversion.h"
 #include "events/DiagnosticMessage.h"
 
 using ZrHmiSrv::Event;
 using ZrHmiSrv::IEventReceiver;
+using ZrHmiSrv::Value;
 
 namespace ZrHmiEventLogger {
 
@@ -17,7 +19,7 @@ EventStore::EventStore(const EventContext& context) : context(context) {
 void EventStore::collectEvictions() {
     // Runs inside the container only, and so under storeMutex.
     events->setEvictionCallback(
-        [into = &evicted](std::int64_t, Event event) { into->push_back(std::move(event)); });
+        [into = &evicted](std::int64_t, Value payload) { into->push_back(std::move(payload)); });
 }
 
 void EventStore::publish() {
@@ -62,21 +64,31 @@ bool EventStore::tryProvideEvents(IEventReceiver& receiver) {
 }
 
 std::vector<Event> EventStore::eventsOldestFirst() const {
+    std::vector<Value> payloads;
+    {
+        Lock lock(storeMutex);
+        payloads.reserve(events->size());
+        events->visitOldestFirst(
+            [&](const Container::Entry& entry) { payloads.push_back(entry.payload()); });
+    }
     std::vector<Event> copy;
-    Lock lock(storeMutex);
-    copy.reserve(events->size());
-    events->visitOldestFirst([&](const Container::Entry& entry) { copy.push_back(entry.event()); });
+    copy.reserve(payloads.size());
+    for (Value& payload : payloads)
+        copy.push_back(eventOf(std::move(payload)));
     return copy;
 }
 
 std::vector<LiveAlarmId> EventStore::liveAlarms() const {
     std::vector<LiveAlarmId> live;
     Lock lock(storeMutex);
-    live.reserve(events->counters().activeAlarmsCount);
+    const std::size_t count = events->counters().activeAlarmsCount;
+    if (count == 0)
+        return live;
+    live.reserve(count);
     events->visitOldestFirst([&](const Container::Entry& entry) {
         if (const AlarmKey* key = entry.alarmKey())
             live.push_back(
-                {entry.pointer()->get(), *key, entry.event().payload().get_alarm().id()});
+                {entry.pointer()->get(), *key, entry.payload().get_alarm().id()});
     });
     return live;
 }
@@ -93,12 +105,13 @@ EventStatistics EventStore::statistics() const {
 }
 
 void EventStore::forget(const Evicted& events) const {
-    for (const Event& event : events)
-        forgetEvent(event);
+    for (const Value& payload : events)
+        forgetEvent(payload);
 }
 
-void EventStore::forgetEvent(const Event& event) const {
-    static const ZrHmiSrv::Text name("FORGET_EVENT");
+void EventStore::forgetEvent(const Value& payload) const {
+    static const ZrHmiSrv::Text name = ZrHmiSrv::Text::constant("FORGET_EVENT");
+    const Event event = eventOf(payload);
     context.logging.logMessage(
         diagnosticMessage(name, {context.targetName, event.time_received()}));
     context.logging.forgetEvent(event);

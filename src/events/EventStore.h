@@ -31,7 +31,7 @@ public:
     using IZrAlarm = ZrEventLoggerFnxProxyLib::IZrAlarm;
     using Container = LimitedEventContainer<ScopedEventPointer<IZrAlarm>, IZrAlarm>;
     using AlarmPointer = std::shared_ptr<ScopedEventPointer<IZrAlarm>>;
-    using Evicted = boost::container::small_vector<ZrHmiSrv::Event, 2>;
+    using Evicted = boost::container::small_vector<ZrHmiSrv::Value, 2>;  ///< payloads
 
     explicit EventStore(const EventContext& context);
 
@@ -86,7 +86,7 @@ public:
 
 private:
     void publish() REQUIRES(storeMutex);
-    void forgetEvent(const ZrHmiSrv::Event& event) const REQUIRES(publishMutex);
+    void forgetEvent(const ZrHmiSrv::Value& payload) const REQUIRES(publishMutex);
     void collectEvictions() REQUIRES(storeMutex);
 
     const EventContext& context;

@@ -6,7 +6,7 @@
 
 using namespace ZrEventLoggerFnxProxyLib;
 using ZrAtlCom::ComPtr;
-using ZrHmiSrv::Event;
+using ZrHmiSrv::Alarm;
 using ZrHmiSrv::Value;
 using ZrHmiSrv::ValueType;
 
@@ -15,9 +15,16 @@ namespace ZrHmiEventLogger {
 namespace {
 
 /// Of one of several alarms that have the same key because their logger does not number them.
-AlarmKey keyOfCleared(AlarmKey key, const ZrHmiSrv::Alarm& alarm) {
+AlarmKey keyOfCleared(AlarmKey key, const Alarm& alarm) {
     boost::hash_combine(key.origin, alarm.time_cleared().nanoseconds());
     return key;
+}
+
+void setHostId(Value& payload, int hostId) {
+    Alarm alarm = payload.get_alarm();
+    payload = Value();  // so that the alarm need not be copied
+    alarm.set_id(hostId);
+    payload = Value(std::move(alarm));
 }
 
 bool isStillActive(const EventContext& context, IZrLoggedEvent& item) {
@@ -61,9 +68,8 @@ void ImportSnapshot::takeLogged(ComPtr<IZrLoggedEvent> item) {
         skipped.push_back({std::move(item), key, {}, {}});
         return;
     }
-    Logged entry;
-    toHostEvent(entry.event, *item, context, 0);
-    if (entry.event.payload().type() == ValueType::alarm)
+    Logged entry{toHostPayload(*item, context, 0), {}};
+    if (entry.payload.type() == ValueType::alarm)
         entry.key = alarmKeyOf(context, *item);
     logged.push_back(std::move(entry));
 }
@@ -108,7 +114,7 @@ void ImportSnapshot::convertUnlisted() {
     std::erase_if(skipped, [&](Skipped& entry) {
         return !rejected.unlessMalformed([&] {
             entry.instance = alarmInstanceOf(context, *entry.item, entry.key);
-            toHostEvent(entry.event, *entry.item, context, 0);
+            entry.payload = toHostPayload(*entry.item, context, 0);
         }) || raisedAgain.contains(entry.instance);
     });
 }
@@ -138,19 +144,19 @@ void ImportSnapshot::drawIds() {
     for (Logged& entry : logged) {
         const int hostId = context.drawHostId();
         if (entry.key)
-            setHostId(entry.event, hostId);
+            setHostId(entry.payload, hostId);
     }
     for (Active& entry : active)
         entry.alarm.set_id(entry.keptId ? *entry.keptId : context.drawHostId());
     for (Skipped& entry : skipped)
-        setHostId(entry.event, context.drawHostId());
+        setHostId(entry.payload, context.drawHostId());
 }
 
 void ImportSnapshot::build() {
     rebuilt = std::make_shared<Container>();
     rebuilt->reserve(active.size());
     rebuilt->setEvictionCallback(
-        [this](std::int64_t, Event event) { evicted.push_back(std::move(event)); });
+        [this](std::int64_t, Value payload) { evicted.push_back(std::move(payload)); });
     insertLogged();
     insertActive();
     insertUnlisted();
@@ -161,21 +167,25 @@ void ImportSnapshot::build() {
 bool ImportSnapshot::isActive(const Logged& entry) const {
     if (!entry.key || !activeKeys.contains(*entry.key))
         return false;
-    const auto alarm = entry.event.payload().get_alarm();
+    const auto alarm = entry.payload.get_alarm();
     return entry.key->number || !alarm.time_cleared().isset() ||
            clearedKeys.contains(keyOfCleared(*entry.key, alarm));
 }
 
 void ImportSnapshot::insertLogged() {
-    for (const Logged& entry : logged) {
-        const Value& payload = entry.event.payload();
-        if (!payload.isset() || isActive(entry))
+    std::size_t alarmCount = active.size() + skipped.size();
+    for (const Logged& entry : logged)
+        alarmCount += entry.key.has_value();
+    identities.reserve(alarmCount, logged.size() + active.size() + skipped.size() - alarmCount);
+    for (; !logged.empty(); logged.pop_front()) {
+        Logged& entry = logged.front();
+        if (!entry.payload.isset() || isActive(entry))
             continue;
         if (entry.key)
             identities.addAlarm(*entry.key);
         else
-            identities.addMessage(payload.get_message());
-        rebuilt->insert(entry.event, {}, context.eventLimit);
+            identities.addMessage(entry.payload.get_message());
+        rebuilt->insert(std::move(entry.payload), {}, context.eventLimit);
     }
 }
 
@@ -183,15 +193,15 @@ void ImportSnapshot::insertActive() {
     for (const Active& entry : active) {
         identities.addAlarm(entry.key);
         auto pointer = std::make_shared<ScopedEventPointer<IZrAlarm>>(entry.source);
-        rebuilt->insert(eventOf(entry.alarm), {std::move(pointer), entry.key}, context.eventLimit);
+        rebuilt->insert(entry.alarm, {std::move(pointer), entry.key}, context.eventLimit);
     }
 }
 
 void ImportSnapshot::insertUnlisted() {
     for (const Skipped& entry : skipped) {
-        identities.addUnsettled({entry.key, entry.event.payload().get_alarm().id()},
+        identities.addUnsettled({entry.key, entry.payload.get_alarm().id()},
                                 entry.instance);
-        rebuilt->insert(entry.event, {}, context.eventLimit);
+        rebuilt->insert(entry.payload, {}, context.eventLimit);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -46,7 +47,7 @@ public:
 
 private:
     struct Logged {
-        ZrHmiSrv::Event event;
+        ZrHmiSrv::Value payload;
         std::optional<AlarmKey> key;  ///< of an alarm
     };
     /// A logged alarm that the log shows as still active.
@@ -54,7 +55,7 @@ private:
         ZrAtlCom::ComPtr<IZrLoggedEvent> item;
         AlarmKey key;
         AlarmInstance instance;
-        ZrHmiSrv::Event event;
+        ZrHmiSrv::Value payload;
     };
     struct Active {
         ZrAtlCom::ComPtr<IZrAlarm> source;
@@ -88,7 +89,7 @@ private:
     ImportProgress& progress;
     std::uint64_t fetchedLogged = 0;
     std::uint64_t keptIds = 0;
-    std::vector<Logged> logged;
+    std::deque<Logged> logged;  ///< leaves it for the store, one by one
     std::vector<Skipped> skipped;
     std::vector<Active> active;
     std::unordered_set<const IZrAlarm*> activeAlarms;

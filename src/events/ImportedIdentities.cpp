@@ -1,56 +1,46 @@
 #include "events/ImportedIdentities.h"
 
-#include <string_view>
-
-#include <boost/container_hash/hash.hpp>
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "events/EventParameters.h"
 
 using ZrHmiSrv::Message;
+using ZrHmiSrv::Text;
+using ZrHmiSrv::Timestamp;
 using ZrHmiSrv::Value;
-using ZrHmiSrv::ValueType;
 
 namespace ZrHmiEventLogger {
 
 namespace {
 
-void combine(std::size_t& seed, std::string_view text) {
-    boost::hash_combine(seed, std::hash<std::string_view>()(text));
+/// Live and logged events do not say all numbers in the same type.
+bool areEqualParts(const Value* a, const Value* b) {
+    if (!a || !b)
+        return a == b;
+    if (a->is_number() && b->is_number())
+        return static_cast<double>(*a) == static_cast<double>(*b);
+    return *a == *b;
 }
 
-void combine(std::size_t& seed, const Value* value) {
-    boost::hash_combine(seed, value != nullptr);
-    if (!value)
-        return;
-    if (value->type() == ValueType::binary) {
-        const auto content = value->get_binary();
-        const auto bytes = content.bytes();
-        return combine(seed,
-                       std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
-    }
-    if (value->is_number())
-        return boost::hash_combine(seed, static_cast<double>(*value));
-    combine(seed, value->get_text().view());
+/// By class, id, source and arguments.
+bool areEqualMessages(const Message& a, const Message& b) {
+    const Text* const parts[] = {&keys().eventClass, &keys().eventId,    &keys().sourceId,
+                                 &keys().sourceName, &keys().sourceGuid, &keys().numArguments,
+                                 &keys().types,      &keys().data};
+    return std::all_of(std::begin(parts), std::end(parts), [&](const Text* part) {
+        return areEqualParts(a.parameters().lookup(part->view()),
+                             b.parameters().lookup(part->view()));
+    });
 }
 
 }  // namespace
 
-ImportedIdentities::MessageIdentity ImportedIdentities::identityOf(const Message& message) {
-    std::size_t digest = 0;
-    for (const auto* key : {&keys().eventClass, &keys().eventId, &keys().sourceId, &keys().sourceName,
-                            &keys().sourceGuid, &keys().numArguments, &keys().types, &keys().data})
-        combine(digest, message.parameters().lookup(key->view()));
-    return {message.time_raised().nanoseconds(), digest};
-}
-
-std::size_t ImportedIdentities::Hash::operator()(const MessageIdentity& identity) const {
-    std::size_t seed = identity.digest;
-    boost::hash_combine(seed, identity.timeRaised);
-    return seed;
-}
-
 void ImportedIdentities::addMessage(const Message& message) {
-    messages.insert(identityOf(message));
+    const Timestamp raised = message.time_raised();
+    isSorted = isSorted && (messages.empty() || messages.back().timeRaised <= raised);
+    messages.push_back({raised, message});
 }
 
 void ImportedIdentities::addUnsettled(const UnsettledAlarm& alarm, const AlarmInstance& instance) {
@@ -62,11 +52,15 @@ void ImportedIdentities::addUnsettled(const UnsettledAlarm& alarm, const AlarmIn
 bool ImportedIdentities::takeMessage(const Message& message) {
     if (messages.empty())
         return false;
-    const auto found = messages.find(identityOf(message));
-    if (found == messages.end())
-        return false;
-    messages.erase(found);
-    return true;
+    if (!std::exchange(isSorted, true))
+        std::ranges::stable_sort(messages, {}, &ImportedMessage::timeRaised);
+    for (ImportedMessage& known : std::ranges::equal_range(messages, message.time_raised(), {},
+                                                           &ImportedMessage::timeRaised))
+        if (known.message.isset() && areEqualMessages(known.message, message)) {
+            known.message = {};
+            return true;
+        }
+    return false;
 }
 
 std::optional<UnsettledAlarm> ImportedIdentities::unsettled(const AlarmKey& key) const {

@@ -2,10 +2,11 @@
 
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <unordered_map>
-#include <unordered_set>
+#include <vector>
+
+#include <boost/unordered/unordered_flat_set.hpp>
 
 #include "events/AlarmKey.h"
 #include "host/Event.h"
@@ -27,10 +28,15 @@ public:
     /// What the library has not delivered by then it delivers no more: all identities end.
     void endAt(Clock::time_point time) { end = time; }
     void dropEnded() {
-        if (Clock::now() >= end)
+        if (end != Clock::time_point::max() && Clock::now() >= end)
             *this = {};
     }
 
+    /// So many are to be added.
+    void reserve(std::size_t alarmCount, std::size_t messageCount) {
+        alarms.reserve(alarmCount);
+        messages.reserve(messageCount);
+    }
     /// One whose last state was taken over.
     void addAlarm(const AlarmKey& key) { alarms.insert(key); }
     void addMessage(const ZrHmiSrv::Message& message);
@@ -67,21 +73,18 @@ public:
     std::optional<UnsettledAlarm> unsettled(const AlarmInstance& instance) const;
 
 private:
-    struct MessageIdentity {
-        std::int64_t timeRaised;
-        std::size_t digest;  ///< of class, id, source and arguments
-        friend bool operator==(const MessageIdentity&, const MessageIdentity&) = default;
+    /// Holds the store's own message, which is not looked into before another one is of its time.
+    struct ImportedMessage {
+        ZrHmiSrv::Timestamp timeRaised;
+        ZrHmiSrv::Message message;  ///< unset when it has been taken
     };
-    struct Hash {
-        std::size_t operator()(const MessageIdentity& identity) const;
-    };
-    static MessageIdentity identityOf(const ZrHmiSrv::Message& message);
 
     Clock::time_point end = Clock::time_point::max();
-    std::unordered_set<AlarmKey> alarms;
+    boost::unordered_flat_set<AlarmKey, std::hash<AlarmKey>> alarms;
     std::unordered_map<AlarmKey, int> unsettledAlarms;  ///< with their host ids
     std::unordered_map<AlarmInstance, AlarmKey> unsettledInstances;
-    std::unordered_multiset<MessageIdentity, Hash> messages;
+    std::vector<ImportedMessage> messages;  ///< by time, once `isSorted`
+    bool isSorted = true;
 };
 
 }  // namespace ZrHmiEventLogger

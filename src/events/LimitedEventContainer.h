@@ -20,7 +20,8 @@
 namespace ZrHmiEventLogger {
 
 /// The events of a target system in the order of their time, as many as the limit allows, and the
-/// live proxy alarms that some of them came from.
+/// live proxy alarms that some of them came from. Of an event its payload is kept, an alarm or a
+/// message, as everything else that the event is to say is said there.
 ///
 /// Events rank by key, newest first, within a key by insertion. Those whose rank is below the
 /// limit (the window) stay; of the others only those with a live proxy alarm do. The window's end
@@ -34,10 +35,10 @@ class LimitedEventContainer {
 public:
     class Entry;
     /// Must not throw, nor use the container.
-    using EvictionCallback = std::function<void(std::int64_t key, ZrHmiSrv::Event event)>;
+    using EvictionCallback = std::function<void(std::int64_t key, ZrHmiSrv::Value payload)>;
 
     struct Removed {
-        ZrHmiSrv::Event event;
+        ZrHmiSrv::Value payload;
         std::shared_ptr<ScopedPointer> pointer;  ///< null unless the entry was live
     };
     struct Released {
@@ -55,13 +56,13 @@ public:
     /// So many live alarms then fit without a pause to grow.
     void reserve(std::size_t liveAlarms) { live.reserve(liveAlarms); }
 
-    /// Without a key the event goes where its time received puts it. A pointer that holds nothing
+    /// Without a key the event goes where its time raised puts it. A pointer that holds nothing
     /// counts as none. Null: the event was evicted at once.
-    Entry* insert(ZrHmiSrv::Event event, LiveAlarm<ScopedPointer> alarm, std::int64_t limit,
+    Entry* insert(ZrHmiSrv::Value payload, LiveAlarm<ScopedPointer> alarm, std::int64_t limit,
                   std::optional<std::int64_t> key = {}) {
-        const EventIdentity identity(event);
-        const std::int64_t place = key ? *key : event.time_received().nanoseconds();
-        std::unique_ptr<Entry> owned(new Entry(place, std::move(event), identity.kind));
+        const EventIdentity identity(payload);
+        const std::int64_t place = key ? *key : identity.timeRaised.nanoseconds();
+        std::unique_ptr<Entry> owned(new Entry(place, std::move(payload), identity.kind));
         Entry& entry = *owned;
         if (alarm.pointer && alarm.pointer->isHeld()) {
             const Interface* object = alarm.pointer->get();
@@ -100,12 +101,12 @@ public:
     }
 
     /// Changes what is stored, not where. Answers what was stored before.
-    ZrHmiSrv::Event replaceEvent(Entry& entry, ZrHmiSrv::Event event) {
-        const EventIdentity identity(event);
+    ZrHmiSrv::Value replace(Entry& entry, ZrHmiSrv::Value payload) {
+        const EventIdentity identity(payload);
         if (entry.live)
             live.setHostId(*entry.live, identity.hostId);
         statistics.replaced(std::exchange(entry.kind, identity.kind), identity.kind);
-        return std::exchange(entry.content, std::move(event));
+        return std::exchange(entry.content, std::move(payload));
     }
 
     /// Takes out every event that is an alarm, live or not.
@@ -153,7 +154,7 @@ public:
     class Entry {
     public:
         std::int64_t key() const { return place; }
-        const ZrHmiSrv::Event& event() const { return content; }
+        const ZrHmiSrv::Value& payload() const { return content; }
         bool isLive() const { return live != nullptr; }
         /// Null unless live, as is the pointer.
         const AlarmKey* alarmKey() const { return live ? &live->alarm.key : nullptr; }
@@ -163,13 +164,13 @@ public:
 
     private:
         friend class LimitedEventContainer;
-        Entry(std::int64_t place, ZrHmiSrv::Event content, EventKind kind)
+        Entry(std::int64_t place, ZrHmiSrv::Value content, EventKind kind)
             : place(place), content(std::move(content)), kind(kind) {}
         bool isEvictable() const { return outside && !live; }
 
         OrderHook hook;
         const std::int64_t place;
-        ZrHmiSrv::Event content;
+        ZrHmiSrv::Value content;
         const typename LiveIndex::Node* live = nullptr;
         EventKind kind;
         bool outside = false;  ///< of the window
@@ -263,7 +264,7 @@ private:
         const std::int64_t key = entry.place;
         Removed removed = take(entry);
         if (evictionCallback)
-            evictionCallback(key, std::move(removed.event));
+            evictionCallback(key, std::move(removed.payload));
     }
 
     Removed take(Entry& entry) {

@@ -69,7 +69,9 @@ ImportResultPtr LoggedEventImport::run(Logger& logger) {
 }
 
 void LoggedEventImport::beginRecording() {
+    ImportedIdentities former;  // released without the lock
     Lock lock(notifications.sinkMutex);
+    former = std::exchange(lifecycle.imported(), {});
     notifications.startRecording();
 }
 

@@ -13,8 +13,8 @@ using ZrHmiSrv::Value;
 namespace ZrHmiEventLogger {
 
 void RaisedAlarms::raise(IZrAlarm& source, bool quiet) {
-    static const Text newAlarm("NEW_ALARM_RAISED");
-    static const Text again("ACTIVE_ALARM_RAISED_AGAIN");
+    static const Text newAlarm = Text::constant("NEW_ALARM_RAISED");
+    static const Text again = Text::constant("ACTIVE_ALARM_RAISED_AGAIN");
     const AlarmKey key = alarmKeyOf(context, source);
     const Raised raised{source, key, findUnsettledAlarm(source, key)};
     const auto stored = findStored(raised);
@@ -77,11 +77,11 @@ void RaisedAlarms::dropFormerState(const Raised& raised, bool quiet) {
         if (entry && events.findByPointer(&raised.source))
             former = events.erase(*entry);
     });
-    if (!former.event.isset())
+    if (!former.payload.isset())
         return;
     identities.replace(raised.unsettled->key);
     if (!quiet)
-        store.forget({former.event});
+        store.forget({former.payload});
 }
 
 void RaisedAlarms::announce(const Text& name, const Raised& raised, const Alarm& alarm,
@@ -108,7 +108,7 @@ EventStore::Evicted RaisedAlarms::replace(const Raised& raised, const Alarm& ala
     return store.change([&](Container& events) {
         if (auto* entry = find(events, raised))
             former = events.erase(*entry);
-        events.insert(eventOf(alarm), {std::move(pointer), key}, context.eventLimit);
+        events.insert(alarm, {std::move(pointer), key}, context.eventLimit);
     });
 }
 
@@ -143,7 +143,7 @@ void RaisedAlarms::refresh(IZrAlarm& source, bool isRaise) {
     }
     store.change([&](Container& events) {
         if (auto* entry = find(events, raised))
-            former.event = events.replaceEvent(*entry, eventOf(alarm));
+            former.payload = events.replace(*entry, alarm);
     });
 }
 

@@ -7,7 +7,7 @@
 namespace ZrHmiEventLogger {
 
 inline ZrHmiSrv::Alarm alarmOf(const EventStore::Container::Entry& entry) {
-    return entry.event().payload().get_alarm();
+    return entry.payload().get_alarm();
 }
 
 /// A clear without a time of its own happened now.

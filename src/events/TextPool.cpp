@@ -23,7 +23,9 @@ Text TextPool::of(std::string_view text) {
     const std::size_t hash = std::hash<std::string_view>()(text);
     Shard& shard = shardOf(hash);
     Text replaced;  // released after the lock
-    Lock lock(shard.mutex);
+    if (!shard.mutex.try_lock())
+        return Text(text);
+    Lock lock(shard.mutex, std::adopt_lock);
     Text& known = shard.lately[hash / shards.size() % shard.lately.size()];
     if (known.view() != text)
         replaced = std::exchange(known, Text(text));
@@ -42,12 +44,19 @@ Text TextPool::of(BSTR text) {
     return of(std::string_view(narrow.data(), view.size()));
 }
 
+ZrHmiSrv::Binary TextPool::of(std::span<const std::byte> bytes) {
+    return ZrHmiSrv::Binary(
+        of(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size())));
+}
+
 Text TextPool::of(const GUID& guid) {
     const std::size_t hash = std::hash<std::string_view>()(
         std::string_view(reinterpret_cast<const char*>(&guid), sizeof guid));
     Shard& shard = shardOf(hash);
     GuidText replaced;  // released after the lock
-    Lock lock(shard.mutex);
+    if (!shard.mutex.try_lock())
+        return Text(ZrAtlCom::guidText(guid));
+    Lock lock(shard.mutex, std::adopt_lock);
     GuidText& known = shard.guids[hash / shards.size() % shard.guids.size()];
     if (known.text.empty() || known.guid != guid)
         replaced = std::exchange(known, {guid, Text(ZrAtlCom::guidText(guid))});

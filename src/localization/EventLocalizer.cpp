@@ -75,8 +75,8 @@ ResultPair lookUp(TextLookup& lookup, const EventReference& event, LCID language
 
 Value withTexts(Value parameters, const LocalizedTexts& texts) {
     parameters.reserve(parameters.size() + localizedParameterCount);
-    static const Text eventClassName("eventClassName");
-    static const Text localizedSourceName("localizedSourceName");
+    static const Text eventClassName = Text::constant("eventClassName");
+    static const Text localizedSourceName = Text::constant("localizedSourceName");
     parameters.insert_or_update(eventClassName, texts.eventClassName);
     if (texts.sourceName.isset())
         parameters.insert_or_update(localizedSourceName, texts.sourceName);

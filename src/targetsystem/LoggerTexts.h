@@ -24,8 +24,8 @@ ZrHmiSrv::Value readGuidance(const EventContext& context, IZrEventLogger4& logge
 
 /// Made at first use: nothing of the host's library may be called while ours is being loaded.
 struct GuidanceKeys {
-    ZrHmiSrv::Text causeRemedy{"causeRemedy"};
-    ZrHmiSrv::Text details{"details"};
+    ZrHmiSrv::Text causeRemedy = ZrHmiSrv::Text::constant("causeRemedy");
+    ZrHmiSrv::Text details = ZrHmiSrv::Text::constant("details");
     ZrHmiSrv::Text id{"id"};
     ZrHmiSrv::Text cause{"cause"};
     ZrHmiSrv::Text remedy{"remedy"};
