@@ -1,5 +1,7 @@
 #include "targetsystem/TranslationCache.h"
 
+#include "targetsystem/RecentTranslations.h"
+
 using ZrHmiSrv::Value;
 
 namespace ZrHmiEventLogger {
@@ -7,14 +9,21 @@ namespace ZrHmiEventLogger {
 namespace {
 
 /// A small cache keeps to its order of use exactly.
-std::size_t shardCount(std::size_t capacity) {
-    return capacity < 1024 ? 1 : 16;
+bool isLarge(std::size_t capacity) {
+    return capacity >= 1024;
 }
 
 }  // namespace
 
 TranslationCache::TranslationCache(std::size_t capacity)
-    : shards(shardCount(capacity)), capacity(capacity) {}
+    : recentHits(isLarge(capacity) ? RecentTranslations::count : 0),
+      shards(isLarge(capacity) ? 16 : 1),
+      capacity(capacity) {}
+
+std::uint64_t TranslationCache::newGeneration() {
+    static std::atomic<std::uint64_t> last = 0;
+    return ++last;
+}
 
 TranslationCache::Shard& TranslationCache::shardOf(const TranslationKey& key) {
     // Not the bits that its container uses first.
@@ -22,6 +31,23 @@ TranslationCache::Shard& TranslationCache::shardOf(const TranslationKey& key) {
 }
 
 TranslationCache::Finding TranslationCache::find(const TranslationKey& key) {
+    if (recentHits.empty())
+        return findShared(key);
+    const std::uint64_t current = generation;
+    const std::size_t thread = RecentTranslations::indexOfThisThread();
+    RecentTranslations& recent = RecentTranslations::at(thread);
+    bool isAskedForAgain = false;
+    if (auto value = recent.find(current, key, isAskedForAgain)) {
+        recentHits[thread].count.fetch_add(1, std::memory_order_relaxed);
+        return {std::move(*value), nullptr, false};
+    }
+    Finding finding = findShared(key);
+    if (!finding.question && isAskedForAgain)
+        recent.keep(current, key, finding.value);
+    return finding;
+}
+
+TranslationCache::Finding TranslationCache::findShared(const TranslationKey& key) {
     Shard& shard = shardOf(key);
     Lock lock(shard.mutex);
     auto& entries = shard.entries;
@@ -97,12 +123,15 @@ std::size_t TranslationCache::Shard::clear() {
 }
 
 void TranslationCache::clear() {
+    generation = newGeneration();
     for (Shard& shard : shards)
         kept -= shard.clear();
 }
 
 CacheStatistics TranslationCache::statistics() const {
     CacheStatistics sum;
+    for (const RecentHits& recent : recentHits)
+        sum.hits += recent.count.load(std::memory_order_relaxed);
     for (const Shard& shard : shards) {
         sum.hits += shard.hits.load(std::memory_order_relaxed);
         sum.misses += shard.misses.load(std::memory_order_relaxed);

@@ -37,6 +37,7 @@ struct CacheStatistics {
 /// Translations that were looked up before; the least recently used goes first. A large cache is
 /// made of shards, each with its own order of use, so that threads that look up different keys
 /// seldom wait for each other; they share the capacity, and take turns in giving up their oldest.
+/// What a thread looked up in it lately it finds again without meeting another thread.
 /// Threads that miss the same key at a time share one question. Any thread.
 class TranslationCache {
 public:
@@ -107,14 +108,24 @@ private:
         std::size_t clear() EXCLUDES(mutex);
     };
 
+    /// Of one thread or a few, on cache lines of their own.
+    struct alignas(64) RecentHits {
+        std::atomic<std::uint64_t> count = 0;
+    };
+
+    static std::uint64_t newGeneration();
     Shard& shardOf(const TranslationKey& key);
     Finding find(const TranslationKey& key);
+    Finding findShared(const TranslationKey& key);
     template <class Ask>
     Translation lead(const TranslationKey& key, Question& question, Ask& ask);
     void settle(const TranslationKey& key, const Question& question, const Answer& answer);
     bool keep(const TranslationKey& key, const Question& question, const Answer& answer);
     void evictOldest();
 
+    /// What is found among the recent ones; another one after every `clear`. Seldom written.
+    alignas(64) std::atomic<std::uint64_t> generation = newGeneration();
+    std::vector<RecentHits> recentHits;  ///< none: the cache is small
     std::vector<Shard> shards;
     const std::size_t capacity;  ///< of all shards
     std::atomic<std::size_t> kept = 0;  ///< in all shards; more only until those are evicted

@@ -40,6 +40,15 @@ TranslationKey::TranslationKey(TranslationKind kind, EventReference event, LCID 
       reference(std::move(event)),
       hashValue(hashOf(kind, reference, language)) {}
 
+TranslationKey TranslationKey::with(EventReference event) const {
+    TranslationKey same;
+    same.kind = kind;
+    same.lcid = lcid;
+    same.reference = std::move(event);
+    same.hashValue = hashValue;
+    return same;
+}
+
 bool operator==(const TranslationKey& a, const TranslationKey& b) noexcept {
     const EventReference& first = a.reference;
     const EventReference& second = b.reference;

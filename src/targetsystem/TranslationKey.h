@@ -13,7 +13,10 @@ enum class TranslationKind : std::uint8_t { eventText, eventClassName, sourceNam
 /// is computed once, and making or copying a key allocates nothing: texts and bytes are shared.
 class TranslationKey {
 public:
+    TranslationKey() = default;
     TranslationKey(TranslationKind kind, EventReference event, LCID language);
+    /// The same key, whose texts and bytes are held by this event, which is equal to its own.
+    TranslationKey with(EventReference event) const;
 
     const EventReference& event() const noexcept { return reference; }
     LCID language() const noexcept { return lcid; }
@@ -21,10 +24,10 @@ public:
     friend bool operator==(const TranslationKey& a, const TranslationKey& b) noexcept;
 
 private:
-    TranslationKind kind;
-    LCID lcid;
+    TranslationKind kind{};
+    LCID lcid = 0;
     EventReference reference;
-    std::size_t hashValue;
+    std::size_t hashValue = 0;
 };
 
 struct HashOfTranslationKey {

@@ -53,14 +53,21 @@ TEST(TranslationCache, TellsKeysApartAndFindsEqualOnes) {
     int asked = 0;
     for (const TranslationKey& key : keys())
         cache.get(key, [&] { return kept(std::to_string(asked++)); });
-    int expected = 0;
-    for (const TranslationKey& key : keys()) {
-        const Translation found = cache.get(key, [] { return kept("asked again"); });
-        EXPECT_EQ(found.value, Value(std::to_string(expected++)));
-        EXPECT_EQ(found.result, ErrorValue::success);
+    const auto again = [] { return kept("asked again"); };
+    for (int round = 0; round < 3; ++round) {
+        int expected = 0;
+        for (const TranslationKey& key : keys()) {
+            const Translation found = cache.get(key, again);
+            EXPECT_EQ(found.value, Value(std::to_string(expected++)));
+            EXPECT_EQ(found.result, ErrorValue::success);
+        }
     }
-    EXPECT_EQ(cache.statistics().hits, keys().size());
+    EXPECT_EQ(cache.statistics().hits, 3 * keys().size());
     EXPECT_EQ(cache.statistics().misses, keys().size());
+    TranslationCache other;
+    EXPECT_EQ(other.get(keys()[0], again).value, Value("asked again"));
+    cache.clear();
+    EXPECT_EQ(cache.get(keys()[0], again).value, Value("asked again"));
 }
 
 TEST(TranslationCache, KeepsWhatWasUsedLatest) {
