@@ -80,7 +80,7 @@ EventSearch::Result EventSearch::events(std::size_t first, std::size_t size) con
         result.hits.reserve(selected.events.size());
         for (EventRecordPtr& event : selected.events)
             result.hits.push_back({std::move(event), {}});
-        addTexts(result);
+        fetchTexts(result);
     } else {
         result = found();
         auto& hits = result.hits;
@@ -88,9 +88,7 @@ EventSearch::Result EventSearch::events(std::size_t first, std::size_t size) con
         hits.erase(hits.begin(), begin);
         hits.resize(std::min(size, hits.size()));
     }
-    if (query.isLocalized())
-        result.textsPending += static_cast<std::size_t>(std::count_if(
-            result.hits.begin(), result.hits.end(), [](const Hit& hit) { return !hit.texts; }));
+    countPending(result);
     return result;
 }
 
@@ -111,7 +109,7 @@ EventSearch::Result EventSearch::found() const {
     result.hits.reserve(selected.events.size());
     for (EventRecordPtr& event : selected.events)
         result.hits.push_back({std::move(event), {}});
-    addTexts(result);
+    fetchTexts(result);
     if (!query.text.empty())
         dropOthers(result);
     result.total = result.hits.size();
@@ -157,6 +155,18 @@ void EventSearch::sortByName(std::vector<Hit>& hits) const {
 }
 
 void EventSearch::addTexts(Result& result) const {
+    fetchTexts(result);
+    countPending(result);
+}
+
+void EventSearch::countPending(Result& result) const {
+    if (!query.isLocalized())
+        return;
+    result.textsPending += static_cast<std::size_t>(std::count_if(
+        result.hits.begin(), result.hits.end(), [](const Hit& hit) { return !hit.texts; }));
+}
+
+void EventSearch::fetchTexts(Result& result) const {
     if (!query.isLocalized())
         return;
     const auto end = Clock::now() + query.texts.wait;

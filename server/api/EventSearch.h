@@ -40,12 +40,15 @@ public:
     Result page() const;
     /// All events that the query selects, without gaps, and with texts only where they decide.
     Result all() const;
-    /// Fetches the texts of these, in the locale asked for.
+    /// Fetches the texts of these, in the locale asked for; those that are not to be had in time
+    /// are pending.
     void addTexts(Result& result) const;
 
 private:
     Result events(std::size_t first, std::size_t size) const;
     Result found() const;
+    void fetchTexts(Result& result) const;
+    void countPending(Result& result) const;
     void dropOthers(Result& result) const;
     bool contains(const Hit& hit, TextFinder& finder) const;
     void sortByName(std::vector<Hit>& hits) const;

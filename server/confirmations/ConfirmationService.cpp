@@ -12,6 +12,8 @@ namespace {
 const ResultPair noConfirmations(ErrorValue::operation_failed,
                                  "the extension takes no confirmations");
 
+constexpr const char* targetIsLost = "the alarm's target system is lost";
+
 bool isSeen(const EventRecord& event, const ConfirmationWish& wish) {
     return !wish.timeRaised || *wish.timeRaised == event.alarm()->time_raised();
 }
@@ -59,7 +61,7 @@ ConfirmationOutcome ConfirmationService::begin(const ConfirmationWish& wish,
     if (wish.id.kind != EventKind::alarm)
         return {400, {}, "only alarms can be confirmed"};
     if (EventRecordPtr lost = book.findLastKnown(wish.id))
-        return {409, {}, "the alarm's target system is lost", std::move(lost)};
+        return {409, {}, targetIsLost, std::move(lost)};
     const EventRecordPtr there = book.find(wish.id);
     if (!there)
         return {404, {}, "there is no such event"};
@@ -71,7 +73,7 @@ ConfirmationOutcome ConfirmationService::begin(const ConfirmationWish& wish,
         return {503, {}, "too many confirmations are under way"};
     EventRecordPtr seen;
     const auto request = [&](const EventRecord& event) -> EventRecordPtr {
-        if (!isSeen(event, wish))
+        if (!isSeen(event, wish) || event.lastKnownSince.isset())
             return nullptr;
         const auto record = std::make_shared<EventRecord>(event);
         seen = record;
@@ -89,7 +91,10 @@ ConfirmationOutcome ConfirmationService::begin(const ConfirmationWish& wish,
         return {.current = std::move(seen)};
     if (!held)
         return {404, {}, "there is no such event"};
-    return {409, {}, "the alarm was raised at another time", std::move(held)};
+    return {409,
+            {},
+            held->lastKnownSince.isset() ? targetIsLost : "the alarm was raised at another time",
+            std::move(held)};
 }
 
 void ConfirmationService::settle(EventId id, std::uint64_t number, const ResultPair& answer) {

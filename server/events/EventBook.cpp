@@ -47,6 +47,16 @@ RecordIndex lostAlarms(const std::unordered_set<EventRecordPtr>& vanished) {
     return lost;
 }
 
+/// The event itself when that says nothing new. `held`: as readers know it, or null.
+EventRecordPtr withConfirmationOf(const EventRecordPtr& event, const EventRecordPtr& held) {
+    ConfirmationPtr confirmation = held ? confirmationOf(*event, *held) : nullptr;
+    if (!confirmation || confirmation == event->confirmation)
+        return event;
+    const auto record = std::make_shared<EventRecord>(*event);
+    record->confirmation = std::move(confirmation);
+    return record;
+}
+
 EventRecordPtr takeOut(RecordIndex& index, const EventRecord& dropped) {
     EventRecordPtr held =
         dropped.kind == EventKind::alarm ? index.find(dropped.id) : index.findSame(dropped);
@@ -124,8 +134,10 @@ void EventBook::replaceTarget(const std::string& target, std::span<const Event> 
                               bool isImported) {
     std::vector<EventRecordPtr> gone;  // outlives the lock, so that old events are freed outside
     std::vector<EventRecordPtr> before;
+    std::uint64_t modifiedBefore = 0;
     {
         Lock lock(mutex);
+        modifiedBefore = modifications;
         if (reset)
             reset->handedOver.insert(target);
         gone = eventsOf(current, target);
@@ -154,6 +166,8 @@ void EventBook::replaceTarget(const std::string& target, std::span<const Event> 
     if (!isImported)
         lost = lostAlarms(vanished);
     Lock lock(mutex);
+    if (modifications != modifiedBefore)
+        keepConfirmations(*replacement, added, lost);
     const auto forgotten =
         isImported ? eventsOf(lastKnown, target) : std::vector<EventRecordPtr>();
     // That there is nothing is news once.
@@ -170,6 +184,19 @@ void EventBook::replaceTarget(const std::string& target, std::span<const Event> 
         lastKnown.erase(event->id);
     sink.post({.type = ChangeType::reset, .replacement = std::move(replacement)});
     forgetBeyondCapacity();
+}
+
+/// What confirmations have come to since the hand-over was looked at.
+void EventBook::keepConfirmations(Replacement& replacement, RecordIndex& added,
+                                  RecordIndex& lost) const {
+    for (EventRecordPtr& event : replacement.events) {
+        const EventRecordPtr kept = withConfirmationOf(event, known(event->id));
+        if (kept != event && added.find(event->id))
+            added.insert(kept);
+        event = kept;
+    }
+    for (const EventRecordPtr& event : eventsOf(lost, replacement.target))
+        lost.insert(withConfirmationOf(event, known(event->id)));
 }
 
 /// True when there was something to forget.
@@ -230,11 +257,12 @@ void EventBook::abandonReset() {
 
 EventRecordPtr EventBook::modify(EventId id, ChangeType type, const Modify& modify) {
     Lock lock(mutex);
-    const EventRecordPtr held = current.find(id);
+    const EventRecordPtr held = known(id);
     const EventRecordPtr modified = held ? modify(*held) : nullptr;
     if (!modified)
         return held;
-    current.insert(modified);
+    (held->lastKnownSince.isset() ? lastKnown : current).insert(modified);
+    ++modifications;
     sink.post({type, modified});
     return modified;
 }

@@ -57,7 +57,8 @@ public:
 
     /// Makes another record of an event; null leaves it. Called under the book's mutex.
     using Modify = std::function<EventRecordPtr(const EventRecord&)>;
-    /// Puts what `modify` makes of an event into its place and tells it. Null when it is not held.
+    /// Puts what `modify` makes of an event, also of one that was known last, into its place and
+    /// tells it. Null when it is not held.
     EventRecordPtr modify(EventId id, ChangeType type, const Modify& modify);
 
     EventRecordPtr find(EventId id) const;
@@ -77,6 +78,8 @@ private:
     void insert(const EventRecordPtr& event, ChangeType type) REQUIRES(mutex);
     EventRecordPtr known(EventId id) const REQUIRES(mutex);
     bool forgetLastKnown(const std::string& target) REQUIRES(mutex);
+    void keepConfirmations(Replacement& replacement, RecordIndex& added, RecordIndex& lost) const
+        REQUIRES(mutex);
     void change(const ZrHmiSrv::Alarm& alarm, ChangeType type);
     void dropBefore(std::uint64_t arrival, const std::string& target,
                     std::vector<EventRecordPtr>& dropped) REQUIRES(mutex);
@@ -89,6 +92,7 @@ private:
     RecordIndex current GUARDED_BY(mutex);
     RecordIndex lastKnown GUARDED_BY(mutex);  ///< none of them is in `current`
     std::optional<Reset> reset GUARDED_BY(mutex);
+    std::uint64_t modifications GUARDED_BY(mutex) = 0;
     std::set<std::string> complete GUARDED_BY(mutex);  ///< have handed over all of their events
 };
 

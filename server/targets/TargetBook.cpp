@@ -208,8 +208,10 @@ std::vector<std::string> TargetBook::observe(const Value& diagnostics, const Ver
     std::vector<std::string> well;
     Lock lock(mutex);
     for (const auto& [name, version] : before) {
-        if (!diagnostics.lookup(name.c_str()))
-            entries.erase(name);
+        if (diagnostics.lookup(name.c_str()))
+            continue;
+        entries.erase(name);
+        gapBook.close(name, Timestamp::now());  // nobody waits for what may be missing
     }
     for (auto diagnosed = diagnostics.begin(); diagnosed != diagnostics.end(); ++diagnosed) {
         const std::string name = toValidUtf8(diagnosed.name());

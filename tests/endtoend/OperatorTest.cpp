@@ -133,7 +133,16 @@ TEST_F(Operator, SeesALostTargetSystemAndWhatWasKnownOfItLast) {
     act(packer, R"([{"do": "clear", "alarm": "jam"}, {"do": "accept"}])");
     ASSERT_TRUE(isTarget("Packer", "good"));
     EXPECT_TRUE(reaches("target=Packer&state=active&lastKnown=1", 0)) << "the import tells the end";
-    EXPECT_FALSE(server.events("target=Packer&gaps=1&limit=1").at(0).at("to").is_null());
+    const auto isGapOver = [&] {
+        return !server.events("target=Packer&gaps=1&limit=1").at(0).at("to").is_null();
+    };
+    EXPECT_TRUE(isGapOver());
+
+    act(packer, R"([{"do": "refuse", "hresult": "0x98110007"}, {"do": "drop"}])");
+    ASSERT_TRUE(isTarget("Packer", "lost"));
+    EXPECT_FALSE(isGapOver());
+    server.send("DELETE", "/api/config/TARGET_SYSTEMS::Packer");
+    EXPECT_TRUE(eventually(isGapOver)) << "it does not come back";
 }
 
 TEST_F(Operator, SeesHowFarAnImportHasCome) {

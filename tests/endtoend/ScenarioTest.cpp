@@ -216,14 +216,16 @@ json::array batches(int count) {
 TEST_F(Scenario, AListComesBeforeItsTextsAndTheStreamTellsWhenToAskAgain) {
     act(filler, serialize(batches(40)));
     ASSERT_TRUE(reaches("target=Filler", 41));
-    act(filler, R"({"do": "delay", "call": "GetEventText", "ms": 50})");
+    act(filler, R"({"do": "pause", "call": "GetEventText"})");
     StreamClient stream(server.port());
     const auto list = [&](const std::string& query) {
         return server.get("/api/events?target=Filler&locale=en-US" + query).json();
     };
     EXPECT_EQ(list("&wait=0").at("textsPending"), 41);
     EXPECT_EQ(list("&wait=0&text=batch+7").at("textsPending"), 41) << "any of them might match";
+    EXPECT_EQ(list("&wait=0&group=1&limit=1").at("textsPending"), 1);
     EXPECT_EQ(server.get("/api/events?target=Packer&locale=en-US").json().at("textsPending"), 0);
+    act(filler, R"({"do": "resume"})");
     while (list("&wait=0").at("textsPending") != 0) {
         std::optional<json::value> line = stream.next();
         while (line && line->at("type") != "texts")

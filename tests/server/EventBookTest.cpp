@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <atomic>
 #include <iterator>
 #include <map>
 #include <new>
 #include <random>
 #include <string>
+#include <thread>
 #include <tuple>
 #include <vector>
 
@@ -196,7 +198,12 @@ TEST(EventBook, AlarmsOfALostTargetSystemAreKeptAsideUntilItIsImported) {
     EXPECT_THAT(ids(2, 2), ElementsAre(4, 3));
     EXPECT_THAT(ids(5, 2), ElementsAre(1));
     EXPECT_EQ(book.select(all, 9, 9).total, 6U);
-    EXPECT_TRUE(book.findLastKnown({EventKind::alarm, 3})->lastKnownSince.isset());
+    list.lastType = ChangeType::log;
+    const EventRecordPtr answered =
+        book.modify({EventKind::alarm, 3}, ChangeType::confirmation, request);
+    EXPECT_EQ(list.lastType, ChangeType::confirmation) << "it is answered all the same";
+    EXPECT_EQ(book.findLastKnown({EventKind::alarm, 3}), answered);
+    EXPECT_TRUE(answered->lastKnownSince.isset());
 
     Alarm confirmed = alarm(3, "A", 3);
     confirmed.set_confirmation_state(AlarmConfirmationState::confirmed);
@@ -216,6 +223,35 @@ TEST(EventBook, AlarmsOfALostTargetSystemAreKeptAsideUntilItIsImported) {
     book.replaceTarget("A", back, true);
     book.endReset();
     EXPECT_THAT(ids(0, 9), ElementsAre(5, 3)) << "B is no target system any more";
+}
+
+TEST(EventBook, AConfirmationGoesOnWhileItsAlarmIsHandedOver) {
+    PlainList list;
+    EventBook book(list);
+    Alarm worse = alarm(3, "A");
+    worse.set_severity(Severity::error);
+    std::vector<std::vector<Event>> batches{{alarm(3, "A")}, {worse}, {}};  // the last: it is lost
+    for (int id = 10; id < 60; ++id) {
+        for (auto& batch : batches)
+            batch.emplace_back(alarm(id, "A"));
+    }
+    book.replaceTarget("A", batches[0]);
+    std::atomic<bool> isOver = false;
+    std::thread extension([&] {
+        for (std::size_t i = 0; i < 300; ++i)
+            book.replaceTarget("A", batches[i % 3], i % 3 != 2);
+        isOver = true;
+    });
+    for (std::uint64_t number = 1; !isOver; ++number) {
+        book.modify({EventKind::alarm, 3}, ChangeType::confirmation, [&](const EventRecord& event) {
+            EXPECT_EQ(event.confirmation ? event.confirmation->number : 0, number - 1);
+            auto record = std::make_shared<EventRecord>(event);
+            record->confirmation =
+                std::make_shared<const Confirmation>(Confirmation{.number = number, .by = "eva"});
+            return record;
+        });
+    }
+    extension.join();
 }
 
 TEST(EventBook, BeyondItsCapacityTheOldestGo) {
