@@ -179,6 +179,7 @@ void Application::stop(std::future<void>& started) {
     }
     backend.stop();
     lanes.join();
+    audit.recordRests(StrangerTally::Clock::time_point::max());
     if (history)
         history->stop();
     simulator.reset();

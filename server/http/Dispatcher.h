@@ -17,7 +17,7 @@ namespace hmi {
 /// into an error response.
 class Dispatcher {
 public:
-    Dispatcher(const Router& router, WorkerLanes& lanes, Metrics& metrics, const Audit& audit)
+    Dispatcher(const Router& router, WorkerLanes& lanes, Metrics& metrics, Audit& audit)
         : router(router), lanes(lanes), metrics(metrics), audit(audit) {}
 
     /// The extension has started. Before that only early routes are served. Any thread.
@@ -57,7 +57,7 @@ private:
     const Router& router;
     WorkerLanes& lanes;
     Metrics& metrics;
-    const Audit& audit;
+    Audit& audit;
     std::atomic<bool> isOpened = false;
 };
 

@@ -66,7 +66,7 @@ std::string fingerprintOf(const std::string& user, const std::string& password,
 
 }  // namespace
 
-AccessControl::AccessControl(OriginPolicy given, std::filesystem::path file, const Audit& to)
+AccessControl::AccessControl(OriginPolicy given, std::filesystem::path file, Audit& to)
     : policy(std::move(given)), userFile(std::move(file)), audit(to) {
     if (hasUsers())
         users = std::make_shared<const Users>(readUsers(userFile));
@@ -223,9 +223,9 @@ void AccessControl::verify(const Credentials& credentials, Request request,
 
 void AccessControl::refuseSignIn(Request request, const std::string& user, Response refusal,
                                  const Decided& decided) const {
-    audit.record({user.substr(0, longestUserName), request.peer, "sign-in", refusal.status,
-                  refusal.body},
-                 LogLevel::warning);
+    audit.recordStranger({user.substr(0, longestUserName), request.peer, "sign-in", refusal.status,
+                          refusal.body},
+                         LogLevel::warning);
     decided(std::move(request), std::move(refusal));
 }
 

@@ -27,7 +27,7 @@ namespace hmi {
 class AccessControl {
 public:
     /// An empty path: no users. Throws StartError.
-    AccessControl(OriginPolicy policy, std::filesystem::path userFile, const Audit& audit);
+    AccessControl(OriginPolicy policy, std::filesystem::path userFile, Audit& audit);
     ~AccessControl() { stop(); }
     /// No password is checked any more; returns when none is being checked.
     void stop();
@@ -80,7 +80,7 @@ private:
 
     const OriginPolicy policy;
     const std::filesystem::path userFile;
-    const Audit& audit;
+    Audit& audit;
     Sessions sessions;
     SignInLimiter limiter;
 

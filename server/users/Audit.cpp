@@ -41,15 +41,37 @@ std::string inQuotes(std::string_view text) {
 
 }  // namespace
 
-void Audit::record(const Request& request, const Response& response) const {
+void Audit::record(const Request& request, const Response& response) {
+    recordRests();
     if (isChange(request) && !response.audited)
         record({request.user, request.peer, whatOf(request, request.body), response.status,
                 response.body});
 }
 
-void Audit::recordRefused(const Request& request, const Response& response) const {
-    if (isChange(request))
-        record({request.user, request.peer, whatOf(request, {}), response.status, response.body});
+void Audit::recordRefused(const Request& request, const Response& response) {
+    if (!isChange(request))
+        return;
+    AuditEntry entry{request.user, request.peer, whatOf(request, {}), response.status,
+                     response.body};
+    if (request.user.empty())
+        recordStranger(std::move(entry), LogLevel::info);
+    else
+        record(std::move(entry));
+}
+
+void Audit::recordStranger(AuditEntry entry, LogLevel level) {
+    const auto now = StrangerTally::Clock::now();
+    recordRests(now);
+    if (strangers.isTold(entry.peer, entry.user, entry.status, now))
+        record(std::move(entry), level);
+}
+
+void Audit::recordRests(StrangerTally::Clock::time_point now) {
+    for (const StrangerTally::Rest& rest : strangers.takeRests(now))
+        record({rest.user, rest.network.empty() ? "-" : rest.network,
+                std::to_string(rest.count) + " more refused", rest.status,
+                "within a minute, of those who have not signed in"},
+               LogLevel::warning);
 }
 
 void Audit::record(AuditEntry entry, LogLevel level) const {

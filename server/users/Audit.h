@@ -6,6 +6,7 @@
 #include "server/Log.h"
 #include "server/http/Request.h"
 #include "server/http/Response.h"
+#include "server/users/StrangerTally.h"
 
 namespace hmi {
 
@@ -29,13 +30,18 @@ public:
 
     /// A request that was served, with its body; nothing when it changes nothing, is about secrets,
     /// or its handler has told more exactly.
-    void record(const Request& request, const Response& response) const;
+    void record(const Request& request, const Response& response);
     /// One that was not: its body was meant for nothing here, and may be a secret.
-    void recordRefused(const Request& request, const Response& response) const;
+    void recordRefused(const Request& request, const Response& response);
+    /// Of somebody who has not signed in: after the first ones only their number.
+    void recordStranger(AuditEntry entry, LogLevel level);
+    /// Those numbers, as far as their minute is over by then.
+    void recordRests(StrangerTally::Clock::time_point now = StrangerTally::Clock::now());
     void record(AuditEntry entry, LogLevel level = LogLevel::info) const;
 
 private:
     Keeper keeper;
+    StrangerTally strangers;
 };
 
 }  // namespace hmi

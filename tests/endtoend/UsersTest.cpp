@@ -149,6 +149,7 @@ protected:
 TEST_F(UsersTest, WithoutARightNothingHappens) {
     const std::vector<Operation> all = operations();
     const std::string before = state();
+    EXPECT_THAT(signedIn("nobody", "http"), testing::HasSubstr(" 401 "));
     for (const Operation& operation : all) {
         for (std::size_t role = 0; role < operation.role; ++role) {
             const HttpAnswer answer =
@@ -190,6 +191,7 @@ TEST_F(UsersTest, WithoutARightNothingHappens) {
     EXPECT_THAT(log, testing::HasSubstr("audit: user=\"confirm\" peer=127.0.0.1 \"" + path +
                                         " {\\\"comment\\\":\\\"on my way\\\"}\" -> 200"));
     EXPECT_THAT(log, testing::HasSubstr("user=\"nobody\" peer=127.0.0.1 \"sign-in\" -> 401"));
+    EXPECT_THAT(log, testing::ContainsRegex("peer=127.0.0.1 \"[0-9]+ more refused\" -> 401 "));
     for (const char* eachOf : {"{\\\"id\\\":99,", "{\\\"id\\\":100,"})
         EXPECT_THAT(log, testing::HasSubstr(std::string("\"POST /api/confirmations ") + eachOf));
     for (const char* secret : {"secret", "wrong\"", "argon2", "Basic", "hmi-session"})

@@ -8,6 +8,7 @@
 #include "server/users/Password.h"
 #include "server/users/Sessions.h"
 #include "server/users/SignInLimiter.h"
+#include "server/users/StrangerTally.h"
 #include "server/users/UserFile.h"
 
 #ifndef _WIN32  // there are no users
@@ -98,6 +99,38 @@ TEST(SignInLimiter, GuessingGetsSlowerForAddressAndName) {
     for (int i = 0; i < 30'000; ++i)
         limiter.failed("peer" + std::to_string(i), "name", now);
     EXPECT_GT(limiter.wait("5.5.5.5", "name", now), seconds(0)) << "a flood frees no name";
+}
+
+TEST(StrangerTally, TellsTheFirstAndTheNumberOfTheOthers) {
+    StrangerTally tally;
+    StrangerTally::Clock::time_point now(std::chrono::hours(1));
+    const auto told = [&](const std::string& peer, const std::string& user, int times) {
+        int lines = 0;
+        for (; times > 0; --times)
+            lines += tally.isTold(peer, user, times > 1 ? 401 : 429, now);
+        return lines;
+    };
+    EXPECT_EQ(told("1.1.1.1", "", 1000), 5);
+    EXPECT_EQ(told("2001:db8::1", "eva", 3) + told("2001:db8::2", "adam", 3), 5) << "one network";
+    EXPECT_EQ(told("2.2.2.2", "eva", 9), 2) << "one name";
+    EXPECT_THAT(tally.takeRests(now + seconds(59)), testing::IsEmpty());
+    now += seconds(60);
+    std::vector<std::string> rests;
+    for (const auto& rest : tally.takeRests(now))
+        rests.push_back(rest.network + " " + rest.user + " " + std::to_string(rest.count) + " " +
+                        std::to_string(rest.status));
+    EXPECT_THAT(rests, testing::UnorderedElementsAre("1.1.1.1  995 429", "2001:db8::  1 429",
+                                                     " eva 7 429"));
+    EXPECT_THAT(tally.takeRests(now), testing::IsEmpty()) << "each once";
+
+    int lines = 0;
+    for (int i = 0; i < 30'000; ++i)
+        lines += told("peer" + std::to_string(i), "name" + std::to_string(i), 1);
+    std::uint64_t rest = 0;
+    for (const auto& more : tally.takeRests(now + seconds(60)))
+        rest += more.count;
+    EXPECT_LT(lines, 100) << "however many they are";
+    EXPECT_EQ(static_cast<std::uint64_t>(lines) + rest, 30'000U);
 }
 
 TEST(Sessions, EndAfterTwelveHoursOrWhenToldTo) {
