@@ -26,6 +26,22 @@ namespace {
 
 constexpr std::uint64_t usualLimit = 100;
 
+bool isLocalized(const Query& query) {
+    return query.find("locale") != nullptr;
+}
+
+/// A list that has many events, or for which all have to be looked at.
+bool isLong(const Query& query) {
+    constexpr std::uint64_t usual = 1000;  // events at a time
+    const std::string* const order = query.find("order");
+    return query.number("limit", 0) > usual || query.flag("group") || query.find("text") ||
+           (order && order->ends_with("name"));
+}
+
+Place longPlaceOf(const Query& query) {
+    return {isLocalized(query) ? Lane::longLocalized : Lane::longLists};
+}
+
 Response localizationError(ErrorValue result) {
     switch (result) {
         case ErrorValue::unknown_target_system:
@@ -55,26 +71,24 @@ std::string headOf(const EventSearch::Result& found, const EventQuery& asked) {
 }  // namespace
 
 void EventsResource::addRoutes(Router& router) {
-    const auto ifLocalized = [](const Request& request, Place place, Lane otherwise = Lane::local) {
-        return request.target.query.find("locale") ? std::move(place) : Place{otherwise};
-    };
     router.add(
         Method::get, "/api/events",
-        [=](const Request& r) {
-            constexpr std::uint64_t usual = 1000;  // events at a time
+        [](const Request& r) {
             const Query& query = r.target.query;
-            const bool isLong = query.number("limit", 0) > usual || query.flag("group");
-            return ifLocalized(r, {Lane::lists}, isLong ? Lane::longLists : Lane::local);
+            if (isLong(query))
+                return longPlaceOf(query);
+            return Place{isLocalized(query) ? Lane::lists : Lane::local};
         },
         [this](const Request& r) { return list(r); });
     router.add(
         Method::get, "/api/events.csv",
-        [=](const Request& r) { return ifLocalized(r, {Lane::lists}, Lane::longLists); },
+        [](const Request& r) { return longPlaceOf(r.target.query); },
         [this](const Request& r) { return table(r); });
     router.add(
         Method::get, "/api/events/*",
-        [=, this](const Request& r) {
-            return ifLocalized(r, {Lane::details, find(r)->target});
+        [this](const Request& r) {
+            return isLocalized(r.target.query) ? Place{Lane::details, find(r)->target}
+                                               : Place{Lane::local};
         },
         [this](const Request& r) { return one(r); });
 }

@@ -161,6 +161,7 @@ Response HistoryResource::table(const Request& request) {
     std::string head(parameters.flag("bom") ? byteOrderMark : std::string_view());
     Response response;
     response.held = pageSize << 10;
+    response.partsLane = Lane::history;
     response.parts = Rows(kept(), std::move(query), head + historyCsvHead());
     response.contentType = "text/csv; charset=utf-8; header=present";
     response.headers.emplace_back("Content-Disposition", "attachment; filename=\"history.csv\"");

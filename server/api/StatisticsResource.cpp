@@ -27,7 +27,8 @@ void StatisticsResource::addRoutes(Router& router) {
     router.add(
         Method::get, "/api/statistics",
         [](const Request& request) {
-            return Place{request.target.query.find("locale") ? Lane::lists : Lane::longLists};
+            return Place{request.target.query.find("locale") ? Lane::longLocalized
+                                                             : Lane::longLists};
         },
         [this](const Request& request) { return read(request); });
 }

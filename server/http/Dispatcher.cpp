@@ -121,8 +121,8 @@ void Dispatcher::answer(const Exchange& exchange, Response response) {
     exchange.reply(std::move(response));
 }
 
-void Dispatcher::work(std::function<void()> task, std::function<void()> refused) {
-    lanes.run({Lane::local},
+void Dispatcher::work(Lane lane, std::function<void()> task, std::function<void()> refused) {
+    lanes.run({lane},
               {std::move(task), [refused = std::move(refused)](const std::string&) { refused(); }});
 }
 

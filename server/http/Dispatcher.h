@@ -31,8 +31,8 @@ public:
     /// any thread, possibly before this returns; or not at all when the client has gone meanwhile.
     /// Any thread.
     void dispatch(Request request, std::optional<Response> refusal, Reply reply);
-    /// Has a worker do what takes time but waits for nothing; or the other, when there is none.
-    void work(std::function<void()> task, std::function<void()> refused);
+    /// Has a worker of that lane do what takes time; or the other, when there is none.
+    void work(Lane lane, std::function<void()> task, std::function<void()> refused);
     static bool isStream(std::string_view target);
     /// The largest body that a target takes, in bytes.
     std::uint64_t bodyLimit(std::string_view target) const;

@@ -11,6 +11,7 @@
 #include <boost/json/value.hpp>
 
 #include "host/Result.h"
+#include "server/lanes/Lane.h"
 
 namespace hmi {
 
@@ -23,6 +24,7 @@ struct Response {
     std::string body;
     BodyParts parts;       ///< instead of a body
     std::size_t held = 0;  ///< bytes that the parts keep alive
+    Lane partsLane = Lane::local;  ///< where they are made
     std::string contentType = "application/json";
     bool keepable = false;  ///< a client may keep it, and ask whether it still holds
     bool audited = false;   ///< who did what has been recorded by the handler itself

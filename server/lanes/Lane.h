@@ -10,6 +10,7 @@ enum class Lane : std::uint8_t {
     local,          ///< never waits for the extension
     lists,          ///< waits for texts, but not for long
     longLists,      ///< waits for nothing, but takes time and memory
+    longLocalized,  ///< the same with texts, for which it waits
     history,        ///< waits for the disk
     confirmations,  ///< from here on: calls of the extension, as long as they take
     commands,

@@ -6,9 +6,9 @@ namespace hmi {
 
 namespace {
 
-constexpr std::array<std::string_view, 9> labels{
-    "local",    "lists",         "long_lists", "history", "confirmations",
-    "commands", "configuration", "details",    "texts"};
+constexpr std::array<std::string_view, 10> labels{
+    "local",         "lists",    "long_lists",    "long_localized", "history",
+    "confirmations", "commands", "configuration", "details",        "texts"};
 
 bool callsExtension(std::size_t lane) {
     return lane >= static_cast<std::size_t>(Lane::confirmations);

@@ -27,15 +27,16 @@ private:
     CappedLane& of(Lane lane) { return lanes[static_cast<std::size_t>(lane)]; }
 
     // A lane of the extension has a thread for each call that may hang. In the order of `Lane`.
-    std::array<CappedLane, 9> lanes{{{"requests", {4, 4, 1000, 1000}},
-                                     {"lists", {64, 64, 1000, 1000}},
-                                     {"long lists", {2, 2, 1000, 1000}},
-                                     {"searches of the history", {4, 4, 1000, 1000}},
-                                     {"confirmations", {400, 2, 32, 1000}},
-                                     {"commands", {400, 2, 32, 1000}},
-                                     {"changes of the configuration", {400, 1, 16, 1000}},
-                                     {"look-ups of details", {400, 2, 32, 1000}},
-                                     {"look-ups of texts", {400, 2, 2000, 20'000}}}};
+    std::array<CappedLane, 10> lanes{{{"requests", {4, 4, 1000, 1000}},
+                                      {"lists", {64, 64, 1000, 1000}},
+                                      {"long lists", {2, 2, 1000, 1000}},
+                                      {"long lists with texts", {4, 4, 1000, 1000}},
+                                      {"searches of the history", {4, 4, 1000, 1000}},
+                                      {"confirmations", {400, 2, 32, 1000}},
+                                      {"commands", {400, 2, 32, 1000}},
+                                      {"changes of the configuration", {400, 1, 16, 1000}},
+                                      {"look-ups of details", {400, 2, 32, 1000}},
+                                      {"look-ups of texts", {400, 2, 2000, 20'000}}}};
 };
 
 }  // namespace hmi

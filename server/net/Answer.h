@@ -31,6 +31,7 @@ public:
     void supply(std::string part);
     /// What makes them; shared with the worker that it runs on.
     std::shared_ptr<BodyParts> parts() const noexcept { return source; }
+    Lane partsLane() const noexcept { return response.partsLane; }
     bool keepsAlive() const { return message.keep_alive(); }
     bool isDone();
 

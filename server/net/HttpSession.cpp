@@ -319,7 +319,7 @@ void HttpSession::fetchPart() {
             give(std::nullopt);
         }
     };
-    context->dispatcher.work(make, [give] { give(std::nullopt); });
+    context->dispatcher.work(answer->partsLane(), make, [give] { give(std::nullopt); });
 }
 
 void HttpSession::supply(std::optional<std::string> part) {

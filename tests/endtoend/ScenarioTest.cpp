@@ -260,6 +260,8 @@ TEST_F(Scenario, CallsThatHangInARuntimeHoldUpNoOthers) {
         waiting.push_back(std::async(std::launch::async, [&, i] {
             if (i % 4 == 0)
                 return many({hanging, 999'999});
+            if (i % 4 == 1)
+                return server.get("/api/events?locale=en-US&group=1&wait=5000");
             return i % 4 == 2 ? server.send("POST", hangs) : server.get("/api/events?locale=en-US");
         }));
     }
@@ -268,6 +270,7 @@ TEST_F(Scenario, CallsThatHangInARuntimeHoldUpNoOthers) {
     };
     ASSERT_TRUE(isMetric("hmi_lane_running{lane=\"confirmations\"} 2"));
     ASSERT_TRUE(isMetric("hmi_lane_waiting{lane=\"confirmations\"} 18"));
+    EXPECT_TRUE(isMetric("hmi_lane_running{lane=\"long_localized\"} 4"));
     auto abandoned = beginRequest(server.port(), "POST", hangs);
     ASSERT_TRUE(isMetric("hmi_lane_waiting{lane=\"confirmations\"} 19"));
     abandoned.reset();
