@@ -6,7 +6,7 @@ namespace hmi {
 
 namespace {
 
-constexpr std::size_t rowsAtOnce = 500;
+constexpr std::size_t removedAtOnce = 500;
 /// Pages that stay free for what comes next.
 constexpr std::int64_t freePages = 1000;
 
@@ -25,7 +25,7 @@ std::size_t Retention::step() {
                                      : Timestamp::now().nanoseconds() - limits.days * day);
     Transaction transaction(database);
     table.begin();
-    const std::size_t removed = table.removeOldest(rowsAtOnce, until);
+    const std::size_t removed = table.removeOldest(removedAtOnce, until);
     transaction.commit();
     if (removed == 0 && database.number("PRAGMA freelist_count") > freePages)
         database.execute("PRAGMA incremental_vacuum(500)");
