@@ -41,6 +41,8 @@ void StreamSession::accept(beast::http::request<beast::http::string_body> upgrad
 void StreamSession::onAccepted(beast::error_code error) {
     if (error)
         return disconnect();
+    if (ending)
+        return;
     accepted = true;
     read();
     wake();
@@ -94,23 +96,27 @@ void StreamSession::write() {
     });
 }
 
-void StreamSession::disconnect() {
+void StreamSession::leave() {
+    ending = true;
     context->hub.leave(this);
-    ending = true;  // what has been written by now may be told only later
+    admissionCheck.cancel();
+}
+
+void StreamSession::disconnect() {
+    leave();
     beast::get_lowest_layer(stream).close();
 }
 
 void StreamSession::close() {
-    context->hub.leave(this);
     if (!accepted)
-        return beast::get_lowest_layer(stream).close();
+        return disconnect();
     end(websocket::close_code::going_away);
 }
 
 void StreamSession::end(websocket::close_code why) {
-    context->hub.leave(this);
-    ending = true;  // no message follows the closing frame
-    admissionCheck.cancel();
+    if (ending)
+        return;
+    leave();
     stream.async_close(why, [self = shared_from_this()](beast::error_code) {});
 }
 

@@ -38,6 +38,7 @@ private:
     /// Ends the stream when its client would not be admitted any more.
     void watchAdmission();
     void end(boost::beast::websocket::close_code why);
+    void leave();
     void read();
     void write();
 
@@ -52,7 +53,7 @@ private:
     std::uint64_t sequence = 0;  ///< of the lines that this client was sent
     StreamFrames frames;         ///< being written; empty: none
     bool accepted = false;
-    bool ending = false;
+    bool ending = false;  ///< the hub keeps no lines for it any more, and no message follows
 };
 
 }  // namespace hmi
