@@ -34,6 +34,9 @@ TlsContextPtr TlsFiles::load() const {
         made->use_certificate_chain_file(certificate.string());
         reading = &key;
         made->use_private_key_file(key.string(), ssl::context::pem);
+        // Only a key of the same kind was compared with the certificate.
+        if (SSL_CTX_check_private_key(made->native_handle()) != 1)
+            throw StartError(key.string() + ": is not the key of " + certificate.string());
         return made;
     } catch (const boost::system::system_error& error) {
         throw StartError(reading->string() + ": cannot be used: " + error.code().message());

@@ -30,9 +30,9 @@ std::string subjectOf(SSL* connection) {
 }  // namespace
 
 void writeCertificate(const std::string& certificateFile, const std::string& keyFile,
-                      const std::string& name) {
-    const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key(EVP_EC_gen("P-256"),
-                                                                  &EVP_PKEY_free);
+                      const std::string& name, bool byRsa) {
+    const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key(
+        byRsa ? EVP_RSA_gen(2048) : EVP_EC_gen("P-256"), &EVP_PKEY_free);
     const std::unique_ptr<X509, decltype(&X509_free)> certificate(X509_new(), &X509_free);
     X509_gmtime_adj(X509_getm_notBefore(certificate.get()), 0);
     X509_gmtime_adj(X509_getm_notAfter(certificate.get()), 24 * 3600);

@@ -14,7 +14,7 @@ struct TlsAnswer {
 
 /// Writes a new key and a certificate that it signed itself, for a day.
 void writeCertificate(const std::string& certificateFile, const std::string& keyFile,
-                      const std::string& name);
+                      const std::string& name, bool byRsa = false);
 
 /// Takes any certificate.
 TlsAnswer getByTls(std::uint16_t port, const std::string& target, int highest = TLS1_3_VERSION);
