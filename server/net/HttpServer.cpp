@@ -95,8 +95,8 @@ private:
                 return;
             if (error)
                 return acceptLater();
+            accept();  // first: whatever goes wrong with one client, the next one is heard
             serve(std::move(client));
-            accept();
         });
     }
 
