@@ -21,6 +21,7 @@ constexpr std::string_view cookieName = "hmi-session=";
 constexpr std::string_view basic = "basic ";
 constexpr std::size_t maxWaiting = 64;
 constexpr std::size_t maxRemembered = 1000;
+constexpr const char* serverStops = "the server is stopping";
 constexpr auto memoryTime = std::chrono::minutes(5);
 
 std::string tokenOf(std::string_view cookies) {
@@ -73,7 +74,10 @@ AccessControl::AccessControl(OriginPolicy given, std::filesystem::path file, Aud
 }
 
 void AccessControl::stop() {
-    verifier.stop();
+    {
+        Lock lock(mutex);
+        stopped = true;
+    }
     verifier.join();
 }
 
@@ -174,13 +178,16 @@ void AccessControl::admitWith(Credentials credentials, Request request, Decided 
         request.user = credentials.user;
         return decide(std::move(request), decided);
     }
-    if (!queueUp())
-        return decided(std::move(request), Response::error(503, "too many sign in at once"));
+    if (const char* const reason = queueUp())
+        return decided(std::move(request), Response::error(503, reason));
     boost::asio::post(verifier, [this, credentials = std::move(credentials),
                                  request = std::make_shared<Request>(std::move(request)),
                                  decided = std::move(decided)] {
         try {
-            verify(credentials, std::move(*request), decided);
+            if (isStopped())
+                decided(std::move(*request), Response::error(503, serverStops));
+            else
+                verify(credentials, std::move(*request), decided);
         } catch (const std::exception& error) {  // its connection ends without an answer
             log(LogLevel::error, std::string("a password could not be checked: ") + error.what());
         }
@@ -189,12 +196,20 @@ void AccessControl::admitWith(Credentials credentials, Request request, Decided 
     });
 }
 
-bool AccessControl::queueUp() {
+/// Answers why not.
+const char* AccessControl::queueUp() {
     Lock lock(mutex);
+    if (stopped)
+        return serverStops;
     if (waiting >= maxWaiting)
-        return false;
+        return "too many sign in at once";
     ++waiting;
-    return true;
+    return nullptr;
+}
+
+bool AccessControl::isStopped() const {
+    Lock lock(mutex);
+    return stopped;
 }
 
 void AccessControl::verify(const Credentials& credentials, Request request,

@@ -29,7 +29,7 @@ public:
     /// An empty path: no users. Throws StartError.
     AccessControl(OriginPolicy policy, std::filesystem::path userFile, Audit& audit);
     ~AccessControl() { stop(); }
-    /// No password is checked any more; returns when none is being checked.
+    /// No password is checked any more: who waits for it is refused. Returns when that is done.
     void stop();
 
     using Decided = std::function<void(Request request, std::optional<Response> refusal)>;
@@ -64,7 +64,8 @@ private:
     static std::optional<Credentials> credentialsOf(const Request& request);
 
     void admitWith(Credentials credentials, Request request, Decided decided);
-    bool queueUp();
+    const char* queueUp();
+    bool isStopped() const;
     void verify(const Credentials& credentials, Request request, const Decided& decided);
     void refuseSignIn(Request request, const std::string& user, Response refusal,
                       const Decided& decided) const;
@@ -89,6 +90,7 @@ private:
     /// Passwords found right a short time ago, by fingerprint of them and of the hash that they
     /// were checked against, and when they are checked again.
     std::map<std::string, std::chrono::steady_clock::time_point> remembered GUARDED_BY(mutex);
+    bool stopped GUARDED_BY(mutex) = false;
     std::size_t waiting GUARDED_BY(mutex) = 0;  ///< for their password to be checked
 
     boost::asio::thread_pool verifier{1};  ///< one: each check takes 64 MiB and a processor

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "server/StartError.h"
+#include "server/users/AccessControl.h"
 #include "server/users/Password.h"
 #include "server/users/Sessions.h"
 #include "server/users/SignInLimiter.h"
@@ -157,6 +158,33 @@ TEST(Sessions, EndAfterTwelveHoursOrWhenToldTo) {
         open("eva", start + seconds(1));
     EXPECT_EQ(userOf(second, start), "") << "the oldest of too many";
     EXPECT_EQ(userOf(other, start), "adam") << "nobody else's";
+}
+
+TEST(AccessControl, WhoWaitsForAPasswordIsAnsweredAtTheEnd) {
+    const fs::path file =
+        fs::temp_directory_path() / ("users-test-" + std::to_string(std::random_device()()));
+    std::ofstream(file) << R"({"users": {"eva": {"role": "view", "password": ")"
+                        << hashPassword("secret") << "\"}}}";
+    const Audit audit;
+    AccessControl access(OriginPolicy({}), file, audit);
+    fs::remove(file);
+    Request request;
+    request.host = "localhost";
+    request.authorization = "Basic ZXZhOnNlY3JldA==";  // eva:secret
+    std::vector<unsigned> statuses;  // on the thread that checks, and after it here
+    const auto admit = [&] {
+        access.admit(request, "/api/events", [&](const Request&, std::optional<Response> refusal) {
+            statuses.push_back(refusal ? refusal->status : 200);
+        });
+    };
+    constexpr std::size_t count = 20;
+    for (std::size_t i = 0; i < count; ++i)
+        admit();
+    access.stop();
+    EXPECT_EQ(statuses.size(), count);
+    EXPECT_THAT(statuses, testing::Each(testing::AnyOf(200U, 503U)));
+    admit();
+    EXPECT_EQ(statuses.back(), 503U) << "nothing waits for what does not come";
 }
 
 }  // namespace
