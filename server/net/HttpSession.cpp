@@ -27,7 +27,7 @@ constexpr std::size_t firstRead = 1 << 10;  ///< kept ready for each idle client
 /// Bodies and answers up to here are not counted against what all clients may hold together.
 constexpr std::size_t smallSize = 16 << 10;
 constexpr auto handshakeTimeout = std::chrono::seconds(10);
-constexpr auto requestTimeout = std::chrono::seconds(30);  ///< from its first byte to its last
+constexpr auto requestTimeout = std::chrono::seconds(30);   ///< from its first byte to its last
 constexpr auto progressTimeout = std::chrono::seconds(30);  ///< of a client that takes nothing
 constexpr auto idleTimeout = std::chrono::seconds(75);
 constexpr auto lingerTimeout = std::chrono::seconds(2);
@@ -183,6 +183,7 @@ void HttpSession::onReadFailed(Error error) {
 
 void HttpSession::serve() {
     enter(Phase::serving);
+    ++served;
     stream.next_layer().expires_never();
     if (upgrades)
         return follow();
@@ -223,9 +224,12 @@ std::shared_ptr<const Presence> HttpSession::watchClient() {
 }
 
 std::shared_ptr<HttpSession> HttpSession::sharedWithWorkers() {
-    return {this, [session = shared_from_this()](HttpSession*) mutable {
+    return {this, [session = shared_from_this(), number = served](HttpSession*) mutable {
                 const auto executor = session->executor;
-                asio::post(executor, [last = std::move(session)] {});
+                asio::post(executor, [last = std::move(session), number] {
+                    if (last->isIn(Phase::serving) && last->served == number)
+                        last->abort();
+                });
             }};
 }
 
@@ -307,9 +311,8 @@ void HttpSession::onWritten(Error error) {
 void HttpSession::fetchPart() {
     const auto self = sharedWithWorkers();
     const auto give = [self](std::optional<std::string> part) {
-        asio::post(self->executor, [self, part = std::move(part)]() mutable {
-            self->supply(std::move(part));
-        });
+        asio::post(self->executor,
+                   [self, part = std::move(part)]() mutable { self->supply(std::move(part)); });
     };
     const auto make = [parts = answer->parts(), give] {
         try {

@@ -54,7 +54,8 @@ private:
     void onBody(Error error);
     void onReadFailed(Error error);
     void serve();
-    /// Whoever lets go last, on whatever thread, the session ends on its own.
+    /// Whoever lets go last, on whatever thread, the session ends on its own; and so does the
+    /// connection of a request that has got no answer by then.
     std::shared_ptr<HttpSession> sharedWithWorkers();
     std::shared_ptr<const Presence> watchClient();
     void follow();
@@ -84,6 +85,7 @@ private:
     boost::asio::ip::address client;  ///< the peer, or whom a proxy names
     bool upgrades = false;            ///< to follow the stream
 
+    std::uint64_t served = 0;  ///< requests, with the one that is being served
     std::optional<Answer> answer;
     bool handedOver = false;  ///< the stream has gone to another session
     bool closing = false;     ///< no request after this one
