@@ -133,13 +133,15 @@ public:
     LimitedStore(std::size_t limit, std::int64_t livePercent)
         : limit(static_cast<std::int64_t>(limit)),
           maximumLive(limit * static_cast<std::size_t>(livePercent) / 100) {
-        store.setEvictionCallback(
-            [](std::int64_t, const Event& event) { benchmark::DoNotOptimize(&event); });
+        store.setEvictionCallback([](std::int64_t, const ZrHmiSrv::Value& payload) {
+            benchmark::DoNotOptimize(&payload);
+        });
     }
     void insert(Item item) {
-        const AlarmKey key{Timestamp(item.time()), 1};
-        Store::Entry* entry =
-            store.insert(std::move(item.event), {std::move(item.pointer), key}, limit);
+        const std::int64_t time = item.time();
+        const AlarmKey key{Timestamp(time), 1};
+        Store::Entry* entry = store.insert(std::move(item.event.payload()),
+                                           {std::move(item.pointer), key}, limit, time);
         if (!entry->isLive())
             return;
         live.push_back(entry);

@@ -165,7 +165,7 @@ TEST(AccessControl, WhoWaitsForAPasswordIsAnsweredAtTheEnd) {
         fs::temp_directory_path() / ("users-test-" + std::to_string(std::random_device()()));
     std::ofstream(file) << R"({"users": {"eva": {"role": "view", "password": ")"
                         << hashPassword("secret") << "\"}}}";
-    const Audit audit;
+    Audit audit;
     AccessControl access(OriginPolicy({}), file, audit);
     fs::remove(file);
     Request request;
