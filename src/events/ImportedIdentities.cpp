@@ -54,10 +54,11 @@ bool ImportedIdentities::takeMessage(const Message& message) {
         return false;
     if (!std::exchange(isSorted, true))
         std::ranges::stable_sort(messages, {}, &ImportedMessage::timeRaised);
-    for (ImportedMessage& known : std::ranges::equal_range(messages, message.time_raised(), {},
-                                                           &ImportedMessage::timeRaised))
-        if (known.message.isset() && areEqualMessages(known.message, message)) {
-            known.message = {};
+    auto same =
+        std::ranges::lower_bound(messages, message.time_raised(), {}, &ImportedMessage::timeRaised);
+    for (; same != messages.end() && same->timeRaised == message.time_raised(); ++same)
+        if (same->message.isset() && areEqualMessages(same->message, message)) {
+            same->message = {};
             return true;
         }
     return false;
